@@ -1,0 +1,31 @@
+#pragma once
+// The analysis block of a profile: its prepared working copy and the results of every signal
+// analysis, each kept as the analysis that fills it defines.
+#include <array>
+#include <cstdint>
+
+#include "analysis/filter_types.h"
+#include "analysis/iri_types.h"
+#include "analysis/octave_types.h"
+#include "analysis/psd_types.h"
+#include "app/one_based.h"
+#include "profile/wave_series.h"
+
+namespace velmora {
+
+struct AnalysisBlock {
+  double SamplesPerMetre = 0;
+  std::int32_t Count = 0;             // samples of the prepared profile
+  WaveSeries Profile;                 // the prepared copy of WorkProfile
+  std::int32_t FftLength1 = 0;        // smallest power of two >= N (from 4)
+  std::int32_t FftLength2 = 0;        // the same for 2N
+  std::array<Array1<std::uint8_t>, 11> Masks;  // [1..10]: the octave masks, element 0 in each unused
+
+  FilterResults Filter;
+  IriResults Iri;
+  SectionIri Sections;
+  OctaveBandSet Octave;
+  PsdResult Psd;
+};
+
+}  // namespace velmora

@@ -1,0 +1,33 @@
+#pragma once
+// Text inside the program is UTF-8. Files in the "system code page" are Shift-JIS (CP932) with CR LF;
+// these functions are the only place where the two meet.
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora {
+
+// UTF-8 → CP932. A character CP932 cannot hold becomes "?", as the platform's conversion did.
+std::string ToSystemCodePage(std::string_view utf8);
+// CP932 → UTF-8. Invalid bytes raise LegacyError(InvalidData) naming `source` (a file name) and the
+// byte offset.
+std::string FromSystemCodePage(std::string_view cp932, std::string_view source = {});
+
+// The whole file as UTF-8 lines. Lines end at CR LF, LF or a lone CR; the ending is not kept, and a
+// final line ending does not make an extra empty line. A missing or unreadable file raises
+// LegacyError naming the file.
+std::vector<std::string> ReadSystemTextLines(const std::filesystem::path& path);
+
+// Writes the lines, each followed by CR LF, in CP932. The file is written beside its target and then
+// renamed over it, so a failure never leaves a half-written file in place of the old one.
+void WriteSystemTextFile(const std::filesystem::path& path, const std::vector<std::string>& lines);
+
+// Appends one line + CR LF (log files: opened and closed for every line).
+void AppendSystemTextLine(const std::filesystem::path& path, std::string_view line);
+
+// Raw byte access for readers that parse as they go, with the same error rules.
+std::string ReadFileBytes(const std::filesystem::path& path);
+void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_view bytes);
+
+}  // namespace velmora

@@ -1,0 +1,75 @@
+#pragma once
+// Shared test helpers: a scripted user interaction that records every text, and a temporary folder.
+#include <deque>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "app/user_interaction.h"
+
+namespace velmora::testing {
+
+// One recorded interaction, with the exact texts.
+struct RecordedMessage {
+  std::string Kind;  // "message", "input", "open", "save", "folder", "progress-start", ...
+  std::string Text;
+  std::string Title;
+  MsgIcon Icon = MsgIcon::None;
+  MsgButtons Buttons = MsgButtons::Ok;
+};
+
+// Answers come from queues the test fills; an empty queue gives the question's default answer,
+// a cancelled input and cancelled dialogs. Installs itself for its lifetime.
+class ScriptedUi final : public UserInteraction {
+ public:
+  ScriptedUi();
+
+  std::deque<MsgAnswer> Answers;
+  std::deque<std::string> Inputs;
+  std::deque<std::vector<std::string>> Files;  // for OpenFiles, SaveFile (first item), ChooseFolder
+  std::vector<RecordedMessage> Log;
+  std::vector<int> ProgressValues;
+
+  // Only the message boxes, in order.
+  std::vector<RecordedMessage> Messages() const;
+  // The text of the only message box; fails the test when there is not exactly one.
+  std::string OnlyMessageText() const;
+
+  MsgAnswer Message(const std::string& text, const std::string& title, MsgIcon icon, MsgButtons buttons,
+                    MsgAnswer defaultAnswer) override;
+  std::optional<std::string> Input(const std::string& prompt, const std::string& title,
+                                   const std::string& defaultValue) override;
+  std::vector<std::string> OpenFiles(const FileDialogRequest& request) override;
+  std::string SaveFile(const FileDialogRequest& request) override;
+  std::string ChooseFolder(const FileDialogRequest& request) override;
+  void ProgressStart(const std::string& title, const std::string& message) override;
+  void ProgressValue(int percent) override;
+  void ProgressExit() override;
+
+ private:
+  ScopedUi scope_;
+};
+
+// A fresh folder under the system temporary folder, removed with everything in it at the end.
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+// Raw bytes of a file, and writing raw bytes (fixtures in Shift-JIS are written byte for byte).
+std::string ReadBytes(const std::filesystem::path& path);
+void WriteBytes(const std::filesystem::path& path, const std::string& bytes);
+
+// The repository's folders, for fixtures and example data.
+std::filesystem::path SourceDir();
+std::filesystem::path SharedDataDir();  // measured road profiles beside the repository, may be absent
+
+}  // namespace velmora::testing
