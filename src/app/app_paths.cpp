@@ -1,0 +1,10 @@
+#include "app/app_paths.h"
+
+namespace velmora {
+
+AppPaths& Paths() {
+  static AppPaths paths;
+  return paths;
+}
+
+}  // namespace velmora

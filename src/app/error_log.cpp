@@ -1,0 +1,36 @@
+#include "app/error_log.h"
+
+#include <filesystem>
+#include <string>
+
+#include "app/app_paths.h"
+#include "app/legacy_format.h"
+#include "app/text_encoding.h"
+#include "app/user_interaction.h"
+
+namespace velmora {
+namespace {
+std::string Stamp() { return FormatDateTime(LocalNow(), "YYYY/MM/DD HH:MM:SS"); }
+std::filesystem::path Under(const std::string& folder, const char* name) {
+  return std::filesystem::path(folder) / name;
+}
+}  // namespace
+
+void ErrorLog(std::string_view moduleName, std::string_view procName, const std::exception& error,
+              bool quiet) {
+  const std::string text = error.what();
+  std::string line = Stamp();
+  line.append("  [ ").append(moduleName).append(" : ").append(procName).append(" ]  ERROR : ").append(text);
+  AppendSystemTextLine(Under(Paths().TempPath, "Sorvik_Err.log"), line);
+  if (!quiet) {
+    std::string title = "[ ";
+    title.append(moduleName).append(" : ").append(procName).append(" ]");
+    Ui().Inform("ERROR : " + text, title, MsgIcon::Exclamation);
+  }
+}
+
+void DebugStart() {
+  WriteSystemTextFile(Under(Paths().UserLocalPath, "debug.log"), {Stamp() + " : [START]"});
+}
+
+}  // namespace velmora
