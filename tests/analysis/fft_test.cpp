@@ -1,0 +1,189 @@
+#include "analysis/fft.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "app/legacy_error.h"
+
+namespace velmora {
+namespace {
+
+constexpr double kTwoPi = 6.283185307179586;
+
+Array1<Complex> RandomSignal(std::int32_t n, unsigned seed) {
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<double> value(-50.0, 50.0);
+  Array1<Complex> x(static_cast<std::size_t>(n));
+  for (auto& c : x) c = {value(random), value(random)};
+  return x;
+}
+
+void ExpectNear(const Complex& actual, const Complex& expected, double tolerance, const char* what, int k) {
+  EXPECT_NEAR(actual.Re, expected.Re, tolerance) << what << " bin " << k;
+  EXPECT_NEAR(actual.Im, expected.Im, tolerance) << what << " bin " << k;
+}
+
+// The transform exactly as the algorithm is written: twiddle by twiddle across the array, w recomputed
+// for every k with ComplexExp, no table. The production code must give the same bits.
+void LiteralFft(std::int32_t n, Array1<Complex>& x, std::int32_t sign) {
+  std::int32_t j = 1;
+  for (std::int32_t i = 1; i <= n; ++i) {
+    if (i < j) std::swap(x[i], x[j]);
+    std::int32_t m = static_cast<std::int32_t>(std::nearbyint(n / 2.0));
+    while (m >= 2 && j > m) {
+      j = j - m;
+      m = static_cast<std::int32_t>(std::nearbyint(m / 2.0));
+    }
+    j = j + m;
+  }
+  std::int32_t m = 1;
+  while (m < n) {
+    const std::int32_t step = 2 * m;
+    for (std::int32_t k = 1; k <= m; ++k) {
+      const double theta = (k - 1) * sign * 3.14159265358979 / m;
+      const Complex w = ComplexExp({0.0, theta});
+      for (std::int32_t i = k; i <= n; i += step) {
+        const std::int32_t jj = i + m;
+        const Complex t = ComplexMul(w, x[jj]);
+        x[jj] = ComplexSub(x[i], t);
+        x[i] = ComplexAdd(x[i], t);
+      }
+    }
+    m = step;
+  }
+}
+
+bool SameBits(const Array1<Complex>& a, const Array1<Complex>& b) {
+  return a.size() == b.size() &&
+         std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(Complex)) == 0;
+}
+
+TEST(ComplexTest, HelpersFollowTheTextbookFormulas) {
+  EXPECT_EQ(ComplexAdd({1, 2}, {3, -5}), (Complex{4, -3}));
+  EXPECT_EQ(ComplexSub({1, 2}, {3, -5}), (Complex{-2, 7}));
+  EXPECT_EQ(ComplexMul({1, 2}, {3, 4}), (Complex{-5, 10}));  // (1+2i)(3+4i) = 3 + 4i + 6i − 8
+  EXPECT_EQ(ComplexAbs({3, -4}), 5.0);
+  const Complex e = ComplexExp({std::log(2.0), kTwoPi / 4});
+  EXPECT_NEAR(e.Re, 0.0, 1e-15);
+  EXPECT_NEAR(e.Im, 2.0, 1e-15);
+}
+
+TEST(FftTest, SmallTransformsWorkedByHand) {
+  Array1<Complex> two{{3, 0}, {5, 0}};
+  Fft(2, two, -1);
+  EXPECT_EQ(two, (Array1<Complex>{{8, 0}, {-2, 0}}));
+
+  // X(2) = 1 + 2(−i) + 3(−1) + 4(i) = −2 + 2i; X(3) = 1 − 2 + 3 − 4; X(4) the conjugate of X(2).
+  Array1<Complex> four{{1, 0}, {2, 0}, {3, 0}, {4, 0}};
+  Fft(4, four, -1);
+  const Complex forward[] = {{10, 0}, {-2, 2}, {-2, 0}, {-2, -2}};
+  for (int k = 1; k <= 4; ++k) ExpectNear(four[k], forward[k - 1], 1e-13, "forward", k);
+
+  Array1<Complex> inverse{{1, 0}, {2, 0}, {3, 0}, {4, 0}};
+  Fft(4, inverse, +1);  // the opposite rotation: X(2) = 1 + 2i − 3 − 4i
+  ExpectNear(inverse[2], {-2, -2}, 1e-13, "inverse", 2);
+  ExpectNear(inverse[4], {-2, 2}, 1e-13, "inverse", 4);
+
+  Array1<Complex> one{{7, -3}};
+  Fft(1, one, -1);
+  EXPECT_EQ(one[1], (Complex{7, -3}));
+}
+
+TEST(FftTest, ImpulseConstantAndCosineHaveTheirKnownSpectra) {
+  const std::int32_t n = 64;
+  Array1<Complex> impulse(n);
+  impulse[1] = {1, 0};
+  Fft(n, impulse, -1);
+  for (int k = 1; k <= n; ++k) ExpectNear(impulse[k], {1, 0}, 1e-15, "impulse at 1", k);
+
+  // An impulse at sample 2 is a pure rotation: X(k) = exp(−2πi (k−1)/n).
+  Array1<Complex> shifted(n);
+  shifted[2] = {1, 0};
+  Fft(n, shifted, -1);
+  for (int k = 1; k <= n; ++k)
+    ExpectNear(shifted[k], {std::cos(kTwoPi * (k - 1) / n), -std::sin(kTwoPi * (k - 1) / n)}, 1e-13,
+               "impulse at 2", k);
+
+  Array1<Complex> constant(n);
+  for (auto& c : constant) c = {2.5, 0};
+  Fft(n, constant, -1);
+  ExpectNear(constant[1], {2.5 * n, 0}, 1e-12, "constant", 1);
+  for (int k = 2; k <= n; ++k) ExpectNear(constant[k], {0, 0}, 1e-12, "constant", k);
+
+  // cos(2π·5(j−1)/n) puts n/2 into bin 6 and its mirror bin n − 4, nothing elsewhere.
+  Array1<Complex> cosine(n);
+  for (int j = 1; j <= n; ++j) cosine[j] = {std::cos(kTwoPi * 5 * (j - 1) / n), 0};
+  Fft(n, cosine, -1);
+  for (int k = 1; k <= n; ++k) {
+    const double expected = (k == 6 || k == n - 4) ? n / 2.0 : 0.0;
+    ExpectNear(cosine[k], {expected, 0}, 1e-12, "cosine", k);
+  }
+}
+
+TEST(FftTest, ForwardThenInverseGivesNTimesTheInput) {
+  for (std::int32_t n = 1; n <= (1 << 16); n *= 2) {
+    const Array1<Complex> input = RandomSignal(n, static_cast<unsigned>(n));
+    Array1<Complex> x = input;
+    Fft(n, x, -1);
+    Fft(n, x, +1);
+    const double tolerance = 1e-12 * n * (1 + std::log2(static_cast<double>(n)));
+    for (int i = 1; i <= n; ++i) {
+      ASSERT_NEAR(x[i].Re, n * input[i].Re, tolerance) << "n " << n << " i " << i;
+      ASSERT_NEAR(x[i].Im, n * input[i].Im, tolerance) << "n " << n << " i " << i;
+    }
+  }
+}
+
+TEST(FftTest, CachedTwiddlesGiveTheSameBitsAsTheLiteralLoop) {
+  // Lengths in a mixed order so that the twiddle table is grown and reused in between.
+  for (std::int32_t n : {8, 1, 1024, 2, 4096, 16, 4, 32768, 64, 128, 256, 512, 2048, 8192, 16384}) {
+    for (std::int32_t sign : {-1, +1}) {
+      Array1<Complex> mine = RandomSignal(n, static_cast<unsigned>(n + sign));
+      Array1<Complex> literal = mine;
+      Fft(n, mine, sign);
+      LiteralFft(n, literal, sign);
+      EXPECT_TRUE(SameBits(mine, literal)) << "n " << n << " sign " << sign;
+    }
+  }
+}
+
+TEST(FftTest, AnArrayLongerThanNKeepsItsTail) {
+  Array1<Complex> x{{1, 0}, {1, 0}, {9, 9}};
+  Fft(2, x, -1);
+  EXPECT_EQ(x, (Array1<Complex>{{2, 0}, {0, 0}, {9, 9}}));
+}
+
+TEST(FftTest, RefusesLengthsDirectionsAndArraysItCannotTransform) {
+  Array1<Complex> x(8);
+  EXPECT_THROW(Fft(6, x, -1), LegacyError);
+  EXPECT_THROW(Fft(0, x, -1), LegacyError);
+  EXPECT_THROW(Fft(8, x, 0), LegacyError);
+  try {
+    Fft(16, x, -1);
+    FAIL() << "a 16-point transform of 8 elements must be refused";
+  } catch (const LegacyError& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::SubscriptOutOfRange);
+  }
+}
+
+TEST(FftLengthTest, SmallestPowerOfTwoFromFour) {
+  struct Case {
+    std::int32_t n, length1, length2;
+  };
+  for (const Case& c : {Case{1, 4, 4}, Case{2, 4, 4}, Case{3, 4, 8}, Case{4, 4, 8}, Case{5, 8, 16},
+                        Case{8, 8, 16}, Case{9, 16, 32}, Case{1000000, 1048576, 2097152}}) {
+    EXPECT_EQ(FftLength1(c.n), c.length1) << "N " << c.n;
+    EXPECT_EQ(FftLength2(c.n), c.length2) << "N " << c.n;
+  }
+  EXPECT_EQ(FftLength1((1 << 30)), 1 << 30);
+  EXPECT_THROW(FftLength1((1 << 30) + 1), LegacyError);  // 2^31 does not fit an i32
+  EXPECT_THROW(FftLength2((1 << 29) + 1), LegacyError);
+}
+
+}  // namespace
+}  // namespace velmora

@@ -1,0 +1,172 @@
+#include "analysis/mirror_extend.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <vector>
+
+#include "app/app_paths.h"
+#include "app/legacy_error.h"
+#include "app/settings.h"
+#include "app/text_encoding.h"
+#include "support/test_support.h"
+
+namespace velmora {
+
+// Readable failure output for 1-based arrays (found by argument-dependent lookup).
+void PrintTo(const Array1<double>& values, std::ostream* out) {
+  *out << "(";
+  for (std::ptrdiff_t i = 1; i <= values.size(); ++i) *out << (i > 1 ? ", " : "") << values[i];
+  *out << ")";
+}
+
+namespace {
+
+Array1<double> A(std::vector<double> values) { return Array1<double>(std::move(values)); }
+
+// Logs and debug tables go to a temporary folder; settings and paths are restored afterwards.
+class MirrorExtendTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    savedPaths_ = Paths();
+    savedSettings_ = Settings();
+    Paths().TempPath = (dir_ / "Temp").string();
+    Paths().DebugPath = (dir_ / "Debug").string();
+    std::filesystem::create_directories(Paths().TempPath);
+  }
+  void TearDown() override {
+    Paths() = savedPaths_;
+    Settings() = savedSettings_;
+  }
+  testing::TempDir dir_;
+  testing::ScriptedUi ui_;
+
+ private:
+  AppPaths savedPaths_;
+  AppSettings savedSettings_;
+};
+
+TEST_F(MirrorExtendTest, FoldsBothWaysWithoutRepeatingTheEndSamples) {
+  const Array1<double> source = A({1, 2, 4, 7, 11});
+  Array1<double> dest;
+  std::int32_t count = 0;
+  // Left: 2·1 − source(3), 2·1 − source(2); right: 2·11 − source(4), 2·11 − source(3).
+  MirrorExtend(true, 2, 5, source, count, dest);
+  EXPECT_EQ(count, 9);
+  EXPECT_EQ(dest, A({-2, 0, 1, 2, 4, 7, 11, 15, 18}));
+
+  MirrorExtend(false, 2, 5, source, count, dest);
+  EXPECT_EQ(dest, A({4, 2, 1, 2, 4, 7, 11, 7, 4}));
+
+  MirrorExtend(true, 0, 5, source, count, dest);
+  EXPECT_EQ(dest, source);
+
+  MirrorExtend(false, 4, 5, source, count, dest);  // the widest fold n − 1 reaches source(5) and source(1)
+  EXPECT_EQ(dest, A({11, 7, 4, 2, 1, 2, 4, 7, 11, 7, 4, 2, 1}));
+}
+
+TEST_F(MirrorExtendTest, PointFoldKeepsConstantsAndRamps) {
+  Array1<double> ramp(50), constant(50);
+  for (int i = 1; i <= 50; ++i) {
+    ramp[i] = 0.25 * i - 3.0;
+    constant[i] = -12.5;
+  }
+  Array1<double> dest;
+  std::int32_t count = 0;
+  MirrorExtend(true, 30, 50, ramp, count, dest);
+  ASSERT_EQ(count, 110);
+  for (int p = 1; p <= 110; ++p) EXPECT_DOUBLE_EQ(dest[p], 0.25 * (p - 30) - 3.0) << p;
+  MirrorExtend(true, 49, 50, constant, count, dest);
+  for (int p = 1; p <= count; ++p) EXPECT_EQ(dest[p], -12.5) << p;
+}
+
+TEST_F(MirrorExtendTest, RefusesFoldsThatReachBeyondTheProfile) {
+  const Array1<double> source = A({1, 2, 3});
+  Array1<double> dest;
+  std::int32_t count = 0;
+  for (std::int32_t fold : {3, -1}) {
+    try {
+      MirrorExtend(true, fold, 3, source, count, dest);
+      FAIL() << "fold " << fold;
+    } catch (const LegacyError& error) {
+      EXPECT_EQ(error.Number(), ErrorNumber::SubscriptOutOfRange);
+    }
+  }
+  EXPECT_THROW(MirrorExtend(true, 1, 4, source, count, dest), LegacyError);  // n past the array
+}
+
+TEST_F(MirrorExtendTest, FilterExtensionOfAPowerOfTwoIsACopyThenAHalfFold) {
+  Array1<double> dest;
+  std::int32_t offset = -1;
+  ASSERT_TRUE(subFFT計算用_観音開き作成(4, 4, 8, A({1, 5, 2, 8}), offset, dest));
+  EXPECT_EQ(offset, 2);
+  EXPECT_EQ(dest, A({2, 5, 1, 5, 2, 8, 2, 5}));
+}
+
+TEST_F(MirrorExtendTest, FilterExtensionSharesTheSurplusLargerPartLeft) {
+  Array1<double> dest;
+  std::int32_t offset = 0;
+  // N = 5: d = 3, a = 2, b = 1. Work (−2, 0, 1, 2, 4, 7, 11, 15) after the cut, then 4 each side.
+  ASSERT_TRUE(subFFT計算用_観音開き作成(5, 8, 16, A({1, 2, 4, 7, 11}), offset, dest));
+  EXPECT_EQ(offset, 6);
+  EXPECT_EQ(dest, A({4, 2, 1, 0, -2, 0, 1, 2, 4, 7, 11, 15, 11, 7, 4, 2}));
+
+  // N = 7: d = 1, round(0.5) = 0, exchanged to one sample left and none right.
+  ASSERT_TRUE(subFFT計算用_観音開き作成(7, 8, 16, A({0, 1, 3, 6, 10, 15, 21}), offset, dest));
+  EXPECT_EQ(offset, 5);
+  EXPECT_EQ(dest, A({6, 3, 1, 0, -1, 0, 1, 3, 6, 10, 15, 21, 15, 10, 6, 3}));
+
+  // N = 11: d = 5, round(2.5) = 2, exchanged to 3 left and 2 right; work is
+  // (2 − 16, 2 − 9, 2 − 4, 1, 4, …, 121, 242 − 100, 242 − 81).
+  Array1<double> squares(11);
+  for (int i = 1; i <= 11; ++i) squares[i] = i * i;
+  ASSERT_TRUE(subFFT計算用_観音開き作成(11, 16, 32, squares, offset, dest));
+  EXPECT_EQ(offset, 11);
+  EXPECT_EQ(dest, A({36, 25, 16, 9, 4, 1, -2, -7, -14, -7, -2, 1, 4, 9, 16, 25,
+                     36, 49, 64, 81, 100, 121, 142, 161, 142, 121, 100, 81, 64, 49, 36, 25}));
+  EXPECT_TRUE(ui_.Messages().empty());
+}
+
+TEST_F(MirrorExtendTest, PsdExtensionIsOnlyThePointFold) {
+  Array1<double> dest;
+  std::int32_t offset = 0;
+  ASSERT_TRUE(subPSD計算用_観音開き作成(5, 8, A({1, 2, 4, 7, 11}), offset, dest));
+  EXPECT_EQ(offset, 2);
+  EXPECT_EQ(dest, A({-2, 0, 1, 2, 4, 7, 11, 15}));
+
+  ASSERT_TRUE(subPSD計算用_観音開き作成(4, 4, A({3, 1, 4, 1}), offset, dest));
+  EXPECT_EQ(offset, 0);
+  EXPECT_EQ(dest, A({3, 1, 4, 1}));
+}
+
+TEST_F(MirrorExtendTest, ASingleSampleProfileIsLoggedUnderTheProcedureName) {
+  Array1<double> dest;
+  std::int32_t offset = 0;
+  // N = 1 gives length 4: the fold needs source(3).
+  EXPECT_FALSE(subFFT計算用_観音開き作成(1, 4, 4, A({5}), offset, dest));
+  ASSERT_EQ(ui_.Messages().size(), 1u);
+  EXPECT_EQ(ui_.Messages()[0].Title, "[ basFFT : subFFT計算用_観音開き作成 ]");
+  const auto log = ReadSystemTextLines(dir_ / "Temp" / "Sorvik_Err.log");
+  ASSERT_EQ(log.size(), 1u);
+  EXPECT_NE(log[0].find("subFFT計算用_観音開き作成"), std::string::npos);
+
+  EXPECT_FALSE(subPSD計算用_観音開き作成(1, 4, A({5}), offset, dest));
+  EXPECT_EQ(ui_.Messages().size(), 2u);
+}
+
+TEST_F(MirrorExtendTest, DebugLevelWritesTheFoldTable) {
+  Settings().DebugLevel = 1;
+  Array1<double> dest;
+  std::int32_t count = 0;
+  MirrorExtend(true, 1, 3, A({1, 2, 4}), count, dest);
+  MirrorExtend(false, 1, 3, A({1, 2, 4}), count, dest, "観音開きデータ(移動平均フィルター).csv");
+  EXPECT_EQ(testing::ReadBytes(dir_ / "Debug" / "観音開きデータ.csv"),
+            ToSystemCodePage("No, 観音開個数折り返し個数 = 1\r\n"
+                             "1,0.000000000000000\r\n2,1.000000000000000\r\n3,2.000000000000000\r\n"
+                             "4,4.000000000000000\r\n5,6.000000000000000\r\n"));
+  EXPECT_EQ(ReadSystemTextLines(dir_ / "Debug" / "観音開きデータ(移動平均フィルター).csv")[5],
+            "5,2.000000000000000");
+}
+
+}  // namespace
+}  // namespace velmora
