@@ -56,6 +56,7 @@ struct ProfileRecord {
   AnalysisBlock Analysis;
   ThreeWaveSplit ThreeWave;
   std::vector<StudyTarget> Studies;
+  RepairStudyData RepairStudy;  // results of the study steps after the split
 };
 
 }  // namespace velmora
