@@ -1,0 +1,174 @@
+// Registration of ERD files in the profile list: the replace question, the copy into the project
+// folder, the parallel views and their colours.
+#include "profile/profile_list.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <filesystem>
+
+#include "app/app_paths.h"
+#include "profile/erd_file.h"
+#include "support/test_support.h"
+
+namespace velmora {
+namespace {
+
+using testing::ReadBytes;
+using testing::ScriptedUi;
+using testing::TempDir;
+using testing::WriteBytes;
+
+std::string Fixture(const std::string& name) { return (testing::SourceDir() / "tests/data/erd" / name).string(); }
+
+// A scratch user-local tree and a palette of three colours for each test.
+class ProfileListTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    savedPaths_ = Paths();
+    savedSettings_ = Settings();
+    Paths().UserLocalPath = (dir_ / "local").string();
+    Paths().TempPath = (dir_ / "local" / "Temp").string();
+    std::filesystem::create_directories(Paths().TempPath);
+    Paths().ProjectDirty = false;
+    Settings().PaletteProfile = {0x0000FF, 0x00FF00, 0xFF0000};
+    Settings().PaletteRepair = {0x111111, 0x222222};
+  }
+  void TearDown() override {
+    Paths() = savedPaths_;
+    Settings() = savedSettings_;
+  }
+  // A copy of a fixture under another name, in the source folder of the test.
+  std::string Source(const std::string& name, const std::string& fixture = "line2_free_widths.erd") {
+    std::filesystem::create_directories(dir_ / "src");
+    const auto path = dir_ / "src" / name;
+    WriteBytes(path, ReadBytes(Fixture(fixture)));
+    return path.string();
+  }
+  std::filesystem::path ProjectCopy(const std::string& fileName) const {
+    return dir_ / "local" / "Project" / "Profile" / fileName;
+  }
+
+  TempDir dir_;
+  AppPaths savedPaths_;
+  AppSettings savedSettings_;
+};
+
+// Days since 1899-12-30 worked out from the Unix day count: 1970-01-01 is serial 25569.
+std::int32_t ExpectedToday() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  std::tm midnight{};
+  midnight.tm_year = local.tm_year;
+  midnight.tm_mon = local.tm_mon;
+  midnight.tm_mday = local.tm_mday;
+  return static_cast<std::int32_t>(timegm(&midnight) / 86400 + 25569);
+}
+
+TEST_F(ProfileListTest, AddsFilesInOrderIntoEveryViewAndCopiesThem) {
+  ScriptedUi ui;
+  ProfileList list;
+  const std::string a = Source("alpha.erd"), b = Source("Beta.ERD", "sjis_title_with_kp.erd");
+  ASSERT_TRUE(AddProfileList(list, {a, b}, true));
+  EXPECT_TRUE(ui.Messages().empty());
+  ASSERT_EQ(list.Count(), 2);
+  for (const ProfileListView& view : list.Views) EXPECT_EQ(view.Rows, (std::vector<std::string>{"alpha", "Beta"}));
+  const ProfileRecord& beta = list.Items[2];
+  EXPECT_EQ(beta.FileName, "Beta.ERD");
+  EXPECT_EQ(beta.FilePath, b);
+  EXPECT_EQ(beta.RouteName, "Beta");
+  EXPECT_EQ(beta.SourceType, 0);
+  EXPECT_EQ(beta.MeasureDate, ExpectedToday());
+  EXPECT_EQ(beta.Erd.Title, "国道１２号　上り");
+  EXPECT_EQ(beta.Erd.KpDisplay, "123.45000+-");
+  EXPECT_EQ(beta.WorkCount, 3);
+  EXPECT_DOUBLE_EQ(beta.SamplesPerMetre, 4.0);
+  EXPECT_EQ(ReadBytes(ProjectCopy("Beta.ERD")), ReadBytes(b));
+  EXPECT_EQ(ReadBytes(ProjectCopy("alpha.erd")), ReadBytes(a));
+  EXPECT_TRUE(Paths().ProjectDirty);
+}
+
+TEST_F(ProfileListTest, AnsweringNoKeepsRecordAndCopyAndTheOtherFilesAreStillAdded) {
+  ProfileList list;
+  const std::string first = Source("road.erd");
+  ASSERT_TRUE(AddProfileList(list, {first}, true));
+  const std::string copyBefore = ReadBytes(ProjectCopy("road.erd"));
+
+  std::filesystem::create_directories(dir_ / "other");
+  const std::string again = (dir_ / "other" / "ROAD.erd").string();  // same name: case is ignored
+  WriteBytes(again, ReadBytes(Fixture("cm_heights.erd")));
+  const std::string extra = Source("extra.erd");
+  ScriptedUi ui;
+  ui.Answers = {MsgAnswer::No};
+  EXPECT_TRUE(AddProfileList(list, {again, extra}, true));
+  const auto messages = ui.Messages();
+  ASSERT_EQ(messages.size(), 1u);
+  EXPECT_EQ(messages[0].Text, "指定されたプロファイル名は既に登録されています。\r\n\r\nプロファイル名：ROAD\r\n\r\n置き換えますか？");
+  EXPECT_EQ(messages[0].Title, "確認");
+  EXPECT_EQ(messages[0].Icon, MsgIcon::Question);
+  EXPECT_EQ(messages[0].Buttons, MsgButtons::YesNo);
+  ASSERT_EQ(list.Count(), 2);
+  EXPECT_EQ(list.Items[1].FilePath, first);
+  EXPECT_EQ(list.Items[1].Erd.Title, "free widths");
+  EXPECT_EQ(ReadBytes(ProjectCopy("road.erd")), copyBefore);
+  EXPECT_EQ(list.Views[0].Rows, (std::vector<std::string>{"road", "extra"}));
+}
+
+TEST_F(ProfileListTest, RepeatWithoutAskingReplacesInPlace) {
+  ProfileList list;
+  ASSERT_TRUE(AddProfileList(list, {Source("a.erd"), Source("road.erd")}, true));
+  list.SelectedRows = {2};
+  std::int32_t shown = 0;
+  list.Hooks.ShowProfileTab = [&](std::int32_t index) { shown = index; };
+  std::filesystem::create_directories(dir_ / "other");
+  const std::string newer = (dir_ / "other" / "road.erd").string();
+  WriteBytes(newer, ReadBytes(Fixture("cm_heights.erd")));
+  ScriptedUi ui;
+  ASSERT_TRUE(AddProfileList(list, {newer}, false));
+  EXPECT_TRUE(ui.Messages().empty());
+  ASSERT_EQ(list.Count(), 2);
+  EXPECT_EQ(list.Items[2].FilePath, newer);
+  EXPECT_EQ(list.Items[2].Erd.Title, "cm");
+  EXPECT_EQ(list.Items[2].WorkProfile, (Array1<double>{15.0, -2.5, 0.0}));
+  EXPECT_EQ(ReadBytes(ProjectCopy("road.erd")), ReadBytes(newer));
+  EXPECT_EQ(shown, 2);  // the one selected row was the replaced item
+  EXPECT_EQ(list.Views[0].Rows.size(), 2u);
+}
+
+TEST_F(ProfileListTest, UnreadableFileStopsTheLoopKeepingWhatWasRegistered) {
+  ProfileList list;
+  const std::string good = Source("good.erd"), bad = Source("bad.erd", "zero_step.erd"), late = Source("late.erd");
+  ScriptedUi ui;
+  EXPECT_FALSE(AddProfileList(list, {good, bad, late}, true));
+  EXPECT_EQ(list.Views[0].Rows, (std::vector<std::string>{"good"}));
+  EXPECT_EQ(list.Count(), 1);
+  EXPECT_EQ(ui.OnlyMessageText(), "Illegal step size.\r\n\r\nファイル名：" + bad);
+  EXPECT_FALSE(std::filesystem::exists(ProjectCopy("late.erd")));
+}
+
+TEST_F(ProfileListTest, DataErrorIsLoggedUnderAddProfileList) {
+  ProfileList list;
+  const std::string broken = Source("broken.erd", "data_line_not_number.erd");
+  ScriptedUi ui;
+  EXPECT_FALSE(AddProfileList(list, {broken}, true));
+  EXPECT_EQ(list.Count(), 0);
+  for (const ProfileListView& view : list.Views) EXPECT_TRUE(view.Rows.empty());
+  ASSERT_EQ(ui.Messages().size(), 1u);
+  EXPECT_NE(ui.Messages()[0].Title.find("AddProfileList"), std::string::npos);
+  EXPECT_NE(ui.Messages()[0].Text.find(broken), std::string::npos);
+}
+
+TEST_F(ProfileListTest, RowColoursCycleThroughThePalette) {
+  ProfileList list;
+  ScriptedUi ui;
+  ASSERT_TRUE(AddProfileList(list, {Source("r1.erd"), Source("r2.erd"), Source("r3.erd"), Source("r4.erd")}, true));
+  EXPECT_EQ(list.Views[0].Panels, (std::vector<Colour>{0x0000FF, 0x00FF00, 0xFF0000, 0x0000FF}));
+  EXPECT_EQ(list.Views[11].Name, "lst理想形状");
+  EXPECT_EQ(list.Views[11].Panels, (std::vector<Colour>{0x111111, 0x222222, 0x111111, 0x222222}));
+  EXPECT_EQ(RowColour(4, {7, 8, 9}), RowColour(1, {7, 8, 9}));
+  EXPECT_EQ(RowColour(1, {}), 0u);
+}
+
+}  // namespace
+}  // namespace velmora
