@@ -208,4 +208,25 @@ std::size_t uTokenCount(std::string_view text, std::string_view delimiter) {
 
 bool uStrEqual(std::string_view a, std::string_view b) { return UCase(Trim(a)) == UCase(Trim(b)); }
 
+std::vector<std::string> uTokenSpace(std::string_view commandLine) {
+  std::vector<std::string> words;
+  std::string word;
+  for (const char c : commandLine) {
+    if (c == ' ' || c == '\t') {
+      if (!word.empty()) words.push_back(std::move(word));
+      word.clear();
+    } else {
+      word += c;
+    }
+  }
+  if (!word.empty()) words.push_back(std::move(word));
+  return words;
+}
+
+std::string uQuote(std::string_view text) {
+  std::string out = "\"";
+  out.append(text).append("\"");
+  return out;
+}
+
 }  // namespace velmora

@@ -46,4 +46,12 @@ std::size_t uTokenCount(std::string_view text, std::string_view delimiter);
 // True when both, trimmed and in upper case, are equal.
 bool uStrEqual(std::string_view a, std::string_view b);
 
+// The words of a command line, split at blanks and tabs (runs of them count as one break). Word 1 is
+// element [0]; no quoting is recognised, as the program's own command line needs none.
+std::vector<std::string> uTokenSpace(std::string_view commandLine);
+
+// The text in double quotes, for a CSV field. Quotes inside are not doubled: the program's CSV
+// fields never hold one, and readers of its files expect the plain wrap.
+std::string uQuote(std::string_view text);
+
 }  // namespace velmora

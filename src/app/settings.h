@@ -6,11 +6,10 @@
 #include <vector>
 
 #include "analysis/iri_types.h"
+#include "app/colour.h"
 #include "app/common.h"
 
 namespace velmora {
-
-using Colour = std::uint32_t;  // 0xBBGGRR
 
 struct AppSettings {
   std::int32_t DebugLevel = 0;
@@ -33,6 +32,8 @@ struct CalcConditions {
   std::int32_t FilterShort = 10;
   IriParams Iri;
   IriParams RepairIri;
+  // "評価区間長に満たない区間のIRI算出を" しない: the short first and last sections do not count.
+  bool SkipPartialSections = false;
   BandReductionLines BandLines;
   std::array<Colour, 10> BandColours{};  // [1..9]
   Colour LineColour = 0xFF00FF;
