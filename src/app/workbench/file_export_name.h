@@ -1,0 +1,28 @@
+#pragma once
+// Names of exported and registered results: a template from the settings key "FileExportName" of a
+// section per kind, with date macros ("$(YYYYMMDDHHNNSS)$", ...), "$(PROFILENAME)$" and the kind's
+// own macros ("$(CUTOFF)$", "$(OctaveNum)$", "$(IRI種別)$", "$(出力種別)$").
+#include <ctime>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace velmora::workbench {
+
+struct NameMacro {
+  std::string Macro;  // e.g. "$(CUTOFF)$"
+  std::string Value;
+};
+
+// The name (without extension). `pattern` is the settings value; when it is empty (after trimming)
+// `builtIn` stands in for it, written with the same macros. Order: date macros with `now`, then
+// "$(PROFILENAME)$", then `kindMacros` in order. Each macro is found regardless of case and replaced
+// once.
+std::string FileExportName(std::string_view pattern, std::string_view builtIn, std::string_view profileName,
+                           const std::vector<NameMacro>& kindMacros, const std::tm& now);
+
+// The settings value of "FileExportName" in `section` (empty when the key or the file is absent).
+std::string FileExportPattern(std::string_view section);
+
+}  // namespace velmora::workbench
