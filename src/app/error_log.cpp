@@ -1,9 +1,11 @@
 #include "app/error_log.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "app/app_paths.h"
+#include "app/legacy_error.h"
 #include "app/legacy_format.h"
 #include "app/text_encoding.h"
 #include "app/user_interaction.h"
@@ -21,12 +23,21 @@ void ErrorLog(std::string_view moduleName, std::string_view procName, const std:
   const std::string text = error.what();
   std::string line = Stamp();
   line.append("  [ ").append(moduleName).append(" : ").append(procName).append(" ]  ERROR : ").append(text);
-  AppendSystemTextLine(Under(Paths().TempPath, "Sorvik_Err.log"), line);
+  // Without a TempPath the line would land in the working folder, which is nobody's log.
+  std::optional<LegacyError> logFailure;
+  if (!Paths().TempPath.empty()) {
+    try {
+      AppendSystemTextLine(Under(Paths().TempPath, "Sorvik_Err.log"), line);
+    } catch (const LegacyError& failure) {
+      logFailure = failure;
+    }
+  }
   if (!quiet) {
     std::string title = "[ ";
     title.append(moduleName).append(" : ").append(procName).append(" ]");
     Ui().Inform("ERROR : " + text, title, MsgIcon::Exclamation);
   }
+  if (logFailure) throw *logFailure;
 }
 
 void DebugStart() {

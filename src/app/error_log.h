@@ -6,14 +6,18 @@
 namespace velmora {
 
 // Appends "<stamp>  [ module : proc ]  ERROR : <text>" to TempPath/Sorvik_Err.log and, unless
-// `quiet`, shows the text in a message box titled "[ module : proc ]".
+// `quiet`, shows "ERROR : <text>" in a message box titled "[ module : proc ]" (exclamation icon).
+// The stamp is "YYYY/MM/DD HH:MM:SS". Before TempPath is known (early start-up) only the message is
+// shown. When the log cannot be written, the message is still shown and then the log's own failure
+// (a LegacyError naming the log file) is raised to the caller.
 void ErrorLog(std::string_view moduleName, std::string_view procName, const std::exception& error,
               bool quiet = false);
 // Writes "<stamp> : [START]" into a new UserLocalPath/debug.log.
 void DebugStart();
 
 // Runs `operation` as an operation boundary: a run-time error goes to ErrorLog under the module and
-// procedure names and the result is false. Returns true when the operation ended normally.
+// procedure names and the result is false. Returns true when the operation ended normally. A log
+// that cannot be written raises to the caller, as any error of a handler does.
 template <class F>
 bool Guarded(std::string_view moduleName, std::string_view procName, F&& operation) {
   try {
@@ -21,6 +25,24 @@ bool Guarded(std::string_view moduleName, std::string_view procName, F&& operati
     return true;
   } catch (const std::exception& error) {
     ErrorLog(moduleName, procName, error);
+    return false;
+  }
+}
+
+// As Guarded, for steps after which the program goes on whatever happened (start-up, settings that
+// fall back to built-in values): a log that cannot be written is passed over, the message having
+// been shown.
+template <class F>
+bool GuardedContinue(std::string_view moduleName, std::string_view procName, F&& operation, bool quiet = false) {
+  try {
+    operation();
+    return true;
+  } catch (const std::exception& error) {
+    try {
+      ErrorLog(moduleName, procName, error, quiet);
+    } catch (const std::exception&) {
+      // The message has been shown (unless quiet); there is nowhere else to report to.
+    }
     return false;
   }
 }
