@@ -9,6 +9,7 @@
 
 #include "app/app_paths.h"
 #include "profile/erd_file.h"
+#include "profile/list_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -16,43 +17,7 @@ namespace {
 
 using testing::ReadBytes;
 using testing::ScriptedUi;
-using testing::TempDir;
 using testing::WriteBytes;
-
-std::string Fixture(const std::string& name) { return (testing::SourceDir() / "tests/data/erd" / name).string(); }
-
-// A scratch user-local tree and a palette of three colours for each test.
-class ProfileListTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    savedPaths_ = Paths();
-    savedSettings_ = Settings();
-    Paths().UserLocalPath = (dir_ / "local").string();
-    Paths().TempPath = (dir_ / "local" / "Temp").string();
-    std::filesystem::create_directories(Paths().TempPath);
-    Paths().ProjectDirty = false;
-    Settings().PaletteProfile = {0x0000FF, 0x00FF00, 0xFF0000};
-    Settings().PaletteRepair = {0x111111, 0x222222};
-  }
-  void TearDown() override {
-    Paths() = savedPaths_;
-    Settings() = savedSettings_;
-  }
-  // A copy of a fixture under another name, in the source folder of the test.
-  std::string Source(const std::string& name, const std::string& fixture = "line2_free_widths.erd") {
-    std::filesystem::create_directories(dir_ / "src");
-    const auto path = dir_ / "src" / name;
-    WriteBytes(path, ReadBytes(Fixture(fixture)));
-    return path.string();
-  }
-  std::filesystem::path ProjectCopy(const std::string& fileName) const {
-    return dir_ / "local" / "Project" / "Profile" / fileName;
-  }
-
-  TempDir dir_;
-  AppPaths savedPaths_;
-  AppSettings savedSettings_;
-};
 
 // Days since 1899-12-30 worked out from the Unix day count: 1970-01-01 is serial 25569.
 std::int32_t ExpectedToday() {

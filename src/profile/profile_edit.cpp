@@ -1,0 +1,224 @@
+#include "profile/profile_edit.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "app/app_paths.h"
+#include "app/error_log.h"
+#include "app/file_helpers.h"
+#include "app/legacy_format.h"
+#include "app/macros.h"
+#include "app/path_helpers.h"
+#include "app/settings_io.h"
+#include "app/user_interaction.h"
+#include "profile/profile_export.h"
+
+namespace velmora {
+namespace {
+
+constexpr std::string_view kDialogSection = "CommonDialogPath";
+
+std::vector<const ProfileRecord*> SelectedProfiles(const ProfileList& list) {
+  std::vector<const ProfileRecord*> profiles;
+  for (std::int32_t row : list.SelectedRows) profiles.push_back(&list.Items[row]);
+  return profiles;
+}
+
+// Recolours every panel of every view by its position, after rows went away.
+void RecolourPanels(ProfileList& list) {
+  for (ProfileListView& view : list.Views) {
+    const auto& palette = view.Palette == ListPalette::Profile ? Settings().PaletteProfile : Settings().PaletteRepair;
+    view.Panels.resize(view.Rows.size());
+    for (std::size_t r = 0; r < view.Panels.size(); ++r) view.Panels[r] = RowColour(static_cast<std::int32_t>(r + 1), palette);
+  }
+}
+
+void AddFiles(ProfileList& list, ProfileEditResult& result) {
+  std::string start = GetPrevValue(kDialogSection, "ERDファイル追加");
+  if (start.empty() || !DirCheck(start)) start = Paths().AppPath;
+  FileDialogRequest request;
+  request.Title = "ERDファイル追加";
+  request.Filter = "ERDファイル (*.ERD)|*.ERD|テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*";
+  request.InitialDirectory = start;
+  request.MultiSelect = true;
+  const std::vector<std::string> files = Ui().OpenFiles(request);
+  if (files.empty()) return;
+  SetPrevValue(kDialogSection, "ERDファイル追加", flGetPathName(files.front()));
+  result = RegisterProfileFiles(list, files);
+}
+
+void ExportAsErd(const ProfileList& list) {
+  FileDialogRequest request;
+  request.Title = "ERDファイル保存";
+  request.Filter = "データファイル (*.Dummy)|*.Dummy|";
+  request.DefaultName = "フォルダ名の取得に使用され、ファイル名は無視されます";
+  request.InitialDirectory = GetPrevValue(kDialogSection, "ERDファイル保存");
+  const std::string chosen = Ui().SaveFile(request);
+  if (chosen.empty()) return;
+  const std::string folder = flGetPathName(chosen);  // only the folder of the dummy name counts
+  SetPrevValue(kDialogSection, "ERDファイル保存", folder);
+  ExportProfilesAsErd(folder, SelectedProfiles(list));
+  Ui().Inform(fmt::format("ERDファイルを保存しました。 \r\n保存先：{}", folder), "データ保存", MsgIcon::Information);
+}
+
+void ExportAsCsv(const ProfileList& list) {
+  FileDialogRequest request;
+  request.Title = "CSVファイル保存";
+  request.Filter = "データファイル (*.CSV)|*.CSV|";
+  request.DefaultName = "Profile_" + FormatDateTime(LocalNow(), "YYYYMMDDHHNNSS") + ".CSV";
+  request.InitialDirectory = GetPrevValue(kDialogSection, "CSVファイル保存");
+  const std::string chosen = Ui().SaveFile(request);
+  if (chosen.empty()) return;
+  SetPrevValue(kDialogSection, "CSVファイル保存", flGetPathName(chosen));
+  std::vector<const ErdRecord*> records;
+  for (const ProfileRecord* profile : SelectedProfiles(list)) records.push_back(&profile->Erd);
+  std::string paths;
+  for (const std::string& path : WriteProfileCsv(chosen, records)) paths += (paths.empty() ? "" : "\r\n") + path;
+  Ui().Inform(fmt::format("CSVファイルを保存しました。 \r\n保存先：{}", paths), "データ保存", MsgIcon::Information);
+}
+
+void Export(const ProfileList& list, ProfileExportFormat format) {
+  if (list.SelectedRows.empty()) return;
+  ProfileDialogChoice ticked;
+  for (const ProfileRecord* profile : SelectedProfiles(list)) ticked.Names.push_back(ProfileList::NameOf(*profile));
+  if (!AcceptProfileDialog(ProfileDialogKind::Export, ticked)) return;
+  if (format == ProfileExportFormat::Erd) ExportAsErd(list);
+  else ExportAsCsv(list);
+}
+
+void Rename(ProfileList& list) {
+  if (list.SelectedRows.size() != 1) return;
+  const std::int32_t row = list.SelectedRows.front();
+  ProfileRecord& item = list.Items[row];
+  const std::string oldName = ProfileList::NameOf(item);
+  std::string proposal = oldName;
+  std::string newName;
+  for (;;) {
+    const std::optional<std::string> input = Ui().Input("変更後のファイル名を指定してください。", "名前の変更", proposal);
+    if (!input) return;
+    newName = Trim(*input);
+    if (newName.empty() || newName == oldName) return;
+    const std::int32_t other = list.Find(newName);
+    if (other == 0 || other == row) break;
+    Ui().Inform(fmt::format("指定されたファイルは既に存在します。\r\n\r\n指定名称：{}\r\n\r\n確認してください。", newName), "警告");
+    proposal = newName;
+  }
+  const std::string folder = ProjectProfileFolder();
+  const std::string newFileName = newName + ".ERD";
+  uFileMove(folder + "/" + item.FileName, folder + "/" + newFileName);
+  item.FileName = newFileName;
+  for (ProfileListView& view : list.Views) view.Rows[static_cast<std::size_t>(row - 1)] = newName;
+  if (list.Hooks.RenameStudySources) list.Hooks.RenameStudySources(oldName, newName);
+  Paths().ProjectDirty = true;
+}
+
+void Remove(ProfileList& list) {
+  if (list.SelectedRows.empty()) return;
+  const MsgAnswer answer = Ui().Message("選択されているプロファイルをプロジェクトリストから解除します。\r\nよろしいですか？", "警告",
+                                        MsgIcon::Exclamation, MsgButtons::OkCancel, MsgAnswer::Ok);
+  if (answer != MsgAnswer::Ok) return;
+  const std::string folder = ProjectProfileFolder();
+  std::vector<ProfileRecord>& items = list.Items.vector();
+  // From the last row up, so the indices of the rows still to go stay valid.
+  for (auto it = list.SelectedRows.rbegin(); it != list.SelectedRows.rend(); ++it) {
+    const auto at = static_cast<std::size_t>(*it - 1);
+    DeleteFile(folder + "/" + items[at].FileName);
+    items.erase(items.begin() + static_cast<std::ptrdiff_t>(at));
+    for (ProfileListView& view : list.Views) view.Rows.erase(view.Rows.begin() + static_cast<std::ptrdiff_t>(at));
+  }
+  RecolourPanels(list);
+  list.SelectedRows.clear();
+  list.Selected = 0;
+  Paths().ProjectDirty = true;
+}
+
+}  // namespace
+
+ProfileEditResult cmdProfileEdit(ProfileList& list, int index, ProfileExportFormat exportFormat) {
+  ProfileEditResult result;
+  Guarded("frmTop", "cmdProfileEdit_Click", [&] {
+    switch (index) {
+      case 0: AddFiles(list, result); break;
+      case 1: Ui().Inform("この機能は現在対応していません。", "", MsgIcon::Information); break;
+      case 2: Export(list, exportFormat); break;
+      case 3: Rename(list); break;
+      case 4: Remove(list); break;
+      default: break;
+    }
+  });
+  return result;
+}
+
+ProfileEditResult RegisterProfileFiles(ProfileList& list, const std::vector<std::string>& paths) {
+  ProfileEditResult result;
+  std::vector<std::string> erdFiles;
+  for (const std::string& path : paths) {
+    const std::string extension = UCase(flGetExtension(path));
+    if (extension == "ERD") erdFiles.push_back(path);
+    else if (extension == "CSV" || extension == "TXT") result.TextImports.push_back(path);
+  }
+  if (!erdFiles.empty()) AddProfileList(list, erdFiles, true);
+  return result;
+}
+
+void SelectProfileRows(ProfileList& list, std::vector<std::int32_t> rows) {
+  std::erase_if(rows, [&](std::int32_t r) { return r < 1 || r > list.Count(); });
+  std::sort(rows.begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  if (rows == list.SelectedRows) return;
+  if (list.Selected > 0 && list.Hooks.StoreProfileTab) list.Hooks.StoreProfileTab(list.Selected);
+  list.SelectedRows = std::move(rows);
+  list.Selected = list.SelectedRows.size() == 1 ? list.SelectedRows.front() : 0;
+  if (list.Selected > 0 && list.Hooks.ShowProfileTab) list.Hooks.ShowProfileTab(list.Selected);
+}
+
+ProfileListButtons ProfileButtonStates(const ProfileList& list) {
+  ProfileListButtons buttons;
+  const std::size_t selected = list.SelectedRows.size();
+  buttons.Export = selected >= 1;
+  buttons.Remove = selected >= 1;
+  buttons.Rename = selected == 1;
+  const bool movable = selected == 1 && list.Count() >= 2;
+  buttons.MoveUp = movable && list.SelectedRows.front() > 1;
+  buttons.MoveDown = movable && list.SelectedRows.front() < list.Count();
+  return buttons;
+}
+
+bool cmd上下移動(ProfileList& list, int button) {
+  const ProfileListButtons buttons = ProfileButtonStates(list);
+  if (!(button == 0 ? buttons.MoveUp : button == 1 && buttons.MoveDown)) return false;
+  const std::int32_t row = list.SelectedRows.front();
+  const std::int32_t other = button == 0 ? row - 1 : row + 1;
+  std::swap(list.Items[row], list.Items[other]);
+  for (ProfileListView& view : list.Views)
+    std::swap(view.Rows[static_cast<std::size_t>(row - 1)], view.Rows[static_cast<std::size_t>(other - 1)]);
+  list.SelectedRows = {other};
+  if (list.Selected == row) list.Selected = other;
+  Paths().ProjectDirty = true;
+  return true;
+}
+
+std::optional<ProfileDialogChoice> AcceptProfileDialog(ProfileDialogKind kind, ProfileDialogChoice ticked) {
+  if (ticked.Names.empty()) return std::nullopt;
+  if (ticked.Names.size() > kProfilesPerAction) {
+    const bool registering = kind == ProfileDialogKind::Register;
+    Ui().Inform(std::string(registering ? "同時に登録できるプロファイル数は５０個までです。"
+                                        : "同時に出力できるプロファイル数は５０個までです。") +
+                    "\r\n調整してください。",
+                registering ? "プロファイル登録" : "プロファイル出力", MsgIcon::Exclamation);
+    return std::nullopt;
+  }
+  return ticked;
+}
+
+std::string RegistrationNameSample(std::string_view pattern, std::string_view profileName, std::string_view cutoff,
+                                   const std::tm& now) {
+  if (Trim(pattern).empty())
+    return fmt::format("{}_MAHP{}m_{}", profileName, cutoff, FormatDateTime(now, "YYYYMMDDHHNNSS"));
+  std::string name = uExpandDate(pattern, now);
+  name = uReplaceMacro(name, "$(PROFILENAME)$", profileName);
+  return uReplaceMacro(name, "$(CUTOFF)$", cutoff);
+}
+
+}  // namespace velmora
