@@ -35,7 +35,7 @@ std::string JoinFields(const std::vector<std::string>& fields) {
   return line;
 }
 
-std::vector<std::string> PointTableLines(const PositionAxis& axis, const ProfileGeometry& geometry,
+std::vector<std::string> PointCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
                                          const std::vector<PointColumn>& columns) {
   std::string head;
   WriteDistanceHeader(head, axis, false);
@@ -60,7 +60,7 @@ std::vector<std::string> PointTableLines(const PositionAxis& axis, const Profile
   return lines;
 }
 
-std::vector<std::string> SectionTableLines(const PositionAxis& axis, const ProfileGeometry& geometry,
+std::vector<std::string> SectionCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
                                            const std::vector<std::string>& heads,
                                            const std::vector<SectionRow>& rows) {
   std::string head;

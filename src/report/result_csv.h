@@ -39,7 +39,7 @@ struct PointColumn {
 
 // Head line: distance head + the column heads joined by ", ". Then one line per sample up to the
 // longest column: position of the sample by the axis, then the values.
-std::vector<std::string> PointTableLines(const PositionAxis& axis, const ProfileGeometry& geometry,
+std::vector<std::string> PointCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
                                          const std::vector<PointColumn>& columns);
 
 // One section of a section table: its ends in km (KP) and its values.
@@ -51,7 +51,7 @@ struct SectionRow {
 
 // Head line: section head + `heads` joined by ", ". Rows: start, end and middle by the axis (KP in km
 // or m; zero-based: metres from the profile's first sample along its direction), then the values.
-std::vector<std::string> SectionTableLines(const PositionAxis& axis, const ProfileGeometry& geometry,
+std::vector<std::string> SectionCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
                                            const std::vector<std::string>& heads,
                                            const std::vector<SectionRow>& rows);
 

@@ -54,26 +54,26 @@ TEST(ResultCsv, NumberFormatsAndTheNullRule) {
 TEST(ResultCsv, PointTableWritesPositionsValuesAndEmptyFields) {
   const std::vector<double> profile{1.5, kNoValue, -0.123456789};
   const std::vector<double> shorter{2.0};
-  const Lines zero = PointTableLines(PositionAxis{}, {0.25, kNoValue, 0},
+  const Lines zero = PointCsvLines(PositionAxis{}, {0.25, kNoValue, 0},
                                      {{"Elevetion(mm)", profile}, {"IRI(mm/m)", shorter}});
   EXPECT_EQ(zero, (Lines{"Distance(m), Elevetion(mm), IRI(mm/m)", "0.00000, 1.50000000, 2.00000000",
                          "0.25000, , ", "0.50000, -0.12345679, "}));
 
-  const Lines kp = PointTableLines({PositionMode::Kp, KpUnit::Km, false}, {0.5, 12.3, 1}, {{"Elevetion(mm)", profile}});
+  const Lines kp = PointCsvLines({PositionMode::Kp, KpUnit::Km, false}, {0.5, 12.3, 1}, {{"Elevetion(mm)", profile}});
   EXPECT_EQ(kp, (Lines{"Distance(KP), Elevetion(mm)", "12.30000, 1.50000000", "12.29950, ",
                        "12.29900, -0.12345679"}));
 }
 
 TEST(ResultCsv, SectionTablePlacesStartEndAndMiddle) {
   const std::vector<SectionRow> rows{{1.0, 1.01, {2.0, kNoValue}}, {1.01, 1.02, {kNoValue, 0.5}}};
-  const Lines zero = SectionTableLines(PositionAxis{}, {0.1, 1.0, 0}, {"IRI(mm/m)", "IRI(OCT-1)"}, rows);
+  const Lines zero = SectionCsvLines(PositionAxis{}, {0.1, 1.0, 0}, {"IRI(mm/m)", "IRI(OCT-1)"}, rows);
   EXPECT_EQ(zero, (Lines{"Start(m), End(m), Mid(m), IRI(mm/m), IRI(OCT-1)",
                          "0.00000, 10.00000, 5.00000, 2.00000000, ", "10.00000, 20.00000, 15.00000, , 0.50000000"}));
   // KP falling along the profile: zero-based distances still grow.
   const std::vector<SectionRow> back{{1.0, 0.99, {1.0}}};
-  EXPECT_EQ(SectionTableLines(PositionAxis{}, {0.1, 1.0, 1}, {"IRI(mm/m)"}, back)[1],
+  EXPECT_EQ(SectionCsvLines(PositionAxis{}, {0.1, 1.0, 1}, {"IRI(mm/m)"}, back)[1],
             "0.00000, 10.00000, 5.00000, 1.00000000");
-  EXPECT_EQ(SectionTableLines({PositionMode::Kp, KpUnit::M, false}, {0.1, 1.0, 1}, {"IRI(mm/m)"}, back)[1],
+  EXPECT_EQ(SectionCsvLines({PositionMode::Kp, KpUnit::M, false}, {0.1, 1.0, 1}, {"IRI(mm/m)"}, back)[1],
             "1000.00000, 990.00000, 995.00000, 1.00000000");
 }
 

@@ -14,7 +14,7 @@ using testing::TempDir;
 
 ProfileRecord Named(const std::string& name) {
   ProfileRecord record;
-  record.FileName = name;
+  record.FileName = name + ".erd";
   return record;
 }
 
@@ -34,8 +34,8 @@ class WorkbenchTest : public ::testing::Test {
     computation.ProgressTitle = "テスト計算";
     computation.InputKey = [this] { return bench.Iri.EvalLength + "|" + std::to_string(CurrentConditions().Iri.Speed); };
     computation.Compute = [this](ProfileRecord& record) {
-      if (failOn == record.FileName) RaiseDivisionByZero("test");
-      computed.push_back(record.FileName);
+      if (failOn + ".erd" == record.FileName) RaiseDivisionByZero("test");
+      computed.push_back(ProfileList::NameOf(record));
     };
     bench.SetComputation(tab, std::move(computation));
   }
@@ -69,11 +69,11 @@ TEST_F(WorkbenchTest, GoWithoutProfilesDoesNothingAndShowsNothing) {
 TEST_F(WorkbenchTest, LoadingProfileStopsGoAndChangeEvents) {
   ScriptedUi ui;
   InstallCounting(tab::Iri);
-  bench.Select(tab::Iri, {0});
+  bench.Select(tab::Iri, {1});
   bench.TabDirty.fill(false);
   bench.LoadingProfile = true;
   EXPECT_FALSE(bench.Go(tab::Iri));
-  bench.ProfileEdited(0);
+  bench.ProfileEdited(1);
   bench.SetPositionMode(PositionMode::Kp);
   EXPECT_TRUE(computed.empty());
   EXPECT_TRUE(ui.Log.empty());
@@ -106,7 +106,7 @@ TEST_F(WorkbenchTest, ModeChangedTwiceMakesTabsFiveSevenEightNineAvailable) {
 TEST_F(WorkbenchTest, GoRunsSelectedRowsInListOrderWithProgressAndClearsTheFlag) {
   ScriptedUi ui;
   InstallCounting(tab::Iri);
-  bench.Select(tab::Iri, {2, 0});
+  bench.Select(tab::Iri, {3, 1});
   ASSERT_TRUE(bench.Go(tab::Iri));
   EXPECT_EQ(computed, (std::vector<std::string>{"A", "C"}));
   EXPECT_EQ(Kinds(ui), (std::vector<std::string>{"progress-start", "progress-exit"}));
@@ -120,19 +120,19 @@ TEST_F(WorkbenchTest, GoRunsSelectedRowsInListOrderWithProgressAndClearsTheFlag)
 TEST_F(WorkbenchTest, SecondGoWithUnchangedInputsDoesNotRecompute) {
   ScriptedUi ui;
   InstallCounting(tab::Iri);
-  bench.Select(tab::Iri, {0, 1});
+  bench.Select(tab::Iri, {1, 2});
   ASSERT_TRUE(bench.Go(tab::Iri));
   ASSERT_TRUE(bench.Go(tab::Iri));
   EXPECT_EQ(computed.size(), 2u);
   // A newly selected row is computed alone; a changed input recomputes all selected rows.
-  bench.Select(tab::Iri, {0, 1, 2});
+  bench.Select(tab::Iri, {1, 2, 3});
   ASSERT_TRUE(bench.Go(tab::Iri));
   EXPECT_EQ(computed, (std::vector<std::string>{"A", "B", "C"}));
   bench.Iri.EvalLength = "100";
   ASSERT_TRUE(bench.Go(tab::Iri));
   EXPECT_EQ(computed.size(), 6u);
   // An edit of a profile invalidates its results only.
-  bench.ProfileEdited(1);
+  bench.ProfileEdited(2);
   ASSERT_TRUE(bench.Go(tab::Iri));
   EXPECT_EQ(computed.back(), "B");
   EXPECT_EQ(computed.size(), 7u);
@@ -141,7 +141,7 @@ TEST_F(WorkbenchTest, SecondGoWithUnchangedInputsDoesNotRecompute) {
 TEST_F(WorkbenchTest, FailedComputationLeavesTheFlagSetAndStillEndsTheProgress) {
   ScriptedUi ui;
   InstallCounting(tab::Iri);
-  bench.Select(tab::Iri, {0, 1, 2});
+  bench.Select(tab::Iri, {1, 2, 3});
   failOn = "B";
   EXPECT_FALSE(bench.Go(tab::Iri));
   EXPECT_TRUE(bench.TabDirty[tab::Iri]);
@@ -160,7 +160,7 @@ TEST_F(WorkbenchTest, FailedComputationLeavesTheFlagSetAndStillEndsTheProgress) 
 TEST_F(WorkbenchTest, ChangeOnATabThatIsNotCurrentOnlySetsFlagsAndWorkHappensOnEntry) {
   ScriptedUi ui;
   InstallCounting(tab::Iri);
-  bench.Select(tab::Iri, {0});
+  bench.Select(tab::Iri, {1});
   ASSERT_TRUE(bench.Go(tab::Iri));
   ASSERT_EQ(bench.CurrentTab, tab::Profile);
   CurrentConditions().Iri.Speed = 60;
@@ -182,7 +182,7 @@ TEST_F(WorkbenchTest, ChangeOnATabThatIsNotCurrentOnlySetsFlagsAndWorkHappensOnE
 TEST_F(WorkbenchTest, PsdLegendAndReportRowsAreRenewedOnEveryEntry) {
   bench.MnuBunseki();
   bench.MnuBunseki();
-  bench.Select(tab::Psd, {1});
+  bench.Select(tab::Psd, {2});
   bench.TabClick(tab::Psd);
   EXPECT_EQ(bench.PsdLegend, (std::vector<std::string>{"B"}));
   bench.TabClick(tab::Report);
@@ -191,7 +191,7 @@ TEST_F(WorkbenchTest, PsdLegendAndReportRowsAreRenewedOnEveryEntry) {
   bench.TabDirty.fill(false);
   bench.AddProfile(Named("D"));
   bench.TabDirty.fill(false);
-  bench.Select(tab::Psd, {0, 3});
+  bench.Select(tab::Psd, {1, 4});
   bench.TabClick(tab::Psd);
   EXPECT_EQ(bench.PsdLegend, (std::vector<std::string>{"A", "D"}));
   bench.TabClick(tab::Report);
@@ -203,7 +203,7 @@ TEST_F(WorkbenchTest, TabChangeChecksTheTabLeftAndShowsTheDrawingSwitch) {
   std::vector<int> stored;
   bench.Hooks.CheckTabInputs = [&](int code) { checks.push_back(code); };
   bench.Hooks.StoreProfileBoxes = [&](int row) { stored.push_back(row); };
-  bench.Select(tab::Profile, {2});
+  bench.Select(tab::Profile, {3});
   bench.TabClick(tab::Profile);  // no change: nothing happens
   EXPECT_TRUE(checks.empty());
   bench.TabClick(tab::Filter);
@@ -213,7 +213,7 @@ TEST_F(WorkbenchTest, TabChangeChecksTheTabLeftAndShowsTheDrawingSwitch) {
   bench.TabClick(tab::Iri);
   EXPECT_TRUE(bench.DispGrpVisible);
   EXPECT_EQ(checks, (std::vector<int>{1, 2, 8}));
-  EXPECT_EQ(stored, (std::vector<int>{2}));
+  EXPECT_EQ(stored, (std::vector<int>{3}));
   EXPECT_EQ(bench.VisiblePanel, tab::Iri);
   EXPECT_EQ(bench.PreviousTab, tab::Statistics);
 }
@@ -221,7 +221,7 @@ TEST_F(WorkbenchTest, TabChangeChecksTheTabLeftAndShowsTheDrawingSwitch) {
 TEST_F(WorkbenchTest, DrawingSwitchComputesWithoutDrawing) {
   ScriptedUi ui;
   InstallCounting(tab::Octave);
-  bench.Select(tab::Octave, {0});
+  bench.Select(tab::Octave, {1});
   bench.DispGrp = true;
   ASSERT_TRUE(bench.Go(tab::Octave));
   EXPECT_EQ(computed.size(), 1u);
@@ -253,11 +253,13 @@ TEST_F(WorkbenchTest, FormResetRestoresTheNewProjectState) {
   CurrentConditions().BandLines.Value[3] = 2.5;
   bool cleared = false;
   bench.Hooks.ClearProfileBoxes = [&] { cleared = true; };
-  bench.Select(tab::Iri, {1});
+  bench.Select(tab::Iri, {2});
   bench.TabClick(tab::Octave);
   bench.WindowTitle = "other";
   bench.FormReset();
   EXPECT_TRUE(cleared);
+  EXPECT_EQ(bench.ProfileCount(), 0);
+  EXPECT_TRUE(bench.List().Views[5].Rows.empty());
   EXPECT_TRUE(bench.Selection(tab::Iri).empty());
   EXPECT_EQ(bench.Filter.LongCut, "40");
   EXPECT_EQ(bench.Filter.ShortCut, "5");
@@ -275,7 +277,7 @@ TEST_F(WorkbenchTest, FormResetRestoresTheNewProjectState) {
 
 TEST_F(WorkbenchTest, GoOfATabWithoutAnAnalysisReportsThroughTheErrorPath) {
   ScriptedUi ui;
-  bench.Select(tab::Statistics, {0});
+  bench.Select(tab::Statistics, {1});
   EXPECT_FALSE(bench.Go(tab::Statistics));
   ASSERT_EQ(ui.Messages().size(), 1u);
   EXPECT_EQ(ui.Messages()[0].Title, "[ frmTop : cmdGO統計値_Click ]");
@@ -284,9 +286,9 @@ TEST_F(WorkbenchTest, GoOfATabWithoutAnAnalysisReportsThroughTheErrorPath) {
 
 TEST_F(WorkbenchTest, ToolsGetEveryProfileAndProjectSnapshotTellsChanges) {
   std::vector<std::string> names;
-  bench.Hooks.OpenTool = [&](int tool, const std::vector<ProfileRecord>& inputs) {
+  bench.Hooks.OpenTool = [&](int tool, const Array1<ProfileRecord>& inputs) {
     EXPECT_EQ(tool, 3);
-    for (const auto& p : inputs) names.push_back(p.FileName);
+    for (const auto& p : inputs) names.push_back(ProfileList::NameOf(p));
   };
   bench.MnuTool(3);
   EXPECT_EQ(names, (std::vector<std::string>{"A", "B", "C"}));

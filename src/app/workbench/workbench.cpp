@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "app/error_log.h"
+#include "app/path_helpers.h"
 #include <fmt/format.h>
 
 #include "app/user_interaction.h"
@@ -29,20 +30,35 @@ std::string HandlerName(int tab) {
 
 Workbench::Workbench() {
   TabDirty.fill(true);
-  ColourPanels.fill(1);
   InstallAnalyses(*this);
 }
 
-void Workbench::AddProfile(ProfileRecord record) {
-  profiles_.push_back(std::move(record));
-  resultKeys_.emplace_back();
+void Workbench::KeepKeysInStep() { resultKeys_.resize(static_cast<std::size_t>(list_.Count())); }
+
+bool Workbench::RegisterFiles(const std::vector<std::string>& paths, bool ask) {
+  // A file of a name already listed replaces that item: its results go with it.
+  for (const std::string& path : paths) {
+    const std::int32_t hit = list_.Find(flGetFileNameNonExt(path));
+    if (hit > 0 && static_cast<std::size_t>(hit) <= resultKeys_.size())
+      resultKeys_[static_cast<std::size_t>(hit - 1)].fill(std::string());
+  }
+  const bool ok = AddProfileList(list_, paths, ask);
+  KeepKeysInStep();
   MarkAllDirty();
+  return ok;
 }
 
-void Workbench::RemoveAllProfiles() {
-  profiles_.clear();
-  resultKeys_.clear();
-  for (auto& rows : selection_) rows.clear();
+void Workbench::AddProfile(ProfileRecord record) {
+  const std::string name = ProfileList::NameOf(record);
+  for (auto& view : list_.Views) {
+    view.Rows.push_back(name);
+    view.Panels.push_back(RowColour(static_cast<std::int32_t>(view.Rows.size()),
+                                    view.Palette == ListPalette::Profile ? Settings().PaletteProfile
+                                                                         : Settings().PaletteRepair));
+  }
+  list_.Items.resize(list_.Count() + 1);
+  list_.Items[list_.Count()] = std::move(record);
+  KeepKeysInStep();
   MarkAllDirty();
 }
 
@@ -50,14 +66,14 @@ void Workbench::Select(int tab, std::vector<int> rows) {
   std::sort(rows.begin(), rows.end());
   rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
   for (int row : rows)
-    if (row < 0 || static_cast<std::size_t>(row) >= profiles_.size())
+    if (row < 1 || row > list_.Count())
       RaiseSubscriptOutOfRange("list row " + std::to_string(row));
   selection_[At(tab)] = std::move(rows);
 }
 
 void Workbench::SelectAll(int tab) {
-  std::vector<int> rows(profiles_.size());
-  for (std::size_t i = 0; i < rows.size(); ++i) rows[i] = static_cast<int>(i);
+  std::vector<int> rows;
+  for (int row = 1; row <= list_.Count(); ++row) rows.push_back(row);
   Select(tab, std::move(rows));
 }
 
@@ -74,8 +90,9 @@ void Workbench::FormLoad() {
 
 void Workbench::FormReset() {
   if (Hooks.ClearProfileBoxes) Hooks.ClearProfileBoxes();
+  list_.Clear();
+  resultKeys_.clear();
   for (auto& rows : selection_) rows.clear();
-  ColourPanels.fill(1);
   InputsFromConditions();
   StatisticsSortProfile = {"プロファイル", "帯域", "統計値"};
   StatisticsSortIri = {"プロファイル", "IRI算出基準長", "帯域", "統計値"};
@@ -140,7 +157,7 @@ void Workbench::TabClick(int newTab) {
 }
 
 bool Workbench::Go(int tab) {
-  if (LoadingProfile || profiles_.empty()) return false;
+  if (LoadingProfile || list_.Count() == 0) return false;
   const TabComputation& computation = computations_[At(tab)];
   if (computation.StoreInputs && !computation.StoreInputs()) return false;
   return Redraw(tab, true);
@@ -163,21 +180,21 @@ bool Workbench::Redraw(int tab, bool alwaysShowProgress) {
       const std::string key = computation.InputKey();
       std::vector<int> rows = computation.AllProfiles ? std::vector<int>() : selection_[At(tab)];
       if (computation.AllProfiles)
-        for (std::size_t i = 0; i < profiles_.size(); ++i) rows.push_back(static_cast<int>(i));
+        for (int row = 1; row <= list_.Count(); ++row) rows.push_back(row);
       std::vector<int> stale;
       for (int row : rows)
-        if (resultKeys_[static_cast<std::size_t>(row)][At(tab)] != key) stale.push_back(row);
+        if (resultKeys_[static_cast<std::size_t>(row - 1)][At(tab)] != key) stale.push_back(row);
       if (alwaysShowProgress || !stale.empty()) {
         Ui().ProgressStart(computation.ProgressTitle, computation.ProgressMessage);
         progressShown = true;
       }
       for (std::size_t s = 0; s < stale.size(); ++s) {
         Ui().ProgressValue(static_cast<int>(s * 100 / stale.size()));
-        const auto row = static_cast<std::size_t>(stale[s]);
-        resultKeys_[row][At(tab)].clear();  // a failure leaves no stale claim of validity
-        computation.Compute(profiles_[row]);
+        auto& keys = resultKeys_[static_cast<std::size_t>(stale[s] - 1)];
+        keys[At(tab)].clear();  // a failure leaves no claim of validity behind
+        computation.Compute(list_.Items[stale[s]]);
         ++computeCount_[At(tab)];
-        resultKeys_[row][At(tab)] = key;
+        keys[At(tab)] = key;
       }
       if (progressShown) {
         Ui().ProgressValue(100);
@@ -204,17 +221,17 @@ void Workbench::DrawTab(int tab) {
 
 void Workbench::UpdatePsdLegend() {
   PsdLegend.clear();
-  for (int row : selection_[At(tab::Psd)]) PsdLegend.push_back(profiles_[static_cast<std::size_t>(row)].FileName);
+  for (int row : selection_[At(tab::Psd)]) PsdLegend.push_back(ProfileList::NameOf(list_.Items[row]));
 }
 
 void Workbench::RefillReportRows() {
   ReportProfileRows.clear();
-  for (const auto& profile : profiles_) ReportProfileRows.push_back(profile.FileName);
+  for (const auto& profile : list_.Items) ReportProfileRows.push_back(ProfileList::NameOf(profile));
 }
 
 void Workbench::ProfileEdited(int row) {
   if (LoadingProfile) return;
-  resultKeys_.at(static_cast<std::size_t>(row)).fill(std::string());
+  resultKeys_.at(static_cast<std::size_t>(row - 1)).fill(std::string());
   MarkAllDirty();
   Redraw(tab::Profile, false);
 }
@@ -260,7 +277,7 @@ void Workbench::MnuConditions() {
 
 void Workbench::MnuTool(int index) {
   if (index < 0 || index > 4) RaiseSubscriptOutOfRange("mnuToolSub " + std::to_string(index));
-  if (Hooks.OpenTool) Hooks.OpenTool(index, profiles_);
+  if (Hooks.OpenTool) Hooks.OpenTool(index, list_.Items);
 }
 
 void Workbench::MnuAbout() {
@@ -269,7 +286,7 @@ void Workbench::MnuAbout() {
 
 ProjectSnapshot Workbench::CurrentSnapshot() const {
   ProjectSnapshot snapshot;
-  for (const auto& profile : profiles_) snapshot.ProfileNames.push_back(profile.FileName);
+  for (const auto& profile : list_.Items) snapshot.ProfileNames.push_back(profile.FileName);
   snapshot.Conditions = CurrentConditions();
   return snapshot;
 }

@@ -10,6 +10,7 @@
 #include "app/settings.h"
 #include "app/workbench/tab_inputs.h"
 #include "app/workbench/tab_table.h"
+#include "profile/profile_list.h"
 #include "profile/profile_record.h"
 #include "report/position_axis.h"
 
@@ -43,10 +44,10 @@ struct ProjectSnapshot {
 struct WorkbenchHooks {
   std::function<void(int tab)> Draw;                    // the charts of a tab (drawing layer)
   std::function<void(int code)> CheckTabInputs;          // ChkDatColours on leaving tabs 1, 2, 4
-  std::function<void(int profile)> StoreProfileBoxes;    // profile tab boxes → record
+  std::function<void(int row)> StoreProfileBoxes;        // profile tab boxes → record
   std::function<void()> ClearProfileBoxes;               // form reset, step 1
   std::function<bool()> EditConditions;                  // frm計算条件; true when conditions changed
-  std::function<void(int tool, const std::vector<ProfileRecord>& inputs)> OpenTool;  // mnuToolSub(i)
+  std::function<void(int tool, const Array1<ProfileRecord>& inputs)> OpenTool;  // mnuToolSub(i)
   std::function<void()> ShowAbout;
 };
 
@@ -73,7 +74,6 @@ class Workbench {
   std::vector<std::string> StatisticsSortProfile;  // lst並順 of the profile page
   std::vector<std::string> StatisticsSortIri;      // lst並順 of the IRI page
   std::vector<std::string> PrintForms;             // cboPrintOut
-  std::array<int, kTabCount> ColourPanels{};       // colour panels per tab's list
   std::vector<std::string> PsdLegend;              // tab 5's legend: the shown profiles
   std::vector<std::string> ReportProfileRows;      // tab 8's ssProfile情報 rows
 
@@ -85,13 +85,16 @@ class Workbench {
 
   WorkbenchHooks Hooks;
 
-  // ---- profiles: row i of every tab's list is profile i (0-based rows) ----
-  const std::vector<ProfileRecord>& Profiles() const { return profiles_; }
-  ProfileRecord& Profile(int row) { return profiles_.at(static_cast<std::size_t>(row)); }
-  // Registers a profile (already read) at the end of the list; all tabs become dirty.
+  // ---- profiles: row i (from 1) of every tab's list is item i of the list ----
+  const ProfileList& List() const { return list_; }
+  int ProfileCount() const { return list_.Count(); }
+  ProfileRecord& Profile(int row) { return list_.Items.at(row); }
+  // Registers ERD files through the profile list (AddProfileList); every tab becomes dirty and a
+  // replaced profile loses its results. False when a file could not be registered.
+  bool RegisterFiles(const std::vector<std::string>& paths, bool ask);
+  // Registers a profile already read (tools, the repair study's results); all tabs become dirty.
   void AddProfile(ProfileRecord record);
-  void RemoveAllProfiles();
-  // The selected rows of a tab's list, ascending.
+  // The selected rows (from 1) of a tab's list, ascending.
   const std::vector<int>& Selection(int tab) const { return selection_.at(static_cast<std::size_t>(tab)); }
   void Select(int tab, std::vector<int> rows);
   void SelectAll(int tab);
@@ -135,8 +138,10 @@ class Workbench {
   void InputsFromConditions();
   ProjectSnapshot CurrentSnapshot() const;
 
-  std::vector<ProfileRecord> profiles_;
-  std::vector<std::array<std::string, kTabCount>> resultKeys_;  // per profile: key of stored results
+  void KeepKeysInStep();
+
+  ProfileList list_;
+  std::vector<std::array<std::string, kTabCount>> resultKeys_;  // per item (from 0): key of its results
   std::array<std::vector<int>, kTabCount> selection_;
   std::array<TabComputation, kTabCount> computations_;
   std::array<int, kTabCount> computeCount_{};
