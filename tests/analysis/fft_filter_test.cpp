@@ -1,0 +1,236 @@
+#include "analysis/fft_filter.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <random>
+#include <vector>
+
+#include "analysis/fft.h"
+#include "app/app_paths.h"
+#include "app/settings.h"
+#include "app/text_encoding.h"
+#include "support/test_support.h"
+
+namespace velmora {
+namespace {
+
+using Mask = std::vector<std::uint8_t>;
+
+Mask MaskOf(std::int32_t n, double dx, FilterKind kind, double longCut, double shortCut) {
+  Array1<std::uint8_t> mask;
+  MakeFilterMaskOfKind(n, dx, kind, longCut, shortCut, mask);
+  return mask.vector();
+}
+
+Array1<double> RandomProfile(std::int32_t n, unsigned seed) {
+  std::mt19937 random(seed);
+  std::normal_distribution<double> step(0.0, 1.0);
+  Array1<double> y(static_cast<std::size_t>(n));
+  double level = 0;
+  for (auto& v : y) v = level += step(random);  // a random walk looks like a road profile
+  return y;
+}
+
+bool SameBits(const Array1<double>& a, const Array1<double>& b) {
+  return a.size() == b.size() &&
+         std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(double)) == 0;
+}
+
+class FftFilterTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    savedPaths_ = Paths();
+    savedSettings_ = Settings();
+    Paths().TempPath = (dir_ / "Temp").string();
+    Paths().DebugPath = (dir_ / "Debug").string();
+    std::filesystem::create_directories(Paths().TempPath);
+  }
+  void TearDown() override {
+    Paths() = savedPaths_;
+    Settings() = savedSettings_;
+  }
+  // One pass with the lengths of n samples.
+  bool Single(FilterKind kind, double longCut, double shortCut, const Array1<double>& source, double dx,
+              WaveSeries& result, WaveSeries& other) {
+    const auto n = static_cast<std::int32_t>(source.size());
+    std::int32_t seq = 0;
+    return Cal_FFTフィルタ_単体処理(seq, 0, n, FftLength1(n), FftLength2(n), dx, kind, longCut, shortCut, source,
+                              result, other);
+  }
+  bool Converge(FilterKind kind, double longCut, double shortCut, const Array1<double>& source, double dx,
+                WaveSeries& result, FilterConvergence limits) {
+    const auto n = static_cast<std::int32_t>(source.size());
+    return Cal_FFTフィルタ_収束計算(n, FftLength1(n), FftLength2(n), dx, kind, longCut, shortCut, source, result,
+                              limits);
+  }
+  std::vector<std::string> ProgressTexts() const {
+    std::vector<std::string> texts;
+    for (const auto& m : ui_.Log)
+      if (m.Kind == "progress-start") texts.push_back(m.Text);
+    return texts;
+  }
+
+  testing::TempDir dir_;
+  testing::ScriptedUi ui_;
+
+ private:
+  AppPaths savedPaths_;
+  AppSettings savedSettings_;
+};
+
+TEST_F(FftFilterTest, MaskJudgesEachElementOneBinAboveItsHarmonic) {
+  // n = 8, dx = 1 m: elements 1..5 are judged by j = 1..5 (wavelengths 8, 4, 2.67, 2, 1.6 m), elements
+  // 6..8 by j = 4, 3, 2 (2, 2.67, 4 m). Bounds are [lower, upper).
+  EXPECT_EQ(MaskOf(8, 1.0, FilterKind::HiPass, 3, 0), (Mask{0, 0, 1, 1, 1, 1, 1, 0}));
+  EXPECT_EQ(MaskOf(8, 1.0, FilterKind::LowPass, 0, 3), (Mask{1, 1, 0, 0, 0, 0, 0, 1}));
+  EXPECT_EQ(MaskOf(8, 1.0, FilterKind::BandPass, 4, 2), (Mask{0, 0, 1, 1, 0, 1, 1, 0}));
+  EXPECT_EQ(MaskOf(8, 1.0, FilterKind::BandCut, 4, 2), (Mask{1, 1, 0, 0, 1, 0, 0, 1}));
+  // The pitch scales every wavelength: at 0.5 m the same mask needs half the cut-off.
+  EXPECT_EQ(MaskOf(8, 0.5, FilterKind::HiPass, 1.5, 0), (Mask{0, 0, 1, 1, 1, 1, 1, 0}));
+
+  Array1<std::uint8_t> mask{1, 0, 0, 1, 7};
+  InvertFilterMask(4, mask);
+  EXPECT_EQ(mask.vector(), (Mask{0, 1, 1, 0, 7}));  // element 5 lies beyond n
+}
+
+TEST_F(FftFilterTest, AConstantProfileIsAllLongestWave) {
+  // Both folds keep a constant; its only bin is element 1, judged at the whole length 32 m.
+  Array1<double> flat(10);
+  for (auto& v : flat) v = 2.5;
+  struct Case {
+    FilterKind kind;
+    double longCut, shortCut, passed;
+  };
+  for (const Case& c : {Case{FilterKind::HiPass, 10, 0, 0.0}, Case{FilterKind::LowPass, 0, 10, 2.5},
+                        Case{FilterKind::BandPass, 40, 10, 2.5}, Case{FilterKind::BandPass, 20, 10, 0.0},
+                        Case{FilterKind::BandCut, 20, 10, 2.5}}) {
+    WaveSeries result, other;
+    ASSERT_TRUE(Single(c.kind, c.longCut, c.shortCut, flat, 1.0, result, other));
+    ASSERT_EQ(result.Values.size(), 10);
+    for (int i = 1; i <= 10; ++i) {
+      EXPECT_NEAR(result.Values[i], c.passed, 1e-12) << FilterKindName(c.kind) << " " << i;
+      EXPECT_NEAR(other.Values[i], 2.5 - c.passed, 1e-12) << FilterKindName(c.kind) << " " << i;
+    }
+    EXPECT_TRUE(result.Calculated);
+    EXPECT_NEAR(result.Stats.Mean, c.passed, 1e-12);
+  }
+}
+
+TEST_F(FftFilterTest, PassAndRemainderRebuildTheProfile) {
+  const Array1<double> profile = RandomProfile(1000, 7);
+  for (FilterKind kind : {FilterKind::HiPass, FilterKind::LowPass, FilterKind::BandPass, FilterKind::BandCut}) {
+    WaveSeries result, other;
+    ASSERT_TRUE(Single(kind, 20.0, 2.0, profile, 0.25, result, other));
+    for (int i = 1; i <= 1000; ++i)
+      ASSERT_NEAR(result.Values[i] + other.Values[i], profile[i], 1e-9) << FilterKindName(kind) << " " << i;
+    EXPECT_DOUBLE_EQ(result.DisplayMax, result.Stats.Maximum);
+  }
+}
+
+TEST_F(FftFilterTest, SeparatesAShortWaveFromALongOne) {
+  // 40 m swell of 100 mm plus a 2 m ripple of 5 mm at 0.1 m pitch; cut at 10 m. Away from the ends
+  // (where the folds bend the swell) each side keeps only its own wave.
+  const int n = 3000;
+  const double dx = 0.1, pi = 3.14159265358979;
+  Array1<double> swell(n), ripple(n), profile(n);
+  for (int i = 1; i <= n; ++i) {
+    const double x = (i - 1) * dx;
+    swell[i] = 100 * std::cos(2 * pi * x / 40);
+    ripple[i] = 5 * std::sin(2 * pi * x / 2);
+    profile[i] = swell[i] + ripple[i];
+  }
+  WaveSeries high, low;
+  ASSERT_TRUE(Single(FilterKind::HiPass, 10, 0, profile, dx, high, low));
+  for (int i = n / 4; i <= 3 * n / 4; ++i) {
+    ASSERT_NEAR(high.Values[i], ripple[i], 0.5) << i;
+    ASSERT_NEAR(low.Values[i], swell[i], 0.5) << i;
+  }
+}
+
+TEST_F(FftFilterTest, OnePassIsExactlyTheSinglePass) {
+  const Array1<double> profile = RandomProfile(777, 3);
+  WaveSeries single, other, converged;
+  ASSERT_TRUE(Single(FilterKind::BandPass, 30, 3, profile, 0.1, single, other));
+  ASSERT_TRUE(Converge(FilterKind::BandPass, 30, 3, profile, 0.1, converged, {1.1, 1}));
+  EXPECT_TRUE(SameBits(converged.Values, single.Values));
+  EXPECT_EQ(converged.Stats.StdDev, single.Stats.StdDev);
+  EXPECT_EQ(ProgressTexts(), (std::vector<std::string>{"収束計算中・・・・", "収束計算中  1 / 1 ・・・・"}));
+  EXPECT_EQ(ui_.ProgressValues, std::vector<int>{100});
+}
+
+TEST_F(FftFilterTest, ARatioOfZeroRunsEveryPassEachOnThePreviousOutput) {
+  const Array1<double> profile = RandomProfile(500, 11);
+  WaveSeries converged;
+  ASSERT_TRUE(Converge(FilterKind::HiPass, 5, 0, profile, 0.25, converged, {0.0, 3}));
+  EXPECT_EQ(ProgressTexts(), (std::vector<std::string>{"収束計算中・・・・", "収束計算中  1 / 3 ・・・・",
+                                                       "収束計算中  2 / 3 ・・・・", "収束計算中  3 / 3 ・・・・"}));
+  EXPECT_EQ(ui_.ProgressValues, (std::vector<int>{33, 67, 100}));
+
+  Array1<double> work = profile;
+  WaveSeries pass, other;
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_TRUE(Single(FilterKind::HiPass, 5, 0, work, 0.25, pass, other));
+    work = pass.Values;
+  }
+  EXPECT_TRUE(SameBits(converged.Values, work));
+}
+
+TEST_F(FftFilterTest, TheDefaultLimitNeedsAtLeastTwoPasses) {
+  const Array1<double> profile = RandomProfile(400, 5);
+  WaveSeries converged;
+  ASSERT_TRUE(Converge(FilterKind::LowPass, 0, 2, profile, 0.25, converged, FilterConvergence{}));
+  const auto texts = ProgressTexts();
+  ASSERT_GE(texts.size(), 3u);  // the start text and at least two passes
+  EXPECT_EQ(texts[2], "収束計算中  2 / 10 ・・・・");
+  EXPECT_TRUE(converged.Calculated);
+  EXPECT_EQ(converged.Values.size(), 400);
+}
+
+TEST_F(FftFilterTest, APassThatRemovesNothingEndsInTheErrorPath) {
+  const Array1<double> zero(64);
+  WaveSeries result;
+  result.Values = Array1<double>{9.0};
+  EXPECT_FALSE(Converge(FilterKind::HiPass, 5, 0, zero, 0.25, result, {1.1, 10}));
+  EXPECT_EQ(result.Values, Array1<double>{9.0});  // the last finished pass is not stored
+  ASSERT_EQ(ui_.Messages().size(), 1u);
+  EXPECT_EQ(ui_.Messages()[0].Title, "[ basFFTFilter : Cal_FFTフィルタ_収束計算 ]");
+}
+
+TEST_F(FftFilterTest, BadLengthsAreLoggedUnderTheSinglePass) {
+  const Array1<double> profile = RandomProfile(10, 1);
+  WaveSeries result, other;
+  std::int32_t seq = 0;
+  EXPECT_FALSE(Cal_FFTフィルタ_単体処理(seq, 0, 10, 16, 24, 1.0, FilterKind::HiPass, 5, 0, profile, result, other));
+  ASSERT_EQ(ui_.Messages().size(), 1u);
+  EXPECT_EQ(ui_.Messages()[0].Title, "[ basFFTFilter : Cal_FFTフィルタ_単体処理 ]");
+  EXPECT_FALSE(result.Calculated);
+}
+
+TEST_F(FftFilterTest, DebugTablesAreNumberedAndNamedByTheCutOffs) {
+  Settings().DebugLevel = 1;
+  Array1<double> profile{1, 2, 4, 7, 11, 16, 22, 29};  // N = 8: lengths 8 and 16
+  WaveSeries result, other;
+  ASSERT_TRUE(Single(FilterKind::HiPass, 10, 2, profile, 1.0, result, other));
+  const auto debug = dir_ / "Debug";
+  const auto source = ReadSystemTextLines(debug / "001_FFTフィルタ_収束回数=00_Profile.csv");
+  ASSERT_EQ(source.size(), 9u);
+  EXPECT_EQ(source[0], "No, Profile");
+  EXPECT_EQ(source[8], "8,29.000000");
+
+  const auto mask = ReadSystemTextLines(debug / "002_FFTフィルタ用Filter LongCutFil=10.000  ShrtCutFil=2.000 ( HiPass ).dat");
+  ASSERT_EQ(mask.size(), 16u);
+  EXPECT_EQ(mask[0], "***** ******* *******  0");  // judged at 16 m, not below 10 m
+  EXPECT_EQ(mask[1], "00002 0.06250 16.00000  1");   // own harmonic 16 m, judged at 8 m
+  EXPECT_EQ(mask[15], "00016 0.06250 16.00000  1");
+
+  const auto table = ReadSystemTextLines(debug / "003_FFTフィルタ結果 LongCutFil=10.000  ShrtCutFil=2.000 ( HiPass ).csv");
+  ASSERT_EQ(table.size(), 9u);
+  EXPECT_EQ(table[0], "No, Dist, Profile, Filter[FFT](HiPass), Filter[FFT]_Other, (Prof-FFT1-FFT2)");
+  EXPECT_EQ(table[2].substr(0, 26), "2,1.000,2.000000000000000,");
+}
+
+}  // namespace
+}  // namespace velmora

@@ -1,0 +1,324 @@
+#include "analysis/filter.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <vector>
+
+#include "analysis/fft.h"
+#include "analysis/fft_filter.h"
+#include "analysis/moving_average.h"
+#include "analysis/slope_filter.h"
+#include "app/app_paths.h"
+#include "app/legacy_error.h"
+#include "app/settings.h"
+#include "app/text_encoding.h"
+#include "profile/profile_record.h"
+#include "support/test_support.h"
+
+namespace velmora {
+namespace {
+
+Array1<double> A(std::vector<double> values) { return Array1<double>(std::move(values)); }
+
+void ExpectValues(const Array1<double>& actual, const std::vector<double>& expected, double tolerance = 1e-12) {
+  ASSERT_EQ(actual.size(), static_cast<std::ptrdiff_t>(expected.size()));
+  for (std::ptrdiff_t i = 1; i <= actual.size(); ++i)
+    EXPECT_NEAR(actual[i], expected[static_cast<std::size_t>(i - 1)], tolerance) << "element " << i;
+}
+
+// A registered profile prepared by hand: n samples at `pitch` m.
+ProfileRecord Prepared(const std::string& fileName, const Array1<double>& profile, double pitch) {
+  ProfileRecord record;
+  record.FileName = fileName;
+  AnalysisBlock& block = record.Analysis;
+  block.Count = static_cast<std::int32_t>(profile.size());
+  block.SamplesPerMetre = 1 / pitch;
+  StoreWave(block.Profile, profile);
+  block.FftLength1 = FftLength1(block.Count);
+  block.FftLength2 = FftLength2(block.Count);
+  return record;
+}
+
+FilterSpec Spec(FilterCalcType type, FilterKind band, double longCut, double shortCut) {
+  FilterSpec spec;
+  spec.CalcType = type;
+  spec.Band = band;
+  spec.LongCut = longCut;
+  spec.ShortCut = shortCut;
+  return spec;
+}
+
+class FilterTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    savedPaths_ = Paths();
+    savedSettings_ = Settings();
+    Paths().TempPath = (dir_ / "Temp").string();
+    Paths().DebugPath = (dir_ / "Debug").string();
+    std::filesystem::create_directories(Paths().TempPath);
+  }
+  void TearDown() override {
+    Paths() = savedPaths_;
+    Settings() = savedSettings_;
+  }
+  testing::TempDir dir_;
+  testing::ScriptedUi ui_;
+
+ private:
+  AppPaths savedPaths_;
+  AppSettings savedSettings_;
+};
+
+TEST_F(FilterTest, MovingAverageMatchesHandSums) {
+  const Array1<double> source = A({1, 2, 4, 7, 11});
+  Array1<double> high, mean;
+  // Window 3 folds one sample: ext = (0, 1, 2, 4, 7, 11, 15), centred means.
+  MovingAverageSplit(3, 5, source, high, mean);
+  ExpectValues(mean, {1, 7.0 / 3, 13.0 / 3, 22.0 / 3, 11});
+  ExpectValues(high, {0, -1.0 / 3, -1.0 / 3, -1.0 / 3, 0});
+
+  // Window 4 folds round(1.5) = 2: ext = (−2, 0, 1, 2, 4, 7, 11, 15, 18); each mean covers
+  // source(o − 2 .. o + 1), half a sample to the left.
+  MovingAverageSplit(4, 5, source, high, mean);
+  ExpectValues(mean, {0.25, 1.75, 3.5, 6, 9.25});
+
+  // Window 2 folds round(0.5) = 0: the sum never reaches the last sample, which stays 0.
+  MovingAverageSplit(2, 5, source, high, mean);
+  ExpectValues(mean, {1.5, 3, 5.5, 9, 0});
+  ExpectValues(high, {-0.5, -1, -1.5, -2, 0});
+}
+
+TEST_F(FilterTest, MovingAverageOfARampShowsWhereAnEvenWindowStands) {
+  // 11 m at 0.1 m: window 110, fold round(54.5) = 54. The fold keeps the ramp, so each mean is the
+  // ramp half a sample to the right of its own sample; the last sample is never reached.
+  Array1<double> ramp(200);
+  for (int i = 1; i <= 200; ++i) ramp[i] = 0.5 * i;
+  Array1<double> high, mean;
+  MovingAverageSplit(110, 200, ramp, high, mean);
+  for (int o = 1; o <= 199; ++o) ASSERT_NEAR(mean[o], 0.5 * (o + 0.5), 1e-9) << o;
+  EXPECT_EQ(mean[200], 0.0);
+}
+
+TEST_F(FilterTest, MovingAverageRefusesWindowsItCannotUse) {
+  const Array1<double> source = A({1, 2, 4, 7, 11});
+  Array1<double> high, mean;
+  try {
+    MovingAverageSplit(0, 5, source, high, mean);
+    FAIL();
+  } catch (const LegacyError& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::DivisionByZero);
+  }
+  try {
+    MovingAverageSplit(11, 5, source, high, mean);  // a fold of 5 reaches beyond 5 samples
+    FAIL();
+  } catch (const LegacyError& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::SubscriptOutOfRange);
+  }
+}
+
+TEST_F(FilterTest, MovingAverageKindsCombineTheTwoMeans) {
+  // dx 0.5: long 2 m → window 4, short 1.5 m → window 3 (means from the hand sums above).
+  const Array1<double> p = A({1, 2, 4, 7, 11});
+  const std::vector<double> m1{0.25, 1.75, 3.5, 6, 9.25}, m2{1, 7.0 / 3, 13.0 / 3, 22.0 / 3, 11};
+  std::vector<double> high, band, cut;
+  for (std::size_t i = 0; i < 5; ++i) {
+    high.push_back(p[static_cast<std::ptrdiff_t>(i + 1)] - m1[i]);
+    band.push_back(m2[i] - m1[i]);
+    cut.push_back(p[static_cast<std::ptrdiff_t>(i + 1)] - (m2[i] - m1[i]));
+  }
+  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::HiPass, 2, 1.5), high);
+  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::LowPass, 2, 1.5), m2);
+  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::BandPass, 2, 1.5), band);
+  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::BandCut, 2, 1.5), cut);
+  // LowPass still splits with the long cut-off first: left blank (0) it fails there.
+  EXPECT_THROW(MovingAverageFilter(5, p, 0.5, FilterKind::LowPass, 0, 1.5), LegacyError);
+}
+
+TEST_F(FilterTest, MovingAverageDebugTable) {
+  Settings().DebugLevel = 1;
+  MovingAverageFilter(5, A({1, 2, 4, 7, 11}), 0.5, FilterKind::HiPass, 2, 1.5);
+  const auto lines = ReadSystemTextLines(dir_ / "Debug" / "Filter.csv");
+  ASSERT_EQ(lines.size(), 6u);
+  EXPECT_EQ(lines[0], "No, Dist, Profile, Filter[移動平均](HiPass)");
+  EXPECT_EQ(lines[2], "2,0.500,2.000000000000000,0.250000000000000");
+  EXPECT_TRUE(std::filesystem::exists(dir_ / "Debug" / "観音開きデータ(移動平均フィルター).csv"));
+}
+
+TEST_F(FilterTest, SlopesAndTheProfileRebuiltWithoutSteepOnes) {
+  const Array1<double> y = A({0, 1, 3, 3, 2});
+  ExpectValues(SlopeSeries(5, y, 0.5, false, 0), {2, 4, 0, -2, 0});
+  // Cut 3 mm/m drops the 4: the step of 2 mm stays removed at every later point.
+  ExpectValues(SlopeSeries(5, y, 0.5, true, 3), {0, 1, 1, 1, 0});
+  // A cut at exactly 2 drops the slopes of ±2 as well (|s| ≥ cut).
+  ExpectValues(SlopeSeries(5, y, 0.5, true, 2), {0, 0, 0, 0, 0});
+  // A cut above every slope gives the profile back.
+  ExpectValues(SlopeSeries(5, y, 0.5, true, 10), {0, 1, 3, 3, 2});
+}
+
+TEST_F(FilterTest, SlopeFilterKeepsItsSampleLimit) {
+  Array1<double> y(32768);
+  EXPECT_NO_THROW(SlopeSeries(32767, y, 0.1, false, 0));
+  try {
+    SlopeSeries(32768, y, 0.1, false, 0);
+    FAIL();
+  } catch (const LegacyError& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::Overflow);
+  }
+}
+
+TEST_F(FilterTest, ShortNamesAndLegendTexts) {
+  const char* ma[] = {"MAHP", "MALP", "MABP", "MABC"};
+  const char* ft[] = {"FTHP", "FTLP", "FTBP", "FTBC"};
+  const char* text[] = {"HiPass", "LowPass", "BandPass", "BandCut"};
+  for (int k = 0; k < 4; ++k) {
+    const auto band = static_cast<FilterKind>(k);
+    EXPECT_EQ(FilterShortName(Spec(FilterCalcType::MovingAverage, band, 1, 1)), ma[k]);
+    EXPECT_EQ(FilterShortName(Spec(FilterCalcType::Fourier, band, 1, 1)), ft[k]);
+    EXPECT_EQ(FilterLegendText(Spec(FilterCalcType::Fourier, band, 1, 1)), text[k]);
+  }
+  FilterSpec slope = Spec(FilterCalcType::Slope, FilterKind::HiPass, 1, 1);
+  EXPECT_EQ(FilterShortName(slope), "Slope");
+  slope.SlopeMode = true;
+  EXPECT_EQ(FilterShortName(slope), "SLHC");
+  EXPECT_EQ(FilterShortName(Spec(FilterCalcType::Iri, FilterKind::BandCut, 1, 1)), "IRI");
+  EXPECT_EQ(FilterLegendText(slope), "");
+}
+
+TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {
+  struct Case {
+    FilterSpec spec;
+    FilterField focus;
+    const char* message;  // nullptr: passes the checks
+  };
+  FilterSpec slopeCut = Spec(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
+  slopeCut.SlopeMode = true;
+  slopeCut.SlopeCut = 0;
+  FilterSpec slopeOnly = slopeCut;
+  slopeOnly.SlopeMode = false;
+  const char* kLong = "Long CutOff wavelength > 0.0 で指定して下さい。";
+  const char* kShort = "Short CutOff wavelength > 0.0 で指定して下さい。";
+  const char* kOrder = "Long CutOff > Short CutOff で指定して下さい。";
+  const std::vector<Case> cases{
+      {Spec(FilterCalcType::MovingAverage, FilterKind::HiPass, 0, 5), FilterField::LongCut, kLong},
+      {Spec(FilterCalcType::Fourier, FilterKind::HiPass, -1, 5), FilterField::LongCut, kLong},
+      {Spec(FilterCalcType::MovingAverage, FilterKind::HiPass, 5, 0), FilterField::None, nullptr},
+      {Spec(FilterCalcType::MovingAverage, FilterKind::LowPass, 5, 0), FilterField::ShortCut, kShort},
+      {Spec(FilterCalcType::Fourier, FilterKind::LowPass, 0, 5), FilterField::None, nullptr},  // long not looked at
+      {Spec(FilterCalcType::Fourier, FilterKind::BandPass, 10, 0), FilterField::ShortCut, kShort},
+      {Spec(FilterCalcType::MovingAverage, FilterKind::BandCut, 0, -2), FilterField::ShortCut, kShort},
+      {Spec(FilterCalcType::MovingAverage, FilterKind::BandPass, 5, 5), FilterField::LongCut, kOrder},
+      {Spec(FilterCalcType::Fourier, FilterKind::BandCut, 4, 5), FilterField::LongCut, kOrder},
+      {Spec(FilterCalcType::Fourier, FilterKind::BandCut, 5, 4), FilterField::None, nullptr},
+      {Spec(FilterCalcType::Iri, FilterKind::BandPass, 0, 0), FilterField::None, nullptr},
+      {slopeCut, FilterField::SlopeCut, "Slope のCut値は > 0.0 で指定して下さい。"},
+      {slopeOnly, FilterField::None, nullptr},
+  };
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    ui_.Log.clear();
+    EXPECT_EQ(CheckFilterSpec(cases[i].spec), cases[i].focus) << "case " << i;
+    const auto messages = ui_.Messages();
+    if (cases[i].message == nullptr) {
+      EXPECT_TRUE(messages.empty()) << "case " << i;
+    } else {
+      ASSERT_EQ(messages.size(), 1u) << "case " << i;
+      EXPECT_EQ(messages[0].Text, cases[i].message) << "case " << i;
+      EXPECT_EQ(messages[0].Title, "エラー") << "case " << i;
+    }
+  }
+}
+
+TEST_F(FilterTest, ARefusedCheckCalculatesNothing) {
+  ProfileRecord record = Prepared("a.erd", A({1, 2, 4, 7, 11}), 0.5);
+  const auto outcome = RunFilter(Spec(FilterCalcType::MovingAverage, FilterKind::BandPass, 1, 2), true,
+                                 {&record}, IriParams{});
+  EXPECT_EQ(outcome.Focus, FilterField::LongCut);
+  EXPECT_FALSE(outcome.Completed);
+  EXPECT_FALSE(record.Analysis.Filter.FilterWave.Calculated);
+  for (const auto& entry : ui_.Log) EXPECT_NE(entry.Kind, "progress-start");
+}
+
+TEST_F(FilterTest, RunFilterStoresEachProfileAndSkipsUpToDateOnes) {
+  ProfileRecord a = Prepared("a.erd", A({1, 2, 4, 7, 11}), 0.5);
+  ProfileRecord b = Prepared("b.erd", A({3, 3, 3, 3, 3}), 0.5);
+  const FilterSpec spec = Spec(FilterCalcType::MovingAverage, FilterKind::HiPass, 2, 1.5);
+  const auto outcome = RunFilter(spec, false, {&a, &b}, IriParams{});
+  EXPECT_TRUE(outcome.Completed);
+  ExpectValues(a.Analysis.Filter.FilterWave.Values, {0.75, 0.25, 0.5, 1, 1.75});
+  EXPECT_EQ(a.Analysis.Filter.FilterCount, 5);
+  EXPECT_TRUE(b.Analysis.Filter.FilterWave.Calculated);
+  EXPECT_NEAR(b.Analysis.Filter.FilterWave.Stats.Maximum, 0.0, 1e-12);
+  EXPECT_EQ(a.Analysis.Filter.Spec, spec);
+
+  std::vector<std::string> captions;
+  for (const auto& entry : ui_.Log)
+    if (entry.Kind == "progress-start") captions.push_back(entry.Title + "|" + entry.Text);
+  EXPECT_EQ(captions, (std::vector<std::string>{"フィルターの計算|しばらくお待ちください。",
+                                                "フィルターの計算|移動平均フィルターa",
+                                                "フィルターの計算|移動平均フィルターb"}));
+  EXPECT_EQ(ui_.ProgressValues, (std::vector<int>{50, 100}));
+
+  // Same settings, no force: the stored result is not touched; with force it is recalculated.
+  a.Analysis.Filter.FilterWave.Values[1] = 99;
+  RunFilter(spec, false, {&a}, IriParams{});
+  EXPECT_EQ(a.Analysis.Filter.FilterWave.Values[1], 99);
+  RunFilter(spec, true, {&a}, IriParams{});
+  EXPECT_NEAR(a.Analysis.Filter.FilterWave.Values[1], 0.75, 1e-12);
+}
+
+TEST_F(FilterTest, FourierTypeStoresTheSingleOrTheConvergentPass) {
+  Array1<double> profile(300);
+  for (int i = 1; i <= 300; ++i) profile[i] = (i % 7) * 0.3 + 0.01 * i;
+  ProfileRecord record = Prepared("f.erd", profile, 0.25);
+  FilterSpec spec = Spec(FilterCalcType::Fourier, FilterKind::LowPass, 0, 2);
+  ASSERT_TRUE(RunFilter(spec, true, {&record}, IriParams{}).Completed);
+
+  WaveSeries single, other;
+  std::int32_t seq = 0;
+  ASSERT_TRUE(Cal_FFTフィルタ_単体処理(seq, 0, 300, 512, 1024, 0.25, FilterKind::LowPass, 0, 2, profile, single, other));
+  EXPECT_EQ(record.Analysis.Filter.FilterWave.Values, single.Values);
+  EXPECT_EQ(record.Analysis.Filter.FilterCount, 300);
+
+  spec.Converge = true;
+  ASSERT_TRUE(RunFilter(spec, false, {&record}, IriParams{}).Completed);  // a changed spec recalculates
+  WaveSeries converged;
+  ASSERT_TRUE(Cal_FFTフィルタ_収束計算(300, 512, 1024, 0.25, FilterKind::LowPass, 0, 2, profile, converged));
+  EXPECT_EQ(record.Analysis.Filter.FilterWave.Values, converged.Values);
+}
+
+TEST_F(FilterTest, SlopeTypeFillsBothWaves) {
+  ProfileRecord record = Prepared("s.erd", A({0, 1, 3, 3, 2}), 0.5);
+  FilterSpec spec = Spec(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
+  spec.SlopeMode = true;
+  spec.SlopeCut = 3;
+  ASSERT_TRUE(RunFilter(spec, true, {&record}, IriParams{}).Completed);
+  ExpectValues(record.Analysis.Filter.SlopeWave.Values, {0, 1, 1, 1, 0});
+  ExpectValues(record.Analysis.Filter.FilterWave.Values, {0, 1, 1, 1, 0});
+  EXPECT_DOUBLE_EQ(record.Analysis.Filter.SlopeWave.Stats.Mean, 0.6);
+}
+
+TEST_F(FilterTest, AnErrorIsLoggedAndLeavesThePreviousResult) {
+  ProfileRecord good = Prepared("good.erd", A({0, 1, 3, 3, 2}), 0.5);
+  ProfileRecord longOne = Prepared("long.erd", Array1<double>(40000), 0.1);
+  longOne.Analysis.Filter.FilterWave.Values = A({42});
+  const FilterSpec spec = Spec(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
+  const auto outcome = RunFilter(spec, true, {&good, &longOne}, IriParams{});
+  EXPECT_FALSE(outcome.Completed);
+  EXPECT_TRUE(good.Analysis.Filter.FilterWave.Calculated);
+  EXPECT_EQ(longOne.Analysis.Filter.FilterWave.Values, A({42}));
+  ASSERT_EQ(ui_.Messages().size(), 1u);
+  EXPECT_EQ(ui_.Messages()[0].Title, "[ basFilter : cmdGo_フィルター処理 ]");
+  EXPECT_NE(ui_.Messages()[0].Text.find("long.erd"), std::string::npos);
+  EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
+}
+
+TEST_F(FilterTest, IriTypeSaysItCannotRunYet) {
+  ProfileRecord record = Prepared("i.erd", A({0, 1, 3, 3, 2}), 0.05);
+  EXPECT_FALSE(RunFilter(Spec(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&record}, IriParams{}).Completed);
+  ASSERT_EQ(ui_.Messages().size(), 1u);
+  EXPECT_NE(ui_.Messages()[0].Text.find("IRIフィルター"), std::string::npos);
+  EXPECT_FALSE(record.Analysis.Filter.FilterWave.Calculated);
+}
+
+}  // namespace
+}  // namespace velmora
