@@ -1,0 +1,156 @@
+#include "profile/text_import.h"
+
+#include <gtest/gtest.h>
+
+#include "app/text_encoding.h"
+#include "list_fixture.h"
+#include "profile/erd_file.h"
+#include "support/test_support.h"
+
+using velmora::testing::ScriptedUi;
+
+namespace velmora {
+namespace {
+
+class TextImportTest : public ProfileListTest {
+ protected:
+  std::string Text(const std::string& name, const std::vector<std::string>& lines) {
+    const auto path = dir_ / name;
+    WriteSystemTextFile(path, lines);
+    return path.string();
+  }
+  static ImportOptions Options(const std::string& pitch = "0.1") {
+    ImportOptions options;
+    options.Pitch = pitch;
+    return options;
+  }
+};
+
+TEST_F(TextImportTest, SplitsAtEveryDelimiterInForceButNotInsideQuotes) {
+  ImportOptions options = Options();
+  options.Semicolon = true;
+  options.Other = true;
+  options.OtherText = "|";
+  EXPECT_EQ(SplitImportLine("1,2;3|4", options), (std::vector<std::string>{"1", "2", "3", "4"}));
+  EXPECT_EQ(SplitImportLine("\"a;b\",c", options), (std::vector<std::string>{"a;b", "c"}));
+  options.Comma = false;
+  EXPECT_EQ(SplitImportLine("1,2;3", options), (std::vector<std::string>{"1,2", "3"}));
+}
+
+TEST_F(TextImportTest, ChecksInOrderWithTheirTexts) {
+  ScriptedUi ui;
+  const auto path = Text("a.csv", {"1,2", "3,4", "5,6"});
+  ImportOptions options = Options("");
+  auto preview = BuildImportPreview(path, options);
+  EXPECT_EQ(preview.RowCount(), 3);
+  EXPECT_EQ(preview.Columns, 2);
+  EXPECT_EQ(CheckImport(preview, options), 0);
+  options.Pitch = "x";
+  EXPECT_EQ(CheckImport(preview, options), 0);
+  options.Pitch = "0.1";
+  options.FirstRow = "0";
+  EXPECT_EQ(CheckImport(preview, options), 1);
+  options.FirstRow = "";
+  options.LastRow = "4";
+  EXPECT_EQ(CheckImport(preview, options), 2);
+  options.LastRow = "";
+  options.LastColumn = "3";
+  EXPECT_EQ(CheckImport(preview, options), 4);
+  options.LastColumn = "";
+  options.FirstRow = "3";
+  options.LastRow = "2";
+  EXPECT_EQ(CheckImport(preview, options), 2);
+  options = Options();
+  EXPECT_EQ(CheckImport(preview, options), -1);
+
+  const auto messages = ui.Messages();
+  ASSERT_EQ(messages.size(), 6u);
+  EXPECT_EQ(messages[0].Text, "ピッチが指定されていません。");
+  EXPECT_EQ(messages[0].Title, "データ不正");
+  EXPECT_EQ(messages[1].Text, "数値で指定してください。");
+  EXPECT_EQ(messages[2].Text, "データ開始行（開始位置）は１以上で指定してください");
+  EXPECT_EQ(messages[3].Text, "データ開始行（終了位置）は 3 以下で指定してください");
+  EXPECT_EQ(messages[4].Text, "データ開始列（終了位置）は 2 以下で指定してください");
+  EXPECT_EQ(messages[5].Text, "データ開始行（終了位置）は 3 以上で指定してください");
+}
+
+TEST_F(TextImportTest, ColumnsBecomeNumberedProfilesWithHeadingTitlesAndHolesEndAColumn) {
+  ScriptedUi ui;
+  const auto path = Text("road.csv", {"left,right", "1.5,10", ",11", "2.5,12", "3.5,", "4.5,13"});
+  ImportOptions options = Options("0.25");
+  options.Header = true;
+  options.TitleFromHeader = true;
+  ProfileList list;
+  ASSERT_TRUE(ImportTextFile(list, path, options));
+  ASSERT_EQ(list.Count(), 2);
+
+  const auto& left = list.Items[1];
+  EXPECT_EQ(left.FileName, "road(001).ERD");
+  EXPECT_EQ(left.Erd.Title, "left");
+  EXPECT_DOUBLE_EQ(left.Erd.StepSize, 0.25);
+  // "1.5" is the first sample, so the empty cell of the next row ends the column.
+  ASSERT_EQ(left.Erd.NumSamples, 1);
+  EXPECT_DOUBLE_EQ(left.Erd.Elevation[1], 1.5);
+
+  const auto& right = list.Items[2];
+  EXPECT_EQ(right.FileName, "road(002).ERD");
+  EXPECT_EQ(right.Erd.Title, "right");
+  ASSERT_EQ(right.Erd.NumSamples, 3);  // 10, 11, 12; the hole in row 4 ends it before 13
+  EXPECT_DOUBLE_EQ(right.Erd.Elevation[3], 12.0);
+  EXPECT_TRUE(std::filesystem::exists(ProjectCopy("road(002).ERD")));
+}
+
+TEST_F(TextImportTest, OneColumnKeepsTheFileNameAndLeadingBlanksAreSkipped) {
+  ScriptedUi ui;
+  const auto path = Text("single.txt", {"", " ", "7", "8"});
+  ImportOptions options = Options("0.5");
+  options.FirstColumn = "1";
+  options.LastColumn = "1";
+  ProfileList list;
+  ASSERT_TRUE(ImportTextFile(list, path, options));
+  ASSERT_EQ(list.Count(), 1);
+  EXPECT_EQ(list.Items[1].FileName, "single.ERD");
+  EXPECT_EQ(list.Items[1].Erd.Title, "single.txt");  // no heading: the file's name
+  EXPECT_EQ(list.Items[1].Erd.NumSamples, 2);
+}
+
+TEST_F(TextImportTest, NumberedNamesSkipNamesAlreadyListed) {
+  ScriptedUi ui;
+  const auto path = Text("twin.csv", {"1,2", "3,4"});
+  ProfileList list;
+  ASSERT_TRUE(ImportTextFile(list, path, Options()));
+  ASSERT_TRUE(ImportTextFile(list, path, Options()));
+  ASSERT_EQ(list.Count(), 4);
+  // Column 1 finds (001) and (002) listed; column 2 finds (002) listed and (003) taken by column 1.
+  EXPECT_EQ(list.Items[3].FileName, "twin(003).ERD");
+  EXPECT_EQ(list.Items[4].FileName, "twin(004).ERD");
+}
+
+TEST_F(TextImportTest, MissingFileIsLoggedAndRegistersNothing) {
+  ScriptedUi ui;
+  ProfileList list;
+  EXPECT_FALSE(ImportTextFile(list, (dir_ / "none.csv").string(), Options()));
+  EXPECT_EQ(list.Count(), 0);
+  ASSERT_EQ(ui.Messages().size(), 1u);
+  EXPECT_NE(ui.Messages()[0].Text.find("none.csv"), std::string::npos);
+}
+
+TEST_F(TextImportTest, SettingsSurviveInPreviousValues) {
+  ImportOptions options = Options();
+  options.Comma = false;
+  options.Tab = true;
+  options.Other = true;
+  options.OtherText = ",";
+  options.Header = true;
+  SaveImportSettings(options);
+  const ImportOptions back = LoadImportSettings();
+  EXPECT_FALSE(back.Comma);
+  EXPECT_TRUE(back.Tab);
+  EXPECT_TRUE(back.Other);
+  EXPECT_EQ(back.OtherText, ",");
+  EXPECT_TRUE(back.Header);
+  EXPECT_FALSE(back.TitleFromHeader);
+}
+
+}  // namespace
+}  // namespace velmora
