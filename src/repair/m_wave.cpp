@@ -10,6 +10,7 @@
 #include "app/legacy_error.h"
 #include "app/legacy_format.h"
 #include "app/legacy_math.h"
+#include "analysis/debug_table.h"
 #include "repair/study_debug.h"
 
 namespace velmora {
@@ -38,14 +39,14 @@ void WriteStraighteningTable(const Array1<double>& m, const Array1<MWaveRow>& ro
                                 SignText(r.JudgeUp), Num(r.Crest), r.CountDown, r.CountUp, Num(r.StartHeight),
                                 Num(r.EndHeight), Num(r.Rise), Num(out[i])));
   }
-  detail::WriteStudyDebugTable("補修形状_M波の直線化.csv", lines);
+  WriteDebugTable("補修形状_M波の直線化.csv", lines);
 }
 
 void WriteExtremaTable(const char* name, const std::vector<MWaveExtremum>& points) {
   std::vector<std::string> lines{"No, Index, M波値"};
   for (std::size_t k = 0; k < points.size(); ++k)
     lines.push_back(fmt::format("{}, {}, {}", k + 1, points[k].Index, Num(points[k].Value)));
-  detail::WriteStudyDebugTable(name, lines);
+  WriteDebugTable(name, lines);
 }
 
 }  // namespace
@@ -190,9 +191,8 @@ namespace {
 PlanIndices PlanIndicesLogged(std::int32_t n, const PlanRange& plan) {
   if (plan.Use && plan.PitchM == 0) RaiseDivisionByZero("補修計画範囲: ピッチが 0 です");
   const PlanIndices indices = PlanRangeIndices(n, plan);
-  if (detail::StudyDebugOn())
-    detail::StudyDebugLine(fmt::format("[set補修計画範囲情報] 補修計画範囲で指定された起終点インデックス : {} , {}",
-                                       indices.S, indices.E));
+  detail::StudyDebugLine(fmt::format("[set補修計画範囲情報] 補修計画範囲で指定された起終点インデックス : {} , {}",
+                                     indices.S, indices.E));
   return indices;
 }
 }  // namespace
@@ -211,7 +211,7 @@ bool Cal_補修形状_M波の直線化(std::int32_t n, const Array1<double>& m, 
     if (plan.Use) {
       result = ApplyPlanRange(wave, rows, result, PlanIndicesLogged(n, plan));
     }
-    if (detail::StudyDebugOn()) WriteStraighteningTable(wave, rows, result);
+    if (DebugTablesOn()) WriteStraighteningTable(wave, rows, result);
     StoreWave(out, std::move(result));
   });
 }
@@ -227,7 +227,7 @@ bool Cal_補修形状_M波の山谷情報(std::int32_t n, const Array1<double>& 
       if (down == MWaveSign::Plus && up == MWaveSign::Plus) crests.push_back({i, m[i]});
       if (down == MWaveSign::Minus && up == MWaveSign::Minus) troughs.push_back({i, m[i]});
     }
-    if (detail::StudyDebugOn()) {
+    if (DebugTablesOn()) {
       WriteExtremaTable("補修形状_M波の直線化_山情報.csv", crests);
       WriteExtremaTable("補修形状_M波の直線化_谷情報.csv", troughs);
     }
@@ -253,7 +253,7 @@ Array1<double> RebuildFromPoints(const Array1<double>& m, std::vector<StudyPoint
 
 bool Cal_補修形状_M波の再計算(const Array1<double>& m, const std::vector<StudyPoint>& points, StudyTarget& target) {
   return Guarded(kModule, "Cal_補修形状_M波の再計算", [&] {
-    StoreWave(target.MPrime, RebuildFromPoints(m, points));
+    StoreWave(target.Outcome.MPrime.Wave, RebuildFromPoints(m, points));
     target.Recalculated = true;
   });
 }

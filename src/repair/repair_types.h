@@ -45,11 +45,28 @@ struct StudyPoint {
   std::int32_t Index = 0;     // sample index, 1..n
   double Value = MWaveSeed;   // M' at the point (mm); MWaveSeed leaves the point out
   double Adjust = 0;          // thickness change the user gave, mm
+  std::uint8_t Flag = 0;      // kPointTrough, kPointExcluded
 };
 
 // Bits of a study's flag byte, one byte per point.
 inline constexpr std::uint8_t kPointTrough = 0x01;    // the point is a trough (else a crest)
 inline constexpr std::uint8_t kPointExcluded = 0x02;  // the user took the point out of the line
+
+// A study wave with what the study derives from it: statistics (in Wave), octave split, IRI.
+struct StudyWave {
+  WaveSeries Wave;
+  OctaveBandSet Octave;
+  IriResults Iri;
+};
+
+// What an M' wave gives: M' itself, the profile with only the middle wave repaired (S + M' + L),
+// that profile split again, and the octave split of its middle wave M''.
+struct MWaveOutcome {
+  StudyWave MPrime;
+  StudyWave Corrected;
+  ThreeWaveSplit CorrectedSplit;
+  OctaveBandSet CorrectedMiddleOctave;
+};
 
 // One named M-wave study of a profile. The first block is what the project file holds; the rest is
 // working state made again when asked for.
@@ -67,28 +84,19 @@ struct StudyTarget {
   std::string PlanText;
 
   std::vector<double> Thickness;  // per adjusted point: the user's change of thickness, mm
-  WaveSeries MPrime;              // M + UserAdjust, mm, 1..n
+  MWaveOutcome Outcome;           // Outcome.MPrime is M + UserAdjust, mm, 1..n
   bool Recalculated = false;      // MPrime rebuilt from the adjusted points
-};
-
-// A study wave with what the study derives from it: statistics (in Wave), octave split, IRI.
-struct StudyWave {
-  WaveSeries Wave;
-  OctaveBandSet Octave;
-  IriResults Iri;
 };
 
 // The results of the study steps kept per profile, besides the ThreeWaveSplit.
 struct RepairStudyData {
   // M-wave step.
   StudyWave Middle;                   // M with its octave split and IRI
-  StudyWave MPrimeWave;               // M' straightened
-  StudyWave CorrectedProfile;         // S + M' + L
-  ThreeWaveSplit CorrectedSplit;      // three-wave split of CorrectedProfile
-  OctaveBandSet CorrectedMiddleOctave;
+  MWaveOutcome Calculated;            // from M' as straightened, without any study
   IriResults ProfileIri;              // the profile's IRI with the study's parameters
   std::vector<StudyPoint> PointTable; // crests and troughs of M, ascending index
   bool MiddleValid = false;
+  std::int32_t ChosenStudy = 0;       // row of lst_M波選択: 0 the calculated M', k the k-th study
   // S-wave step.
   OctaveBandSet ShortOctave;
   WaveSeries ShortReduced;            // S'

@@ -202,7 +202,7 @@ TEST(MWaveRecalculation, KeptPointsSortedAndJoinedWithTheirAdjustment) {
   const std::vector<StudyPoint> points{{5, 4, 1}, {3, MWaveSeed, 7}, {2, 1, 1}, {7, 0, 1}};
   StudyTarget target;
   ASSERT_TRUE(Cal_補修形状_M波の再計算(Wave({10, 10, 10, 10, 10, 10, 10, 10}), points, target));
-  ExpectWave(target.MPrime.Values, {10, 2, 3, 4, 5, 3, 1, 10});
+  ExpectWave(target.Outcome.MPrime.Wave.Values, {10, 2, 3, 4, 5, 3, 1, 10});
   EXPECT_TRUE(target.Recalculated);
 }
 

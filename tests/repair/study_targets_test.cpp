@@ -1,0 +1,116 @@
+#include "repair/study_targets.h"
+
+#include <gtest/gtest.h>
+
+#include "support/test_support.h"
+
+namespace velmora {
+namespace {
+
+using testing::ScriptedUi;
+
+const std::vector<StudyPoint> kTable{{2, 4, 0, 0}, {5, 4.6, 0, kPointTrough}, {7, 5, 0, 0}};
+const char* const kTaken = "指定された検討対象名は既に登録されています。\r\n指定検討対象名：";
+
+TEST(StudyNames, SuffixesAndTheUniqueNameLoop) {
+  ScriptedUi ui;
+  std::vector<StudyTarget> studies;
+  ui.Inputs = {"案A"};
+  ASSERT_EQ(CreateStudy(studies, StudyForm::Thickness, kTable), 0u);
+  EXPECT_EQ(studies[0].Name, "案A[厚]");
+  EXPECT_EQ(ui.Log[0].Text, "検討対象名を指定してください。");
+  EXPECT_EQ(ui.Log[0].Title, "新規作成");
+
+  // The same typed name on the plan form differs by its suffix.
+  ui.Inputs = {"案A"};
+  ASSERT_EQ(CreateStudy(studies, StudyForm::Spacing, kTable), 1u);
+  EXPECT_EQ(studies[1].Name, "案A[間]");
+
+  // A taken name is refused with the warning, and asked again until a new one comes.
+  ui.Log.clear();
+  ui.Inputs = {"案A", " 案a ", "案B"};
+  ASSERT_EQ(CreateStudy(studies, StudyForm::Thickness, kTable), 2u);
+  EXPECT_EQ(studies[2].Name, "案B[厚]");
+  const auto warnings = ui.Messages();
+  ASSERT_EQ(warnings.size(), 2u);
+  EXPECT_EQ(warnings[0].Text, std::string(kTaken) + "案A[厚]");
+  EXPECT_EQ(warnings[0].Title, "警告");
+  EXPECT_EQ(warnings[1].Text, std::string(kTaken) + "案a[厚]");
+
+  // Cancel, or an empty answer, ends the step with nothing added.
+  ui.Inputs = {"案A"};  // taken, then the queue is empty: cancelled
+  EXPECT_FALSE(CreateStudy(studies, StudyForm::Thickness, kTable));
+  ui.Inputs = {"  "};
+  EXPECT_FALSE(CreateStudy(studies, StudyForm::Thickness, kTable));
+  EXPECT_EQ(studies.size(), 3u);
+}
+
+TEST(StudyNames, NewStudyCopiesThePointsOfTheCalculatedTable) {
+  ScriptedUi ui;
+  ui.Inputs = {"x"};
+  std::vector<StudyTarget> studies;
+  CreateStudy(studies, StudyForm::Thickness, kTable);
+  EXPECT_EQ(studies[0].Points, (std::vector<double>{2, 5, 7}));
+  EXPECT_EQ(studies[0].Flags, (std::vector<std::uint8_t>{0, kPointTrough, 0}));
+  EXPECT_FALSE(studies[0].Adjusted);
+}
+
+TEST(StudyLists, FixedFirstItemDeleteAndRename) {
+  ScriptedUi ui;
+  std::vector<StudyTarget> studies(2);
+  studies[0].Name = "a[厚]";
+  studies[1].Name = "b[間]";
+  EXPECT_EQ(StudyListItems(studies),
+            (std::vector<std::string>{"----------【 調整なし 】----------", "a[厚]", "b[間]"}));
+
+  // Row 0 is the fixed item: nothing is asked and nothing goes.
+  EXPECT_FALSE(StudyListKeyDown(studies, StudyList::Targets, 0, kKeyDelete));
+  EXPECT_TRUE(ui.Log.empty());
+
+  ui.Answers = {MsgAnswer::No};
+  EXPECT_FALSE(StudyListKeyDown(studies, StudyList::Targets, 1, kKeyDelete));
+  EXPECT_EQ(ui.Messages()[0].Text, "a[厚] を検討対象から削除します。\r\nよろしいですか？");
+  EXPECT_EQ(ui.Messages()[0].Title, "確認");
+  EXPECT_EQ(studies.size(), 2u);
+
+  ui.Answers = {MsgAnswer::Yes};
+  EXPECT_TRUE(StudyListKeyDown(studies, StudyList::MWaveChoice, 2, kKeyDelete));
+  EXPECT_EQ(ui.Messages()[1].Text, "b[間] をM波選択から削除します。\r\nよろしいですか？");
+  ASSERT_EQ(studies.size(), 1u);
+  EXPECT_EQ(StudyListItems(studies)[0], "----------【 調整なし 】----------");
+
+  // F2 renames through the creation dialog; the study keeps its kind.
+  ui.Inputs = {"c"};
+  EXPECT_TRUE(StudyListKeyDown(studies, StudyList::Targets, 1, kKeyF2));
+  EXPECT_EQ(studies[0].Name, "c[厚]");
+}
+
+// M = 0 4 3 1 0 2 5 1, M' calculated = 0 4 4.2 4.4 4.6 4.8 5 1 (crests 2 and 7, trough 5).
+TEST(StudyAdjustment, ThicknessAtAPointBendsTheLineThroughIt) {
+  const Array1<double> m{0, 4, 3, 1, 0, 2, 5, 1};
+  const Array1<double> calculated{0, 4, 4.2, 4.4, 4.6, 4.8, 5, 1};
+  StudyTarget target;
+  target.AdjPoints = {2, 5, 7};
+  target.AdjFlags = {0, kPointTrough, 0};
+  target.Thickness = {0, 0, 0};
+
+  // Unadjusted, the thickness is M' - M between the outer points and 0 outside them.
+  Array1<double> adjust = UserAdjustOf(m, calculated, target);
+  const double plain[] = {0, 0, 1.2, 3.4, 4.6, 2.8, 0, 0};
+  for (int i = 1; i <= 8; ++i) EXPECT_NEAR(adjust[i], plain[i - 1], 1e-12) << i;
+
+  // 0.5 mm more at the trough: the line runs (2, 4) - (5, 5.1) - (7, 5).
+  SetPointThickness(target, 1, 0.5);
+  EXPECT_TRUE(target.Adjusted);
+  adjust = UserAdjustOf(m, calculated, target);
+  const double raised[] = {0, 0, 4 + 1.1 / 3 - 3, 4 + 2.2 / 3 - 1, 5.1, 5.05 - 2, 0, 0};
+  for (int i = 1; i <= 8; ++i) EXPECT_NEAR(adjust[i], raised[i - 1], 1e-12) << i;
+
+  // Taking the trough out joins the crests straight again.
+  SetPointExcluded(target, 1, true);
+  adjust = UserAdjustOf(m, calculated, target);
+  for (int i = 1; i <= 8; ++i) EXPECT_NEAR(adjust[i], plain[i - 1], 1e-12) << i;
+}
+
+}  // namespace
+}  // namespace velmora
