@@ -8,6 +8,7 @@
 
 #include "app/legacy_format.h"
 #include "app/legacy_math.h"
+#include "app/number_helpers.h"
 #include "app/text_encoding.h"
 #include "app/user_interaction.h"
 
@@ -152,7 +153,7 @@ double HeightFactor(const std::string& unitsName) {
 }
 
 // "######0": the integer right-aligned in seven columns.
-std::string Right7(long long value) { return fmt::format("{:>7}", value); }
+std::string Right7(double value) { return uFormatRight(value, "######0"); }
 
 }  // namespace
 
