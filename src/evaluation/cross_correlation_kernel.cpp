@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include "analysis/psd_window.h"
 #include "app/legacy_error.h"
 #include "app/legacy_math.h"
 
@@ -141,16 +142,6 @@ std::vector<double> ShiftSums(std::span<const double> dA, std::span<const double
 
 }  // namespace detail
 
-double SampleStdDev(std::span<const double> values) {
-  const auto n = static_cast<double>(values.size());
-  double sum = 0;
-  for (double v : values) sum += v;
-  const double mean = sum / n;
-  double squares = 0;
-  for (double v : values) squares += (v - mean) * (v - mean);
-  return squares > 0 ? std::sqrt(squares / (n - 1)) : 0.0;
-}
-
 double SdRatio(double sdA, double sdB) {
   // Max and min keep the first argument unless the second is strictly beyond it.
   const double larger = sdB > sdA ? sdB : sdA;
@@ -172,15 +163,14 @@ CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, st
 
   const auto count = static_cast<std::size_t>(n);
   auto deviations = [count](std::span<const double> x) {
-    double sum = 0;
-    for (std::size_t i = 0; i < count; ++i) sum += x[i];
-    const double mean = sum / static_cast<double>(count);
+    const double mean = Mean(x.first(count));
     std::vector<double> d(count);
     for (std::size_t i = 0; i < count; ++i) d[i] = x[i] - mean;
     return d;
   };
   const std::vector<double> dA = deviations(a);
   const std::vector<double> dB = deviations(b);
+  // Divisor n - 1 (a single sample is a division by zero there).
   const double sdA = SampleStdDev(dA);
   const double sdB = SampleStdDev(dB);
 

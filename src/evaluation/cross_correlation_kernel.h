@@ -48,9 +48,6 @@ CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, st
 // both are 0. Never above 1.
 double SdRatio(double sdA, double sdB);
 
-// Standard deviation with divisor n - 1; a sum of squares that is not positive gives 0.
-double SampleStdDev(std::span<const double> values);
-
 namespace detail {
 // S[k], k = 0..2*maxShift, for shift k - maxShift: the index-order sum of dA[i] * dB[i + shift] over
 // the overlap. `threads` 0 means one per core. Identical, bit for bit, to ShiftSumsPlain.
