@@ -1,0 +1,41 @@
+#pragma once
+// Decomposition of a profile into the nine wavelength octaves: a single pass (nine masks on one
+// transform) or the peeling from the outside inwards with repeated passes.
+#include <array>
+#include <cstdint>
+
+#include "analysis/analysis_block.h"
+#include "analysis/fft_filter.h"
+#include "analysis/octave_types.h"
+#include "app/one_based.h"
+
+namespace velmora {
+
+struct ProfileRecord;
+
+using OctaveMasks = std::array<Array1<std::uint8_t>, 11>;
+using OctaveBands = std::array<OctaveBand, 10>;
+
+// One pass: folds source(1..n) out to length2 (length1, length2 from FftLength1/2 of n), one forward
+// transform, then for each octave k the spectrum / length2 times masks[k] and an inverse transform;
+// bands[k] gets elements 1..n (complex), extremes and statistics of the real part. Debug tables when
+// writeDebug is not 0 and DebugLevel > 0, numbered by debugSeq (raised before each file).
+// Errors are logged under the procedure's name; returns false then, with `bands` undefined.
+bool Cal_プロファイル分解_単体処理(std::int32_t writeDebug, std::int32_t& debugSeq, std::int32_t iteration,
+                         std::int32_t n, std::int32_t length1, std::int32_t length2,
+                         const OctaveMasks& masks, const Array1<double>& source, OctaveBands& bands);
+
+// The peeling: stages s = 1..4 take the octave pairs (s, 10 − s) out of what is left, pass after pass,
+// until the standard deviation of both stops shrinking by `limits.StdRatio` or `limits.MaxPasses` is
+// reached; octave 5 is what remains. Reads the prepared profile of `block`, fills `bands` (only on
+// success; errors are logged and give false). Progress captions go through Ui().
+bool Cal_プロファイル分解_収束計算(const AnalysisBlock& block, OctaveBands& bands,
+                         const FilterConvergence& limits = ReadFilterConvergence());
+
+// The octave split of a registered profile, with LongSum and ShortSum from the settings lists.
+// Prepares the profile first when that has not been done. Does nothing when the bands are valid for
+// the same `converge` option, unless `force`. On failure the stored bands stay as they were.
+bool DecomposeProfile(ProfileRecord& record, bool converge, bool force = false,
+                      const FilterConvergence& limits = ReadFilterConvergence());
+
+}  // namespace velmora

@@ -1,0 +1,21 @@
+#pragma once
+// The preparation every frequency-domain analysis of a profile starts from.
+#include <cstdint>
+
+#include "analysis/analysis_block.h"
+#include "app/one_based.h"
+
+namespace velmora {
+
+struct ProfileRecord;
+
+// Fills the preparation fields of `block` from `profile` (mm, 1..n) at `pitch` (m): samples per
+// metre, the count, the WaveSeries copy, FftLength1/FftLength2 and the ten octave masks; marks the
+// octave and PSD results stale. Writes "BandFilter.dat" and "Profile.csv" at DebugLevel > 0.
+// n >= 1, pitch > 0 and profile.size() >= n, else LegacyError naming what is wrong.
+void PrepareAnalysis(AnalysisBlock& block, std::int32_t n, const Array1<double>& profile, double pitch);
+
+// The same for a registered profile: WorkProfile, WorkCount and the ERD pitch of `record`.
+void PrepareProfile(ProfileRecord& record);
+
+}  // namespace velmora

@@ -1,0 +1,393 @@
+// Octave masks, the preparation of a profile, the single and the repeated split, and the sums.
+#include "analysis/octave.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "analysis/octave_bands.h"
+#include "analysis/prepare_profile.h"
+#include "app/app_paths.h"
+#include "app/settings.h"
+#include "app/text_encoding.h"
+#include "profile/erd_file.h"
+#include "profile/profile_record.h"
+#include "support/test_support.h"
+
+namespace velmora {
+namespace {
+
+using testing::ScriptedUi;
+using testing::TempDir;
+
+constexpr double kPi = 3.14159265358979323846;
+
+// Paths, debug level and octave lists changed by a test are put back afterwards; error logs and debug
+// tables go into a fresh folder.
+class OctaveTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    savedPaths_ = Paths();
+    savedSettings_ = Settings();
+    Paths().TempPath = dir_.path().string();
+    Paths().DebugPath = (dir_.path() / "Debug").string();
+  }
+  void TearDown() override {
+    Paths() = savedPaths_;
+    Settings() = savedSettings_;
+  }
+  TempDir dir_;
+  ScriptedUi ui_;
+
+ private:
+  AppPaths savedPaths_;
+  AppSettings savedSettings_;
+};
+
+ProfileRecord MakeRecord(const std::vector<double>& samples, double pitch) {
+  ProfileRecord record;
+  record.FileName = "test.erd";
+  record.Erd.StepSize = pitch;
+  record.WorkCount = static_cast<std::int32_t>(samples.size());
+  record.WorkProfile = Array1<double>(samples);
+  return record;
+}
+
+// A rough road: a few sines across the octaves, a slope and an offset.
+std::vector<double> RoughProfile(int n, double dx) {
+  std::vector<double> y(static_cast<std::size_t>(n));
+  for (int i = 0; i < n; ++i) {
+    const double x = i * dx;
+    y[static_cast<std::size_t>(i)] = 12.0 + 0.01 * x + 8 * std::sin(2 * kPi * x / 37.0) +
+                                     3 * std::sin(2 * kPi * x / 5.3 + 1) + 1.5 * std::cos(2 * kPi * x / 0.93) +
+                                     0.4 * std::sin(2 * kPi * x / 0.27);
+  }
+  return y;
+}
+
+std::set<int> OnesOf(const Array1<std::uint8_t>& mask) {
+  std::set<int> ones;
+  for (int p = 1; p <= mask.size(); ++p)
+    if (mask[p] == 1) ones.insert(p);
+  return ones;
+}
+
+double RealAt(const OctaveBandSet& set, int k, int i) { return set.Band[static_cast<std::size_t>(k)].Values[i].Re; }
+
+TEST(OctaveMasks, EightPointsAtSixPointFourMetres) {
+  // L·dx = 51.2 m, ff = j / 51.2. Positions 1..5 look at j = 1..5, positions 6..8 at j = 4, 3, 2.
+  // j = 1 is exactly 1/51.2 (octave 1), j = 2 exactly 1/25.6 (octave 2), j = 3, 4 octave 3, j = 5
+  // (0.098 c/m) octave 4.
+  std::array<Array1<std::uint8_t>, 11> masks;
+  MakeOctaveMasks(8, 6.4, masks);
+  const std::vector<std::set<int>> expected = {{}, {1}, {2, 8}, {3, 4, 6, 7}, {5}, {}, {}, {}, {}, {}};
+  for (int k = 1; k <= 9; ++k) {
+    EXPECT_EQ(masks[static_cast<std::size_t>(k)].size(), 8);
+    EXPECT_EQ(OnesOf(masks[static_cast<std::size_t>(k)]), expected[static_cast<std::size_t>(k)]) << "octave " << k;
+  }
+  EXPECT_EQ(OnesOf(masks[10]), (std::set<int>{1, 2, 3, 4, 5, 6, 7, 8}));
+}
+
+TEST(OctaveMasks, SixteenPointsAtZeroPointFourMetres) {
+  // L·dx = 6.4 m: j = 1 is 1/6.4, the upper limit of octave 4, so the zero-frequency position lies in
+  // octave 4 here; j = 2 (1/3.2) octave 5; 3, 4 octave 6; 5..8 octave 7; j = 9 (1.406 c/m) octave 8.
+  std::array<Array1<std::uint8_t>, 11> masks;
+  MakeOctaveMasks(16, 0.4, masks);
+  const std::vector<std::set<int>> expected = {
+      {}, {}, {}, {}, {1}, {2, 16}, {3, 4, 14, 15}, {5, 6, 7, 8, 10, 11, 12, 13}, {9}, {}};
+  for (int k = 1; k <= 9; ++k)
+    EXPECT_EQ(OnesOf(masks[static_cast<std::size_t>(k)]), expected[static_cast<std::size_t>(k)]) << "octave " << k;
+}
+
+TEST(OctaveMasks, LimitsFallOnBinsAndEveryBinIsTakenOnce) {
+  // L = 512 at 0.1 m: L·dx = 51.2, so each octave limit is exactly a harmonic j = 2^m. The upper limit
+  // is inclusive: j = 128 (2.5 c/m = 1/0.4) belongs to octave 8, j = 129 to octave 9.
+  std::array<Array1<std::uint8_t>, 11> masks;
+  MakeOctaveMasks(512, 0.1, masks);
+  const int counts[10] = {0, 1, 2, 4, 8, 16, 32, 64, 128, 257};
+  for (int k = 1; k <= 9; ++k) EXPECT_EQ(OnesOf(masks[static_cast<std::size_t>(k)]).size(), counts[k]) << k;
+  EXPECT_EQ(masks[2][512], 1);  // second half: position 512 looks at j = 2
+  EXPECT_EQ(masks[8][128], 1);
+  EXPECT_EQ(masks[9][129], 1);
+  EXPECT_EQ(masks[9][257], 1);  // the highest harmonic
+  EXPECT_EQ(masks[8][386], 1);  // position 386 looks at j = 512 + 2 − 386 = 128
+  for (int p = 1; p <= 512; ++p) {
+    int owners = 0;
+    for (int k = 1; k <= 9; ++k) owners += masks[static_cast<std::size_t>(k)][p];
+    EXPECT_EQ(owners, 1) << "position " << p;
+  }
+}
+
+TEST_F(OctaveTest, PrepareFillsLengthsCopyAndMasks) {
+  ProfileRecord record = MakeRecord({1, 2, 3, 4, 5}, 0.1);
+  PrepareProfile(record);
+  const AnalysisBlock& block = record.Analysis;
+  EXPECT_DOUBLE_EQ(block.SamplesPerMetre, 10.0);
+  EXPECT_EQ(block.Count, 5);
+  EXPECT_EQ(block.FftLength1, 8);
+  EXPECT_EQ(block.FftLength2, 16);
+  EXPECT_EQ(block.Profile.Values, Array1<double>({1, 2, 3, 4, 5}));
+  EXPECT_DOUBLE_EQ(block.Profile.Stats.Mean, 3.0);
+  EXPECT_DOUBLE_EQ(block.Profile.Stats.StdDev, std::sqrt(2.0));
+  EXPECT_TRUE(block.Profile.Calculated);
+  for (int k = 1; k <= 10; ++k) EXPECT_EQ(block.Masks[static_cast<std::size_t>(k)].size(), 16);
+  // 16 points at 0.1 m: ff = j / 1.6, all below 1/0.4 except j = 5..9; the zero position is j = 1,
+  // 0.625 c/m = 1/1.6, the top of octave 6.
+  EXPECT_EQ(block.Masks[6][1], 1);
+}
+
+TEST_F(OctaveTest, PrepareRefusesBadPitchAndCount) {
+  ProfileRecord flat = MakeRecord({1, 2, 3}, 0.0);
+  try {
+    PrepareProfile(flat);
+    FAIL() << "a pitch of 0 was accepted";
+  } catch (const LegacyError& error) {
+    EXPECT_NE(std::string(error.what()).find("test.erd"), std::string::npos) << error.what();
+    EXPECT_NE(std::string(error.what()).find("pitch"), std::string::npos) << error.what();
+  }
+  ProfileRecord shorter = MakeRecord({1, 2, 3}, 0.1);
+  shorter.WorkCount = 4;
+  EXPECT_THROW(PrepareProfile(shorter), LegacyError);
+}
+
+TEST_F(OctaveTest, SinglePassBandsSumBackToTheProfile) {
+  const double dx = 0.05;
+  ProfileRecord record = MakeRecord(RoughProfile(3001, dx), dx);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  const OctaveBandSet& set = record.Analysis.Octave;
+  double worst = 0, worstImag = 0;
+  for (int i = 1; i <= 3001; ++i) {
+    double sum = 0;
+    for (int k = 1; k <= 9; ++k) {
+      sum += RealAt(set, k, i);
+      worstImag = std::max(worstImag, std::abs(set.Band[static_cast<std::size_t>(k)].Values[i].Im));
+    }
+    worst = std::max(worst, std::abs(sum - record.WorkProfile[i]));
+  }
+  EXPECT_LT(worst, 1e-9);
+  EXPECT_LT(worstImag, 1e-9);
+  // The mean level (12 mm plus half the slope) lies in octave 1, the other bands average about 0.
+  EXPECT_NEAR(set.Band[1].Stats.Mean, record.Analysis.Profile.Stats.Mean, 0.5);
+  for (int k = 2; k <= 9; ++k) EXPECT_LT(std::abs(set.Band[static_cast<std::size_t>(k)].Stats.Mean), 0.5) << k;
+  EXPECT_TRUE(set.Calculated);
+  EXPECT_FALSE(set.Converged);
+  EXPECT_EQ(ui_.Log.front().Kind, "progress-start");
+  EXPECT_EQ(ui_.Log.front().Title, "プロファイル分解計算");
+  EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
+}
+
+TEST_F(OctaveTest, ExtremesAndStatisticsDescribeEachBand) {
+  ProfileRecord record = MakeRecord(RoughProfile(800, 0.1), 0.1);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  for (int k = 1; k <= 9; ++k) {
+    const OctaveBand& band = record.Analysis.Octave.Band[static_cast<std::size_t>(k)];
+    double lo = band.Values[1].Re, hi = lo, loI = band.Values[1].Im, hiI = loI;
+    for (int i = 1; i <= 800; ++i) {
+      lo = std::min(lo, band.Values[i].Re);
+      hi = std::max(hi, band.Values[i].Re);
+      loI = std::min(loI, band.Values[i].Im);
+      hiI = std::max(hiI, band.Values[i].Im);
+    }
+    EXPECT_EQ(band.MinReal, lo);
+    EXPECT_EQ(band.MaxReal, hi);
+    EXPECT_EQ(band.MinImag, loI);
+    EXPECT_EQ(band.MaxImag, hiI);
+    EXPECT_EQ(band.Stats.Minimum, lo);
+    EXPECT_EQ(band.Stats.Maximum, hi);
+    EXPECT_TRUE(band.Calculated);
+  }
+}
+
+TEST_F(OctaveTest, SineOfOneOctaveLandsInThatBand) {
+  // 4.4 m lies in octave 5 (3.2..6.4 m), near its geometric middle; 4096 samples at 0.1 m (409.6 m).
+  const double dx = 0.1, amplitude = 10;
+  std::vector<double> y(4096);
+  for (int i = 0; i < 4096; ++i) y[static_cast<std::size_t>(i)] = amplitude * std::sin(2 * kPi * i * dx / 4.4);
+  ProfileRecord record = MakeRecord(y, dx);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  const OctaveBandSet& set = record.Analysis.Octave;
+  const double rms = amplitude / std::sqrt(2.0);
+  EXPECT_NEAR(set.Band[5].Stats.StdDev, rms, 0.01 * rms);
+  // The fold bends the sine at both ends; the brick-wall masks spread that bend into the neighbouring
+  // octaves near the ends only. In the middle half the other bands stay small and octave 5 is the sine.
+  for (int k = 1; k <= 9; ++k) {
+    if (k == 5) continue;
+    EXPECT_LT(set.Band[static_cast<std::size_t>(k)].Stats.StdDev, 0.06 * rms) << "octave " << k;
+    double middle = 0;
+    for (int i = 1024; i <= 3072; ++i) middle = std::max(middle, std::abs(RealAt(set, k, i)));
+    EXPECT_LT(middle, 0.02 * amplitude) << "octave " << k;
+  }
+  double worst = 0;
+  for (int i = 1024; i <= 3072; ++i)
+    worst = std::max(worst, std::abs(RealAt(set, 5, i) - y[static_cast<std::size_t>(i - 1)]));
+  EXPECT_LT(worst, 0.03 * amplitude);
+}
+
+TEST_F(OctaveTest, ShortTransformLeavesOctaveOneEmpty) {
+  // 100 samples at 0.1 m: FftLength2 = 256, 25.6 m, below 51.2 m; the mean goes to octave 2.
+  std::vector<double> y(100, 7.0);
+  ProfileRecord record = MakeRecord(y, 0.1);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  const OctaveBandSet& set = record.Analysis.Octave;
+  for (int i = 1; i <= 100; ++i) {
+    EXPECT_EQ(RealAt(set, 1, i), 0.0);
+    EXPECT_NEAR(RealAt(set, 2, i), 7.0, 1e-12);
+  }
+}
+
+TEST_F(OctaveTest, SumsFollowTheSettingsLists) {
+  Settings().LongOctaves = {1, 2, 3};
+  Settings().ShortOctaves = {9, 3, 9};  // an octave listed twice counts once
+  ProfileRecord record = MakeRecord(RoughProfile(600, 0.1), 0.1);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  const OctaveBandSet& set = record.Analysis.Octave;
+  for (int i = 1; i <= 600; ++i) {
+    EXPECT_DOUBLE_EQ(set.LongSum.Values[i], RealAt(set, 1, i) + RealAt(set, 2, i) + RealAt(set, 3, i));
+    EXPECT_DOUBLE_EQ(set.ShortSum.Values[i], RealAt(set, 3, i) + RealAt(set, 9, i));
+  }
+  EXPECT_TRUE(set.LongSum.Calculated);
+  EXPECT_EQ(set.ShortSum.DisplayMax, set.ShortSum.Stats.Maximum);
+
+  Settings().LongOctaves.clear();
+  Settings().ShortOctaves.clear();
+  ASSERT_TRUE(DecomposeProfile(record, false, true));
+  EXPECT_EQ(set.LongSum.Values, Array1<double>(std::vector<double>(600, 0.0)));
+  EXPECT_EQ(set.ShortSum.Values, Array1<double>(std::vector<double>(600, 0.0)));
+}
+
+TEST_F(OctaveTest, ValidBandsAreNotRecomputedUnlessForcedOrTheOptionChanges) {
+  ProfileRecord record = MakeRecord(RoughProfile(600, 0.1), 0.1);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  record.Analysis.Octave.Band[4].Values[1].Re = 1234.5;  // a mark a recomputation would remove
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  EXPECT_EQ(record.Analysis.Octave.Band[4].Values[1].Re, 1234.5);
+  ASSERT_TRUE(DecomposeProfile(record, false, true));
+  EXPECT_NE(record.Analysis.Octave.Band[4].Values[1].Re, 1234.5);
+
+  record.Analysis.Octave.Band[4].Values[1].Re = 1234.5;
+  ASSERT_TRUE(DecomposeProfile(record, true, false, {1.1, 2}));
+  EXPECT_NE(record.Analysis.Octave.Band[4].Values[1].Re, 1234.5);
+  EXPECT_TRUE(record.Analysis.Octave.Converged);
+
+  record.Analysis.Octave.Band[4].Values[1].Re = 1234.5;
+  PrepareProfile(record);  // a changed profile makes the bands stale
+  ASSERT_TRUE(DecomposeProfile(record, true, false, {1.1, 2}));
+  EXPECT_NE(record.Analysis.Octave.Band[4].Values[1].Re, 1234.5);
+}
+
+TEST_F(OctaveTest, PeelingAlsoSumsBackAndDiffersFromTheSinglePass) {
+  const double dx = 0.05;
+  ProfileRecord record = MakeRecord(RoughProfile(2000, dx), dx);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  const OctaveBandSet single = record.Analysis.Octave;
+  ASSERT_TRUE(DecomposeProfile(record, true, false, {1.1, 10}));
+  const OctaveBandSet& peeled = record.Analysis.Octave;
+  double worst = 0, moved = 0;
+  for (int i = 1; i <= 2000; ++i) {
+    double sum = 0;
+    for (int k = 1; k <= 9; ++k) sum += RealAt(peeled, k, i);
+    worst = std::max(worst, std::abs(sum - record.WorkProfile[i]));
+    moved = std::max(moved, std::abs(RealAt(peeled, 1, i) - RealAt(single, 1, i)));
+    // Accumulated bands carry no imaginary part.
+    EXPECT_EQ(peeled.Band[1].Values[i].Im, 0.0);
+  }
+  EXPECT_LT(worst, 1e-8);
+  // Octave 1 takes in what the later stages peel off the rest, so it is not the single pass's band.
+  EXPECT_GT(moved, 1e-6);
+}
+
+TEST_F(OctaveTest, PeelingShowsEachStageAndPassAndMovesTheBarByTen) {
+  ProfileRecord record = MakeRecord(RoughProfile(600, 0.1), 0.1);
+  // A ratio of 0 never converges, so every stage runs all three passes: 12 passes.
+  ASSERT_TRUE(DecomposeProfile(record, true, false, {0.0, 3}));
+  std::vector<std::string> captions;
+  for (const auto& entry : ui_.Log)
+    if (entry.Kind == "progress-start") captions.push_back(entry.Text);
+  ASSERT_EQ(captions.size(), 14u);
+  EXPECT_EQ(captions[0], "しばらくお待ちください。");
+  EXPECT_EQ(captions[1], "収束計算中・・・・");
+  EXPECT_EQ(captions[2], "収束計算中( 1-OCT、9-OCT )  1 / 3 ・・・・");
+  EXPECT_EQ(captions[4], "収束計算中( 1-OCT、9-OCT )  3 / 3 ・・・・");
+  EXPECT_EQ(captions[5], "収束計算中( 2-OCT、8-OCT )  1 / 3 ・・・・");
+  EXPECT_EQ(captions[13], "収束計算中( 4-OCT、6-OCT )  3 / 3 ・・・・");
+  const std::vector<int> bar = {10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 0, 10, 100};
+  EXPECT_EQ(ui_.ProgressValues, bar);  // the last 100 marks the end of the split
+}
+
+TEST_F(OctaveTest, PeelingStopsAStageWhenBothBandsHaveConverged) {
+  ProfileRecord record = MakeRecord(RoughProfile(600, 0.1), 0.1);
+  // With an enormous ratio limit the first pass of each stage already counts as converged.
+  ASSERT_TRUE(DecomposeProfile(record, true, false, {1e300, 10}));
+  int passes = 0;
+  for (const auto& entry : ui_.Log)
+    if (entry.Kind == "progress-start" && entry.Text.find(" / 10 ") != std::string::npos) ++passes;
+  EXPECT_EQ(passes, 4);
+}
+
+TEST_F(OctaveTest, EmptyOctaveStopsThePeelingAndKeepsTheStoredBands) {
+  // At 0.5 m the highest frequency of the transform is about 1 c/m, below 1/0.8: octaves 8 and 9 are
+  // empty, and the convergence test of stage 1 divides by a zero deviation.
+  ProfileRecord record = MakeRecord(RoughProfile(400, 0.5), 0.5);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  for (int i = 1; i <= 400; ++i) {
+    EXPECT_EQ(RealAt(record.Analysis.Octave, 8, i), 0.0);
+    EXPECT_EQ(RealAt(record.Analysis.Octave, 9, i), 0.0);
+  }
+  const OctaveBandSet before = record.Analysis.Octave;
+  EXPECT_FALSE(DecomposeProfile(record, true, false, {1.1, 10}));
+  EXPECT_EQ(record.Analysis.Octave.Band[3].Values, before.Band[3].Values);
+  EXPECT_FALSE(record.Analysis.Octave.Converged);
+  const auto messages = ui_.Messages();
+  ASSERT_EQ(messages.size(), 1u);
+  EXPECT_EQ(messages[0].Title, "[ bas計算共通 : Cal_プロファイル分解_収束計算 ]");
+  EXPECT_TRUE(std::filesystem::exists(dir_ / "Sorvik_Err.log"));
+  EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
+}
+
+TEST_F(OctaveTest, DebugTablesShowMasksProfileAndRemainder) {
+  Settings().DebugLevel = 1;
+  ProfileRecord record = MakeRecord(RoughProfile(300, 0.1), 0.1);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  const auto debug = dir_.path() / "Debug";
+  const auto masks = ReadSystemTextLines(debug / "BandFilter.dat");
+  EXPECT_EQ(masks.size(), 1u + 1024u);  // FftLength2 of 300 samples
+  const auto profile = ReadSystemTextLines(debug / "Profile.csv");
+  EXPECT_EQ(profile.size(), 301u);
+  const auto sums = ReadSystemTextLines(debug / "002_FFT_(0)_収束回数=00_[OCT1～OCT9].csv");
+  ASSERT_EQ(sums.size(), 301u);
+  EXPECT_EQ(sums[0],
+            "No, Profile, OCT-1, OCT-2, OCT-3, OCT-4, OCT-5, OCT-6, OCT-7, OCT-8, OCT-9, SUM(OCT1:OCT9), "
+            "Abs(Profile-SUM)");
+  for (std::size_t row = 1; row < sums.size(); ++row) {
+    const std::string remainder = sums[row].substr(sums[row].rfind(',') + 1);
+    EXPECT_LT(std::stod(remainder), 1e-9) << sums[row];
+  }
+  EXPECT_TRUE(std::filesystem::exists(debug / "001_FFT_(0)_収束回数=00_Profile.csv"));
+}
+
+TEST_F(OctaveTest, MeasuredProfileSumsBack) {
+  const auto file = testing::SharedDataDir() / "derived" / "profile_1_derived_mm.erd";
+  if (!std::filesystem::exists(file)) GTEST_SKIP() << "shared data absent";
+  ErdRecord erd;
+  ASSERT_TRUE(ReadERD(file.string(), erd));
+  ProfileRecord record;
+  record.Erd = erd;
+  record.WorkCount = erd.NumSamples;
+  record.WorkProfile = erd.Elevation;
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  double worst = 0, scale = 0;
+  for (int i = 1; i <= record.WorkCount; ++i) {
+    double sum = 0;
+    for (int k = 1; k <= 9; ++k) sum += RealAt(record.Analysis.Octave, k, i);
+    worst = std::max(worst, std::abs(sum - record.WorkProfile[i]));
+    scale = std::max(scale, std::abs(record.WorkProfile[i]));
+  }
+  EXPECT_LT(worst, 1e-10 * scale + 1e-9);
+}
+
+}  // namespace
+}  // namespace velmora

@@ -1,0 +1,310 @@
+// Windows, the raw PSD, its smoothing, the ratio of two spectra and what the PSD tab computes.
+#include "analysis/psd.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <numeric>
+#include <string>
+#include <vector>
+
+#include "analysis/psd_view.h"
+#include "analysis/psd_window.h"
+#include "app/app_paths.h"
+#include "app/text_encoding.h"
+#include "profile/profile_record.h"
+#include "support/test_support.h"
+
+namespace velmora {
+namespace {
+
+using testing::ScriptedUi;
+using testing::TempDir;
+
+constexpr double kPsdPi = 3.14159265358979;  // the factor of the PSD's definition
+
+class PsdTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    saved_ = Paths();
+    Paths().TempPath = dir_.path().string();
+    Paths().DebugPath = (dir_.path() / "Debug").string();
+    Paths().DebugSwitch = false;
+  }
+  void TearDown() override { Paths() = saved_; }
+  TempDir dir_;
+  ScriptedUi ui_;
+
+ private:
+  AppPaths saved_;
+};
+
+Array1<double> Psd(const std::vector<double>& x, double dx, int window, bool mirror) {
+  Array1<double> out;
+  EXPECT_TRUE(PsdCalc(static_cast<std::int32_t>(x.size()), Array1<double>(x), dx, window, mirror, out));
+  return out;
+}
+
+std::vector<double> Wavy(int n) {
+  std::vector<double> y(static_cast<std::size_t>(n));
+  for (int i = 0; i < n; ++i) y[static_cast<std::size_t>(i)] = 3 * std::sin(0.37 * i) + std::cos(1.9 * i) + 0.01 * i;
+  return y;
+}
+
+TEST(PsdWindow, HanningAndHammingByHand) {
+  // n = 5: t = 0, π/2, π, 3π/2, 2π, so cos t = 1, 0, −1, 0, 1.
+  std::vector<double> w(5);
+  MakeWindow(false, w);
+  const std::vector<double> hanning = {0, 0.5, 1, 0.5, 0};
+  for (int i = 0; i < 5; ++i) EXPECT_NEAR(w[static_cast<std::size_t>(i)], hanning[static_cast<std::size_t>(i)], 1e-13);
+  MakeWindow(true, w);
+  const std::vector<double> hamming = {0.08, 0.54, 1, 0.54, 0.08};
+  for (int i = 0; i < 5; ++i) EXPECT_NEAR(w[static_cast<std::size_t>(i)], hamming[static_cast<std::size_t>(i)], 1e-13);
+  std::vector<double> three(3);
+  MakeWindow(false, three);  // t = 0, π, 2π
+  EXPECT_NEAR(three[1], 1.0, 1e-15);
+  std::vector<double> one(1);
+  EXPECT_THROW(MakeWindow(false, one), LegacyError);
+}
+
+TEST(PsdWindow, SmallStatistics) {
+  const std::vector<double> a = {1, 2, 3, 4}, b = {2, 0, 1, -1};
+  EXPECT_DOUBLE_EQ(SumOfProducts(a, b), 2 + 0 + 3 - 4);
+  EXPECT_DOUBLE_EQ(Mean(a), 2.5);
+  EXPECT_DOUBLE_EQ(SampleStdDev(a), std::sqrt(5.0 / 3.0));  // squares 2.25 + 0.25 + 0.25 + 2.25 over 3
+  EXPECT_THROW(SampleStdDev(std::vector<double>{1}), LegacyError);
+}
+
+TEST(PsdCalc, LengthIsTheNextPowerOfTwo) {
+  EXPECT_EQ(PsdLength(1), 1);
+  EXPECT_EQ(PsdLength(2), 2);
+  EXPECT_EQ(PsdLength(3), 4);
+  EXPECT_EQ(PsdLength(5), 8);
+  EXPECT_EQ(PsdLength(1024), 1024);
+  EXPECT_EQ(PsdLength(1025), 2048);
+}
+
+TEST_F(PsdTest, ImpulseByHand) {
+  // An impulse has |c| = 1 in every bin: out = 1 / ((1/0.5) · 4) / 1 · π = π/8.
+  const Array1<double> plain = Psd({1, 0, 0, 0}, 0.5, kWindowNone, true);
+  ASSERT_EQ(plain.size(), 4);
+  for (int i = 1; i <= 4; ++i) EXPECT_NEAR(plain[i], kPsdPi / 8, 1e-15);
+  // Hanning of 4 points: 0, 0.75, 0.75, 0 (cos of 0, 2π/3, 4π/3, 2π); U = 2 · 0.5625 / 4 = 0.28125.
+  // The impulse at sample 2 becomes 0.75: out = 0.5625 / 8 / 0.28125 · π = π/4.
+  const Array1<double> hanning = Psd({0, 1, 0, 0}, 0.5, kWindowHanning, true);
+  for (int i = 1; i <= 4; ++i) EXPECT_NEAR(hanning[i], kPsdPi / 4, 1e-13);
+}
+
+TEST_F(PsdTest, FoldOrZerosFillTheMissingSamples) {
+  // 5 samples → 8. Fold: 2 point-symmetric samples on the left (2·1 − 4, 2·1 − 2) and the first on
+  // the right (2·16 − 8): −2, 0, 1, 2, 4, 8, 16, 24. Zeros: 1, 2, 4, 8, 16, 0, 0, 0.
+  // Bin 1 is the plain sum, bin 5 the alternating sum; dx = 1, n2 = 8: out = |c|² / 8 · π.
+  const std::vector<double> x = {1, 2, 4, 8, 16};
+  const Array1<double> folded = Psd(x, 1.0, kWindowNone, true);
+  EXPECT_NEAR(folded[1], 53.0 * 53 / 8 * kPsdPi, 1e-9);
+  EXPECT_NEAR(folded[5], 15.0 * 15 / 8 * kPsdPi, 1e-9);
+  const Array1<double> zeros = Psd(x, 1.0, kWindowNone, false);
+  EXPECT_NEAR(zeros[1], 31.0 * 31 / 8 * kPsdPi, 1e-9);
+  EXPECT_NEAR(zeros[5], 11.0 * 11 / 8 * kPsdPi, 1e-9);
+  // With a power of two the samples are all there and the fill mode changes nothing.
+  const std::vector<double> full = Wavy(64);
+  EXPECT_EQ(Psd(full, 0.25, kWindowHamming, true), Psd(full, 0.25, kWindowHamming, false));
+}
+
+TEST_F(PsdTest, ParsevalHoldsForTheRawSpectrum) {
+  // Σ|c|² = n2 · Σz², so Σ out = π · dx · Σz² / U.
+  const double dx = 0.25;
+  const std::vector<double> x = Wavy(512);
+  const Array1<double> plain = Psd(x, dx, kWindowNone, true);
+  const double energy = std::inner_product(x.begin(), x.end(), x.begin(), 0.0);
+  EXPECT_NEAR(std::accumulate(plain.begin(), plain.end(), 0.0), kPsdPi * dx * energy, 1e-9 * energy);
+
+  std::vector<double> w(512);
+  MakeWindow(false, w);
+  double windowed = 0, u = 0;
+  for (std::size_t i = 0; i < 512; ++i) {
+    windowed += (w[i] * x[i]) * (w[i] * x[i]);
+    u += w[i] * w[i] / 512;
+  }
+  const Array1<double> hanning = Psd(x, dx, kWindowHanning, true);
+  EXPECT_NEAR(std::accumulate(hanning.begin(), hanning.end(), 0.0), kPsdPi * dx * windowed / u, 1e-9 * energy);
+}
+
+TEST_F(PsdTest, OneSampleWindowIsAnArithmeticError) {
+  Array1<double> out;
+  EXPECT_FALSE(PsdCalc(1, Array1<double>({2.0}), 0.5, kWindowHanning, true, out));
+  ASSERT_EQ(ui_.Messages().size(), 1u);
+  EXPECT_EQ(ui_.Messages()[0].Title, "[ basPasMain : PsdCalc ]");
+  // Without a window one sample is a spectrum of one bin: 4 / ((1/0.5) · 1) · π.
+  ASSERT_TRUE(PsdCalc(1, Array1<double>({2.0}), 0.5, kWindowNone, true, out));
+  ASSERT_EQ(out.size(), 1);
+  EXPECT_NEAR(out[1], 2 * kPsdPi, 1e-14);
+  EXPECT_FALSE(PsdCalc(4, Array1<double>({1.0, 2.0}), 0.5, kWindowNone, true, out));
+  EXPECT_FALSE(PsdCalc(2, Array1<double>({1.0, 2.0}), 0.0, kWindowNone, true, out));
+}
+
+Array1<double> Ramp(int n2) {
+  Array1<double> p(static_cast<std::size_t>(n2));
+  for (int i = 1; i <= n2; ++i) p[i] = i;
+  return p;
+}
+
+TEST(PsdSmooth, OneBandPerOctaveByHand) {
+  // n2 = 64 at 1 m: df = 1/64, h = 32, raw rows T(k) = (k/64, P(k + 1)) for k = 1..31, T(32) = (0, 0).
+  // R = 2: no raw step ratio k/(k−1) is above 2, so the grid doubles: 1, 2, 4, 8, 16, 32, 64 (/64),
+  // stopping after the first point past the Nyquist number 0.5. Band starts √2·S(i−1): 1.41, 2.83,
+  // 5.66, 11.3, 22.6, 45.3 (/64) → first rows 2, 3, 6, 12, 23, none (33).
+  // With P(i) = i: 2; mean P(3) = 3; mean P(4..6) = 5; mean P(7..12) = 9.5; mean P(13..23) = 18;
+  // rows 23..32 hold P(24..32) and the empty last row: 252 / 10 = 25.2.
+  const std::vector<PsdPair> smooth = SmoothPsdValues(Ramp(64), 64, 1.0, 1);
+  const std::vector<PsdPair> expected = {{1.0 / 64, 2},   {2.0 / 64, 3},   {4.0 / 64, 5},
+                                         {8.0 / 64, 9.5}, {16.0 / 64, 18}, {32.0 / 64, 25.2}};
+  ASSERT_EQ(smooth.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    EXPECT_NEAR(smooth[i].Wn, expected[i].Wn, 1e-15) << i;
+    EXPECT_NEAR(smooth[i].Val, expected[i].Val, 1e-12) << i;
+  }
+}
+
+TEST(PsdSmooth, LowEndFollowsTheRawPointsWhileTheirStepIsCoarser) {
+  // R = 2^(1/12) ≈ 1.0595: k/(k−1) > R for k ≤ 17, so the first 17 points are the raw ones; the 18th is
+  // R times the 17th.
+  const std::vector<PsdPair> smooth = SmoothPsdValues(Ramp(256), 256, 1.0, 12);
+  ASSERT_GT(smooth.size(), 18u);
+  for (int k = 1; k <= 17; ++k) {
+    EXPECT_NEAR(smooth[static_cast<std::size_t>(k - 1)].Wn, k / 256.0, 1e-15) << k;
+    EXPECT_NEAR(smooth[static_cast<std::size_t>(k - 1)].Val, k + 1.0, 1e-12) << k;
+  }
+  EXPECT_NEAR(smooth[17].Wn, std::pow(2.0, 1.0 / 12) * 17 / 256, 1e-15);
+  EXPECT_LE(smooth.back().Wn, 0.5);
+}
+
+TEST_F(PsdTest, SmoothRunsTheRawSpectrumFirst) {
+  const std::vector<double> x = Wavy(300);
+  std::int32_t count = 0;
+  std::vector<PsdPair> pairs;
+  ASSERT_TRUE(PsdSmooth(300, Array1<double>(x), 0.1, kWindowHanning, true, 12, count, pairs));
+  EXPECT_EQ(count, static_cast<std::int32_t>(pairs.size()));
+  const Array1<double> raw = Psd(x, 0.1, kWindowHanning, true);
+  ASSERT_FALSE(pairs.empty());
+  EXPECT_NEAR(pairs[0].Wn, 1 / (512 * 0.1), 1e-15);
+  EXPECT_EQ(pairs[0].Val, raw[2]);
+}
+
+TEST_F(PsdTest, RatioOfTwoSpectraByHand) {
+  // countA = 4 at 0.5 m: Wn = k/2 up to 1/(2·0.5) = 1: rows k = 1 and 2.
+  std::int32_t count = 0;
+  std::vector<PsdPair> pairs;
+  ASSERT_TRUE(PsdRatioRaw(4, Array1<double>({9, 4, 1, 16}), 4, Array1<double>({1, 16, 9, 4}), 0.5, count, pairs));
+  ASSERT_EQ(count, 2);
+  EXPECT_DOUBLE_EQ(pairs[0].Wn, 0.5);
+  EXPECT_DOUBLE_EQ(pairs[0].Val, 2.0);  // sqrt(16/4)
+  EXPECT_DOUBLE_EQ(pairs[1].Wn, 1.0);
+  EXPECT_DOUBLE_EQ(pairs[1].Val, 3.0);  // sqrt(9/1)
+
+  ASSERT_TRUE(PsdRatioRaw(4, Array1<double>({1, 1, 1, 1}), 8, Array1<double>(std::vector<double>(8, 1.0)), 0.5,
+                          count, pairs));
+  EXPECT_EQ(count, 0);
+  EXPECT_TRUE(pairs.empty());
+  ASSERT_TRUE(PsdRatioRaw(1, Array1<double>({1}), 1, Array1<double>({1}), 0.5, count, pairs));
+  EXPECT_EQ(count, -1);
+  EXPECT_TRUE(pairs.empty());
+
+  EXPECT_FALSE(PsdRatioRaw(4, Array1<double>({1, 0, 1, 1}), 4, Array1<double>({1, 1, 1, 1}), 0.5, count, pairs));
+  EXPECT_EQ(ui_.Messages().size(), 1u);
+}
+
+TEST_F(PsdTest, DebugTablesUnderTheSwitch) {
+  Paths().DebugSwitch = true;
+  std::int32_t count = 0;
+  std::vector<PsdPair> pairs;
+  ASSERT_TRUE(PsdSmooth(100, Array1<double>(Wavy(100)), 0.1, kWindowHanning, true, 3, count, pairs));
+  const auto psd = ReadSystemTextLines(dir_.path() / "Debug" / "PSD.csv");
+  ASSERT_EQ(psd.size(), 129u);
+  EXPECT_EQ(psd[0], "No, Profile, 窓関数, Profile*窓関数, ABS(FFT), PSD値, f(Hz)");
+  EXPECT_EQ(psd[1].substr(0, 2), "1,");
+  const auto smooth = ReadSystemTextLines(dir_.path() / "Debug" / "PSD平滑化.csv");
+  ASSERT_EQ(smooth.size(), 65u);  // h = 64 rows
+  EXPECT_EQ(smooth[0], "No, WN, PSD, WN比, WN比判定, 平滑化WN(X軸), B-Start, 自至内最小行, 平滑化PSD(Y軸)");
+  EXPECT_EQ(smooth[64].substr(smooth[64].size() - 3), ",,,");  // behind the smoothed rows
+}
+
+ProfileRecord MakeRecord(const std::string& name, const std::vector<double>& x, double dx) {
+  ProfileRecord record;
+  record.FileName = name;
+  record.Erd.StepSize = dx;
+  record.WorkCount = static_cast<std::int32_t>(x.size());
+  record.WorkProfile = Array1<double>(x);
+  return record;
+}
+
+int ProgressStarts(const ScriptedUi& ui) {
+  int count = 0;
+  for (const auto& entry : ui.Log)
+    if (entry.Kind == "progress-start" && entry.Title == "パワースペクトル計算") ++count;
+  return count;
+}
+
+TEST_F(PsdTest, TabComputesStoredSpectraOnceAndDrawsCurves) {
+  std::vector<ProfileRecord> profiles = {MakeRecord("a", Wavy(100), 0.1), MakeRecord("b", Wavy(90), 0.1),
+                                         MakeRecord("c", Wavy(300), 0.1)};
+  PsdTabOptions options;
+  std::vector<PsdCurve> curves;
+  const std::vector<std::size_t> selected = {0, 2};
+  ASSERT_TRUE(Redraw_PSD(profiles, selected, options, curves));
+  ASSERT_EQ(curves.size(), 2u);
+  EXPECT_EQ(curves[1].Profile, 2u);
+  ASSERT_EQ(curves[1].Points.size(), 512u);
+  EXPECT_DOUBLE_EQ(curves[1].Points[3].Wn, 3 / (512 * 0.1));
+  EXPECT_EQ(curves[1].Points[3].Val, profiles[2].Analysis.Psd.PsdValues[4]);
+  EXPECT_TRUE(profiles[1].Analysis.Psd.Calculated);  // every registered profile gets its spectrum
+  EXPECT_EQ(ProgressStarts(ui_), 1);
+
+  options.Smooth = true;
+  ASSERT_TRUE(Redraw_PSD(profiles, selected, options, curves));
+  EXPECT_EQ(ProgressStarts(ui_), 1);  // same window and fill: nothing recomputed
+  EXPECT_EQ(curves[0].Points.size(), SmoothPsdValues(profiles[0].Analysis.Psd.PsdValues, 100, 0.1, 12).size());
+
+  options.WindowKind = kWindowHamming;
+  ASSERT_TRUE(Redraw_PSD(profiles, selected, options, curves));
+  EXPECT_EQ(ProgressStarts(ui_), 2);
+  EXPECT_EQ(profiles[0].Analysis.Psd.WindowKind, kWindowHamming);
+}
+
+TEST_F(PsdTest, TabRatioAgainstTheFirstSelectedProfile) {
+  std::vector<double> doubled = Wavy(100);
+  for (double& v : doubled) v *= 2;
+  std::vector<ProfileRecord> profiles = {MakeRecord("a", Wavy(100), 0.1), MakeRecord("b", doubled, 0.1),
+                                         MakeRecord("c", Wavy(300), 0.1)};
+  PsdTabOptions options;
+  options.Ratio = true;
+  std::vector<PsdCurve> curves;
+  ASSERT_TRUE(Redraw_PSD(profiles, std::vector<std::size_t>{0, 1, 2}, options, curves));
+  ASSERT_EQ(curves.size(), 2u);
+  // Twice the profile is four times the power: a gain of 2 at every wave number up to 1/(2·0.1).
+  ASSERT_EQ(curves[0].Points.size(), 64u);
+  for (const PsdPair& p : curves[0].Points) EXPECT_NEAR(p.Val, 2.0, 1e-9);
+  EXPECT_TRUE(curves[1].Points.empty());  // 512 points against 128: no rows
+
+  options.Smooth = true;
+  ASSERT_TRUE(Redraw_PSD(profiles, std::vector<std::size_t>{0, 1}, options, curves));
+  ASSERT_EQ(curves.size(), 1u);
+  ASSERT_FALSE(curves[0].Points.empty());
+  for (const PsdPair& p : curves[0].Points) EXPECT_NEAR(p.Val, 2.0, 1e-9);
+}
+
+TEST_F(PsdTest, TabRefusesBandsPerOctaveBelowOne) {
+  std::vector<ProfileRecord> profiles = {MakeRecord("a", Wavy(100), 0.1)};
+  PsdTabOptions options;
+  options.BandsPerOctave = 0;
+  std::vector<PsdCurve> curves;
+  EXPECT_FALSE(Redraw_PSD(profiles, std::vector<std::size_t>{0}, options, curves));
+  ASSERT_EQ(ui_.Messages().size(), 1u);
+  EXPECT_EQ(ui_.Messages()[0].Text, "BandsPerOctave値はゼロより大きく指定してください。");
+  EXPECT_EQ(ui_.Messages()[0].Title, "警告");
+  EXPECT_FALSE(profiles[0].Analysis.Psd.Calculated);
+}
+
+}  // namespace
+}  // namespace velmora
