@@ -1,0 +1,200 @@
+#include "analysis/iri.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "analysis/debug_table.h"
+#include "analysis/iri_window.h"
+#include "analysis/quarter_car.h"
+#include "app/common.h"
+#include "app/legacy_error.h"
+#include "app/legacy_format.h"
+#include "app/legacy_math.h"
+
+namespace velmora {
+namespace {
+
+// The value as the settings text box would show it (15 significant digits) and read back: what
+// reads as 0 there counts as "not given".
+bool ReadsAsZero(double value) {
+  const auto parsed = ParseNumber(fmt::format("{:.15G}", value));
+  return parsed && *parsed == 0.0;
+}
+
+int PowerOf(const IriParams& params) { return params.PowerWeighting != 0 ? 2 : 1; }
+
+double PitchOf(const AnalysisBlock& block) { return 1.0 / block.SamplesPerMetre; }
+
+// The response of elevations `work` (1..n used) with the parameters of `params`; returns N'.
+std::int32_t ResponseOf(std::vector<double>& work, std::int32_t n, double dx, const IriParams& params) {
+  double init = params.InitFilter, k1 = params.KtMs, k2 = params.KsMs, c = params.CsMs, mu = params.MuMs,
+         speed = params.Speed;
+  IriResponse(work, n, dx, kIriSlopeBaseLength, 1.0, init, k1, k2, c, mu, speed);
+  return n;
+}
+
+Array1<double> FirstElements(const std::vector<double>& values, std::int32_t count) {
+  Array1<double> out;
+  out.assign_zero(count);
+  const std::int32_t copied = std::min<std::int32_t>(count, static_cast<std::int32_t>(values.size()));
+  std::copy_n(values.begin(), std::max<std::int32_t>(copied, 0), out.begin());
+  return out;
+}
+
+void WriteSeriesTable(const std::string& fileName, const std::string& header, const Array1<double>& values) {
+  std::vector<std::string> lines{header};
+  lines.reserve(static_cast<std::size_t>(values.size()) + 1);
+  for (std::ptrdiff_t i = 1; i <= values.size(); ++i)
+    lines.push_back(std::to_string(i) + "," + FormatNumber(values[i], "0.000000000000000"));
+  WriteDebugTable(fileName, lines);
+}
+
+void WriteWindowTable(const std::string& lengthText, double dx, const Array1<double>& profile,
+                      const WaveSeries& window) {
+  std::vector<std::string> lines{"No, Dist, Profile, IRI(10m)"};
+  for (std::ptrdiff_t i = 1; i <= window.Values.size(); ++i)
+    lines.push_back(std::to_string(i) + "," + FormatNumber(static_cast<double>(i) * dx, "0.000") + "," +
+                    FormatNumber(profile.at(i), "0.000000000000000") + "," +
+                    FormatNumber(window.Values[i], "0.000000000000000"));
+  WriteDebugTable("IRI(" + lengthText + "m).csv", lines);
+}
+
+// Response and window series of one derived wave (a band or a sum) of n elevations. Its window starts
+// one sample longer than the profile's: a property of the program's numbers, kept as it is.
+void BandResponseAndWindow(std::vector<double> work, std::int32_t n, double dx, const IriParams& params,
+                           std::int32_t profileWindowEnd, std::int32_t windowCount, Array1<double>& response,
+                           WaveSeries& window) {
+  const std::int32_t responseCount = ResponseOf(work, n, dx, params);
+  response = FirstElements(work, responseCount);
+  const auto t = SlidingWindowIri(work, responseCount, profileWindowEnd + 1, PowerOf(params));
+  StoreWave(window, FirstElements(t, windowCount));
+}
+
+std::vector<double> CheckedWave(const Array1<double>& values, std::int32_t n, const char* what) {
+  if (values.size() < n)
+    throw LegacyError(ErrorNumber::InvalidData,
+                      std::string("IRI of the ") + what + ": the octave split of the profile is not calculated");
+  return std::vector<double>(values.begin(), values.begin() + n);
+}
+
+std::vector<double> RealParts(const Array1<Complex>& values, std::int32_t n, int octave) {
+  if (values.size() < n)
+    throw LegacyError(ErrorNumber::InvalidData, "IRI of octave " + std::to_string(octave) +
+                                                    ": the octave split of the profile is not calculated");
+  std::vector<double> out(static_cast<std::size_t>(n));
+  for (std::int32_t i = 1; i <= n; ++i) out[static_cast<std::size_t>(i - 1)] = values[i].Re;
+  return out;
+}
+
+}  // namespace
+
+std::int32_t IriBaseSamples(double baseLength, double dx) {
+  return std::max<std::int32_t>(RoundHalfAway(baseLength / dx), 1);
+}
+
+void IriResponse(std::span<double> y, std::int32_t& n, double dx, double baseLength, double scale,
+                 double& initDistance, double& k1, double& k2, double& c, double& mu, double& speed) {
+  if (ReadsAsZero(k1) || ReadsAsZero(k2) || ReadsAsZero(c) || ReadsAsZero(mu) || ReadsAsZero(speed)) {
+    k1 = kGoldenKtMs;
+    k2 = kGoldenKsMs;
+    c = kGoldenCsMs;
+    mu = kGoldenMuMs;
+    speed = kGoldenSpeed;
+  }
+  Matrix4 a, st;
+  Vector4 b, cVec, pr;
+  BuildQuarterCarMatrices(k1, k2, c, mu, a, b, cVec);
+  const double dt = dx / (speed / 3.6);
+  BuildTransitionMatrix(dt, a, b, st, pr);
+
+  const std::int32_t ibase = IriBaseSamples(baseLength, dx);
+  const double sfpi = scale / (ibase * dx);
+  const std::int32_t k = std::min(RoundHalfAway(initDistance / dx) + 1, n);
+  if (k < 1 || static_cast<std::size_t>(n) > y.size())
+    RaiseSubscriptOutOfRange("IRI response of " + std::to_string(n) + " samples");
+  auto Y = [&y](std::int32_t i) -> double& { return y[static_cast<std::size_t>(i - 1)]; };
+
+  // The divisor K·dx (not (K-1)·dx) is how the program has always started the model.
+  Vector4 x;
+  x(1) = (Y(k) - Y(1)) * scale / (k * dx);
+  x(3) = x(1);
+
+  n -= ibase;
+  // Moving average over the base length and slope in one step: element i spans samples i..i+IBASE.
+  for (std::int32_t i = 1; i <= n; ++i) Y(i) = (Y(i + ibase) - Y(i)) * sfpi;
+  SimulateQuarterCar(y, n, st, pr, cVec, x);
+}
+
+double IriOfArray(std::int32_t n, std::span<const double> y, double dx, const IriParams& params) {
+  // A shorter `y` than n is refused by IriResponse, which checks the size.
+  std::vector<double> work(y.begin(), y.begin() + std::clamp<std::ptrdiff_t>(n, 0, std::ssize(y)));
+  const std::int32_t responseCount = ResponseOf(work, n, dx, params);
+  return IriPowerMean(work, responseCount, PowerOf(params));
+}
+
+void CalcIriFilter(AnalysisBlock& block, const IriParams& params) {
+  IriResults& r = block.Iri;
+  if (r.IriFilterWave.Calculated) return;
+  const double dx = PitchOf(block);
+  std::vector<double> work = CheckedWave(block.Profile.Values, block.Count, "profile");
+  const std::int32_t count = std::max(ResponseOf(work, block.Count, dx, params), 0);
+  StoreWave(r.IriFilterWave, FirstElements(work, count));
+  r.IriFilterCount = count;
+  if (DebugTablesOn()) WriteSeriesTable("IRI_Filter.csv", "No, IRI Filter(10m)", r.IriFilterWave.Values);
+}
+
+void CalcIriProfile(AnalysisBlock& block, const IriParams& params, bool withBands) {
+  IriResults& r = block.Iri;
+  const double dx = PitchOf(block);
+  const int power = PowerOf(params);
+  const double length = params.IriBaseLength;
+  const std::int32_t n = block.Count;
+
+  std::vector<double> work = CheckedWave(block.Profile.Values, n, "profile");
+  const std::int32_t responseCount = ResponseOf(work, n, dx, params);
+  r.IriResponseCount = responseCount;
+  r.IriResponseWave = FirstElements(work, std::max(responseCount, 0));
+  r.IriWholeProfile = IriPowerMean(work, responseCount, power);
+
+  const std::int32_t windowEnd = IntLong((dx / 2 + length) / dx) + 1;
+  r.IriWindowCount = std::max(CLng(responseCount - Int(length / dx + 0.1)), 0);
+  StoreWave(r.IriWindowWave, FirstElements(SlidingWindowIri(work, responseCount, windowEnd, power),
+                                           r.IriWindowCount));
+
+  if (DebugTablesOn()) {
+    const std::string lengthText = FormatNumber(length, "0.00");
+    WriteSeriesTable("IRI_GETPI(" + lengthText + "m).csv", "No, IRI_GETPI(*)", r.IriResponseWave);
+    WriteWindowTable(lengthText, dx, block.Profile.Values, r.IriWindowWave);
+  }
+  if (!withBands) return;
+
+  const OctaveBandSet& octave = block.Octave;
+  for (int k = 1; k <= 9; ++k)
+    BandResponseAndWindow(RealParts(octave.Band[static_cast<std::size_t>(k)].Values, n, k), n, dx, params,
+                          windowEnd, r.IriWindowCount, r.IriResponseBand[static_cast<std::size_t>(k)],
+                          r.IriWindowBand[static_cast<std::size_t>(k)]);
+
+  Array1<double> rss;
+  rss.assign_zero(r.IriWindowCount);
+  for (std::int32_t i = 1; i <= r.IriWindowCount; ++i) {
+    double squares = 0;
+    for (int k = 1; k <= 9; ++k) {
+      const double v = r.IriWindowBand[static_cast<std::size_t>(k)].Values[i];
+      squares += v * v;
+    }
+    rss[i] = std::sqrt(squares);
+  }
+  StoreWave(r.IriWindowRss, std::move(rss));
+
+  BandResponseAndWindow(CheckedWave(octave.LongSum.Values, n, "long-wave sum"), n, dx, params, windowEnd,
+                        r.IriWindowCount, r.IriResponseLong, r.IriWindowLong);
+  BandResponseAndWindow(CheckedWave(octave.ShortSum.Values, n, "short-wave sum"), n, dx, params, windowEnd,
+                        r.IriWindowCount, r.IriResponseShort,
+                        r.IriWindowShort);
+}
+
+}  // namespace velmora

@@ -1,0 +1,275 @@
+#include "analysis/iri_sections.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include <fmt/format.h>
+
+#include "analysis/debug_table.h"
+#include "analysis/iri.h"
+#include "app/common.h"
+#include "app/error_log.h"
+#include "app/legacy_error.h"
+#include "app/legacy_format.h"
+#include "app/legacy_math.h"
+#include "app/user_interaction.h"
+
+namespace velmora {
+namespace {
+
+constexpr double kKpTolerance = 1e-9;  // km
+
+// The section grid's rounding up, Int(x + 0.99999): noise of a division just above a whole number
+// stays on it.
+double Kiriage(double value) { return Int(value + 0.99999); }
+
+// A number as the program writes it into a message: up to 15 significant digits, no trailing zeros.
+std::string NumberText(double value) { return fmt::format("{:.15G}", value); }
+
+void Warn(const std::string& text) { Ui().Inform(text, "警告"); }
+
+// Mean |response(i)| over i = first..last, counting elements past the response's end as 0: the
+// response is shorter than the points by the slope base, and those samples add nothing.
+double AbsoluteSum(std::span<const double> response, std::int32_t responseCount, std::int32_t first,
+                   std::int32_t last) {
+  const std::int32_t end = std::min({last, responseCount, static_cast<std::int32_t>(response.size())});
+  double sum = 0;
+  for (std::int32_t i = std::max(first, 1); i <= end; ++i) sum += std::fabs(response[static_cast<std::size_t>(i - 1)]);
+  return sum;
+}
+
+bool Reaches(double kp, double boundaryKp, bool backwards) {
+  return backwards ? kp <= boundaryKp + kKpTolerance : kp >= boundaryKp - kKpTolerance;
+}
+
+// Merges the 10 m entries into units that close at `members` entries spanning exactly unitKm; the first
+// unit runs up to the entry reaching `boundaryKp`. A unit stands at the slot of its last member.
+void MergeSections(const Array1<SectionEntry>& sec10, double boundaryKp, int members, double unitKm,
+                   bool backwards, bool skipPartialSections, Array1<SectionEntry>& units) {
+  units.assign_zero(sec10.size());
+  for (auto& unit : units) unit.Iri = kNoValue;
+  bool firstUnit = true;
+  double sum = 0;
+  std::int32_t count = 0, memberCount = 0, lastSlot = 0;
+  SectionEntry open;
+  auto close = [&](std::int32_t slot, std::int16_t partial, bool keepValue) {
+    open.Count = count;
+    open.Iri = keepValue ? sum / count : kNoValue;
+    open.Partial = partial;
+    units[slot] = open;
+    sum = 0;
+    count = memberCount = 0;
+    firstUnit = false;
+  };
+  for (std::ptrdiff_t j = 1; j <= sec10.size(); ++j) {
+    const SectionEntry& member = sec10[j];
+    if (member.Count == 0) continue;  // a slot left free by a skipped short section
+    if (memberCount == 0) {
+      open = SectionEntry{};
+      open.KpFrom = member.KpFrom;
+      open.Index = member.Index;
+    }
+    sum += std::fabs(member.Iri) * member.Count;
+    count += member.Count;
+    ++memberCount;
+    open.KpTo = member.KpTo;
+    lastSlot = static_cast<std::int32_t>(j);
+    if (firstUnit) {
+      if (Reaches(member.KpTo, boundaryKp, backwards)) close(lastSlot, -1, !skipPartialSections);
+    } else if (memberCount == members &&
+               std::fabs(std::fabs(member.KpTo - open.KpFrom) - unitKm) < kKpTolerance) {
+      close(lastSlot, 0, true);
+    }
+  }
+  // What is left is the short last unit, or a first unit that never reached its border.
+  if (memberCount > 0 && (firstUnit || !skipPartialSections)) close(lastSlot, -1, !skipPartialSections);
+}
+
+std::string IriCell(const SectionEntry& entry) {
+  return IsNoValue(entry.Iri) ? std::string() : FormatNumber(entry.Iri, "0.00000000");
+}
+
+std::string EntryHead(std::ptrdiff_t number, const SectionEntry& entry) {
+  return std::to_string(number) + "," + FormatNumber(entry.KpFrom, "0.00000") + "," +
+         FormatNumber(entry.KpTo, "0.00000") + "," + std::to_string(entry.Index) + "," +
+         std::to_string(entry.Count);
+}
+
+// The units of one merged table, numbered in order.
+void AppendUnitTable(const Array1<SectionEntry>& units, std::vector<std::string>& lines) {
+  std::ptrdiff_t number = 0;
+  for (const SectionEntry& unit : units)
+    if (!IsNoValue(unit.Iri)) lines.push_back(EntryHead(++number, unit) + "," + IriCell(unit));
+}
+
+}  // namespace
+
+bool CheckIriLength(std::string_view text, std::span<ProfileRecord* const> list, double& value) {
+  double largestPitch = 0, lastPitch = 0;
+  std::int32_t smallestUsable = std::numeric_limits<std::int32_t>::max();
+  for (const ProfileRecord* profile : list) {
+    const double pitch = 1.0 / profile->Analysis.SamplesPerMetre;
+    const std::int32_t usable = profile->Analysis.Count - IriBaseSamples(kIriSlopeBaseLength, pitch);
+    largestPitch = std::max(largestPitch, pitch);
+    smallestUsable = std::min(smallestUsable, usable);
+    lastPitch = pitch;
+  }
+  const std::string trimmed = Trim(text);
+  if (trimmed.empty()) {
+    Warn("IRIの評価値が指定されていません。");
+    return false;
+  }
+  const auto parsed = ParseNumber(trimmed);
+  if (!IsNumeric(trimmed) || !parsed) {
+    Warn("IRIの評価値は数値で指定して下さい。");
+    return false;
+  }
+  if (*parsed < largestPitch) {
+    Warn(NumberText(largestPitch) + " 以上で指定して下さい。");
+    return false;
+  }
+  // The shortest profile's count times the last profile's pitch: only differs with mixed pitches.
+  const double limit = (static_cast<double>(smallestUsable) - 1) * lastPitch;
+  if (!list.empty() && *parsed > limit) {
+    Warn(NumberText(limit) + " 以下で指定して下さい。");
+    return false;
+  }
+  value = *parsed;
+  return true;
+}
+
+bool RunIri(std::span<ProfileRecord* const> list, std::span<ProfileRecord* const> selected,
+            const IriRunRequest& request, double& lastLength) {
+  double length = 0;
+  if (!CheckIriLength(request.LengthText, list, length)) return false;
+  return Guarded("basIRI", "RunIri", [&] {
+    Ui().ProgressStart("ＩＲＩ計算", "しばらくお待ちください。");
+    struct ProgressEnd {
+      ~ProgressEnd() { Ui().ProgressExit(); }
+    } progressEnd;
+    IriParams params = request.Params;
+    params.IriBaseLength = length;
+    for (std::size_t i = 0; i < selected.size(); ++i) {
+      ProfileRecord& profile = *selected[i];
+      AnalysisBlock& block = profile.Analysis;
+      if (length != lastLength || !block.Iri.IriWindowWave.Calculated) CalcIriProfile(block, params, true);
+      // The sections are cheap and follow the short-section option, so they are always laid anew.
+      CalcFixedSections(profile.Erd.KpStart, 1.0 / block.SamplesPerMetre, profile.Erd.KpSign == 1, length,
+                        block.Count, block.Profile.Values.span(), block.Iri.IriResponseCount,
+                        block.Iri.IriResponseWave.span(), request.SkipPartialSections, block.Sections);
+      if (DebugTablesOn()) WriteDebugTable("IRI_Sections.csv", SectionTableLines(block.Sections));
+      Ui().ProgressValue(static_cast<int>(100 * (i + 1) / selected.size()));
+    }
+    lastLength = length;
+  });
+}
+
+void NextSectionBoundary(double kp, double dx, std::int32_t sectionLength, bool backwards, double& boundaryKp,
+                         std::int32_t& count) {
+  if (IsNoValue(kp)) kp = 0;
+  const double m = kp * 1000;
+  const double p = Kiriage(Kiriage(m / dx)) * dx;
+  const double g = sectionLength == 10 ? 10.0 : 100.0;
+  const double q = Int(m / g);
+  double t;
+  if (std::fabs(q * g - m) < 1e-9)
+    t = Int(m);
+  else
+    t = backwards ? q * g : (q + 1) * g;
+  if (sectionLength == 200) {
+    std::int32_t c = CLng(t / 100);
+    if (c % 2 != 0) c += backwards ? -1 : 1;
+    t = c * 100.0;
+  }
+  boundaryKp = t / 1000;
+  count = CLng(std::fabs(boundaryKp * 1000 - p) / dx + 1.0);
+}
+
+void CalcFixedSections(double kpStart, double dx, bool backwards, double evalLength, std::int32_t pointCount,
+                       std::span<const double> values, std::int32_t responseCount,
+                       std::span<const double> response, bool skipPartialSections, SectionIri& result) {
+  const double sign = backwards ? -1.0 : 1.0;
+  const double kmPerSample = dx / 1000 * sign;
+  result = SectionIri{};
+  const double kp0 = IsNoValue(kpStart) ? 0.0 : kpStart;
+  if (static_cast<std::ptrdiff_t>(values.size()) < pointCount)
+    RaiseSubscriptOutOfRange("IRI sections: " + std::to_string(pointCount) + " points, " +
+                             std::to_string(values.size()) + " values");
+  const std::int32_t perSection = IntLong(evalLength / dx + 0.5);
+  if (perSection < 1)
+    throw LegacyError(ErrorNumber::InvalidData, "IRI sections of " + NumberText(evalLength) +
+                                                    " m at a pitch of " + NumberText(dx) + " m hold no sample");
+
+  result.KpStart = kp0;
+  result.KpStep = dx * sign;
+  result.PointCount = pointCount;
+  result.Points.assign_zero(pointCount);
+  double running = kp0;
+  for (std::int32_t i = 1; i <= pointCount; ++i) {
+    SectionPoint& point = result.Points[i];
+    point.Kp = running;
+    point.KpNext = running + kmPerSample;
+    point.Value = values[static_cast<std::size_t>(i - 1)];
+    running = point.KpNext;
+  }
+
+  double b10 = 0, b100 = 0, b200 = 0;
+  std::int32_t c10 = 0, c100 = 0, c200 = 0;
+  NextSectionBoundary(kp0, dx, 10, backwards, b10, c10);
+  NextSectionBoundary(kp0, dx, 100, backwards, b100, c100);
+  NextSectionBoundary(kp0, dx, 200, backwards, b200, c200);
+
+  // Full sections start at c10, c10 + W, ... while the start lies on the profile; the last such start
+  // begins the short tail, so the sample on each border is counted on both sides of it.
+  std::int32_t fullSections = 0, lastStart = c10, tailCount = 0;
+  if (c10 <= pointCount) {
+    fullSections = (pointCount - c10) / perSection;
+    lastStart = c10 + fullSections * perSection;
+    if (!skipPartialSections && lastStart < pointCount) tailCount = pointCount - lastStart + 1;
+  } else {
+    c10 = pointCount;  // a profile that ends before the first border is one short section
+  }
+  result.SectionCount = 1 + fullSections + (tailCount > 0 ? 1 : 0);
+  result.Sec10.assign_zero(result.SectionCount);
+  for (auto& entry : result.Sec10) entry.Iri = kNoValue;
+
+  std::int32_t slot = 1;
+  SectionEntry first{c10, kp0, kp0 + kmPerSample * c10, AbsoluteSum(response, responseCount, 1, c10) / c10, 1, -1};
+  if (!skipPartialSections) result.Sec10[slot++] = first;
+  double kpEnd = first.KpTo;
+  for (std::int32_t k = 0; k < fullSections; ++k) {
+    const std::int32_t start = c10 + k * perSection;
+    const double sum = AbsoluteSum(response, responseCount, start, start + perSection - 1);
+    result.Sec10[slot++] = {perSection, kpEnd, kpEnd + kmPerSample * perSection, sum / perSection, start, 0};
+    kpEnd = result.Sec10[slot - 1].KpTo;
+  }
+  if (tailCount > 0) {
+    // Summed up to the end of the response but divided by the samples of the points: low by design.
+    const double sum = AbsoluteSum(response, responseCount, lastStart, responseCount);
+    result.Sec10[slot] = {tailCount, kpEnd, kpEnd + kmPerSample * tailCount, sum / tailCount, lastStart, -1};
+  }
+
+  MergeSections(result.Sec10, b100, 10, 0.1, backwards, skipPartialSections, result.Sec100);
+  MergeSections(result.Sec10, b200, 20, 0.2, backwards, skipPartialSections, result.Sec200);
+}
+
+std::vector<std::string> SectionTableLines(const SectionIri& sections) {
+  std::vector<std::string> lines{"<< 10m固定（合計）>>",
+                                 "No,KP(自),KP(至),Index,データ件数,IRI(10m固定),IRI(100m固定),IRI(200m固定)"};
+  for (std::ptrdiff_t j = 1; j <= sections.Sec10.size(); ++j) {
+    const SectionEntry& entry = sections.Sec10[j];
+    lines.push_back(EntryHead(j, entry) + "," + IriCell(entry) + "," + IriCell(sections.Sec100.at(j)) + "," +
+                    IriCell(sections.Sec200.at(j)));
+  }
+  lines.push_back("<< 100m固定（合計）>>");
+  lines.push_back("No,KP(自),KP(至),Index,データ件数,IRI(100m固定)");
+  AppendUnitTable(sections.Sec100, lines);
+  lines.push_back("<< 200m固定 >>");
+  lines.push_back("No,KP(自),KP(至),Index,データ件数,IRI(200m固定)");
+  AppendUnitTable(sections.Sec200, lines);
+  return lines;
+}
+
+}  // namespace velmora

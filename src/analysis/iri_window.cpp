@@ -1,0 +1,98 @@
+#include "analysis/iri_window.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "app/legacy_error.h"
+
+namespace velmora {
+namespace {
+
+// |v|^p by the general power operation, as every IRI figure of the program takes it.
+double PowerTerm(double v, int power) { return std::pow(std::fabs(v), static_cast<double>(power)); }
+
+double Root(double meanOfPowers, int power) {
+  return std::pow(meanOfPowers, 1.0 / static_cast<double>(power));
+}
+
+// Sum of the terms e - width + 1 .. e (1-based), ascending from 0: the window's sum as it would be
+// taken from scratch.
+double WindowSum(const std::vector<double>& terms, std::int32_t e, std::int32_t width) {
+  double sum = 0;
+  for (std::int32_t j = e - width + 1; j <= e; ++j) sum += terms[static_cast<std::size_t>(j - 1)];
+  return sum;
+}
+
+// A running sum kept as an unevaluated pair hi + lo: each addition's rounding error is caught exactly
+// (two-sum) and gathered in lo, so adding and removing a million terms does not drift.
+class RunningSum {
+ public:
+  void Reset(double value) {
+    hi_ = value;
+    lo_ = 0;
+  }
+  void Add(double x) {
+    const double t = hi_ + x;
+    const double z = t - hi_;
+    lo_ += (hi_ - (t - z)) + (x - z);
+    hi_ = t;
+  }
+  double Value() const { return hi_ + lo_; }
+
+ private:
+  double hi_ = 0;
+  double lo_ = 0;
+};
+
+}  // namespace
+
+double IriPowerMean(std::span<const double> r, std::int32_t count, int power) {
+  if (count <= 0) RaiseDivisionByZero("IRI of a response with " + std::to_string(count) + " elements");
+  double sum = 0;
+  for (std::int32_t i = 1; i <= count; ++i) sum += PowerTerm(r[static_cast<std::size_t>(i - 1)], power);
+  return Root(sum / count, power);
+}
+
+std::vector<double> SlidingWindowIri(std::span<const double> r, std::int32_t count,
+                                     std::int32_t firstEnd, int power) {
+  const std::int32_t needed = std::max(count, firstEnd);
+  if (firstEnd < 1 || static_cast<std::size_t>(needed) > r.size())
+    RaiseSubscriptOutOfRange("IRI window of " + std::to_string(firstEnd) + " samples over a series of " +
+                             std::to_string(r.size()));
+  const std::int32_t windows = std::max<std::int32_t>(1, count - firstEnd + 1);
+  const std::int32_t width = firstEnd;
+
+  std::vector<double> terms(static_cast<std::size_t>(needed));
+  std::vector<std::int32_t> nonZeroUpTo(static_cast<std::size_t>(needed) + 1, 0);  // prefix counts
+  for (std::int32_t j = 1; j <= needed; ++j) {
+    terms[static_cast<std::size_t>(j - 1)] = PowerTerm(r[static_cast<std::size_t>(j - 1)], power);
+    nonZeroUpTo[static_cast<std::size_t>(j)] =
+        nonZeroUpTo[static_cast<std::size_t>(j - 1)] + (terms[static_cast<std::size_t>(j - 1)] != 0 ? 1 : 0);
+  }
+
+  // A fresh sum every so often bounds what the running sum can drift; spacing it by at least the
+  // window keeps the whole pass O(count).
+  const std::int32_t refreshEvery = std::max<std::int32_t>(4096, width);
+  std::vector<double> out(static_cast<std::size_t>(windows));
+  RunningSum sum;
+  sum.Reset(WindowSum(terms, firstEnd, width));
+  for (std::int32_t i = 1; i <= windows; ++i) {
+    const std::int32_t e = firstEnd + i - 1;
+    if (i > 1) {
+      if ((i - 1) % refreshEvery == 0) {
+        sum.Reset(WindowSum(terms, e, width));
+      } else {
+        sum.Add(terms[static_cast<std::size_t>(e - 1)]);
+        sum.Add(-terms[static_cast<std::size_t>(e - width - 1)]);
+      }
+    }
+    // A window of zeros is exactly zero however its sum was reached.
+    const bool allZero = nonZeroUpTo[static_cast<std::size_t>(e)] == nonZeroUpTo[static_cast<std::size_t>(e - width)];
+    const double windowSum = allZero ? 0.0 : std::max(0.0, sum.Value());
+    out[static_cast<std::size_t>(i - 1)] = Root(windowSum / width, power);
+  }
+  return out;
+}
+
+}  // namespace velmora
