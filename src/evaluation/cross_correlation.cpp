@@ -14,11 +14,10 @@
 #include "app/legacy_error.h"
 #include "app/legacy_format.h"
 #include "app/legacy_math.h"
-#include "app/macros.h"
-#include "app/settings_io.h"
 #include "app/text_encoding.h"
 #include "app/user_interaction.h"
 #include "evaluation/correlation_tables.h"
+#include "evaluation/csv_folder.h"
 #include "evaluation/profile_extent.h"
 #include "profile/erd_file.h"
 
@@ -232,33 +231,14 @@ bool SaveCrossCorrelation(const ProfileList& list, std::span<const std::int32_t>
       toWrite = &unfiltered;
     }
 
-    FileDialogRequest request;
-    request.Title = "CSVファイル保存";
-    request.Filter = "データファイル (*.Dummy)|*.Dummy|";
-    request.InitialDirectory = GetPrevValue("CSVファイル保存", "CommonDialogPath");
-    request.DefaultName = "フォルダ名の取得に使用され、ファイル名は無視されます";
-    const std::string chosen = Ui().ChooseFolder(request);
-    if (chosen.empty()) return;
-    // Only the folder of the answer counts, whether a folder or a (dummy) file was picked.
-    const std::filesystem::path folder =
-        std::filesystem::is_directory(chosen) ? std::filesystem::path(chosen) : std::filesystem::path(chosen).parent_path();
-    SetPrevValue("CSVファイル保存", "CommonDialogPath", folder.string());
-
+    const std::filesystem::path folder = AskCsvFolder();
+    if (folder.empty()) return;
     const std::tm now = LocalNow();
-    for (std::size_t t = 0; t < kMeasureCaptions.size(); ++t) {
-      const std::string caption = kMeasureCaptions[t];
-      std::string name;
-      if (Trim(namePattern).empty()) {
-        name = "CC_" + caption + "_" + FormatDateTime(now, "YYYYMMDDHHNNSS");
-      } else {
-        name = uExpandDate(namePattern, now);
-        name = uReplaceMacro(name, "$(PROFILENAME)$", toWrite->Selection.Names.empty() ? "" : toWrite->Selection.Names[0]);
-        name = uReplaceMacro(name, "$(出力種別)$", caption);
-      }
-      WriteSystemTextFile(folder / (name + ".CSV"), CorrelationCsvLines(*toWrite, static_cast<std::int32_t>(t)));
-    }
-    Ui().Message(std::string("CSV形式で以下のフォルダに保存しました。") + kCrLf + kCrLf + "保存先：" + folder.string(),
-                 "データ保存", MsgIcon::Information, MsgButtons::Ok, MsgAnswer::Ok);
+    const std::string first = toWrite->Selection.Names.empty() ? "" : toWrite->Selection.Names[0];
+    for (std::size_t t = 0; t < kMeasureCaptions.size(); ++t)
+      WriteSystemTextFile(folder / CsvFileName(namePattern, "CC", kMeasureCaptions[t], first, now),
+                          CorrelationCsvLines(*toWrite, static_cast<std::int32_t>(t)));
+    ShowCsvSaved(folder);
     saved = true;
   });
   return saved;

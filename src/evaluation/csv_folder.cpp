@@ -1,0 +1,43 @@
+#include "evaluation/csv_folder.h"
+
+#include "app/common.h"
+#include "app/legacy_format.h"
+#include "app/macros.h"
+#include "app/settings_io.h"
+#include "app/user_interaction.h"
+
+namespace velmora {
+
+std::filesystem::path AskCsvFolder() {
+  FileDialogRequest request;
+  request.Title = "CSVファイル保存";
+  request.Filter = "データファイル (*.Dummy)|*.Dummy|";
+  request.InitialDirectory = GetPrevValue("CSVファイル保存", "CommonDialogPath");
+  request.DefaultName = "フォルダ名の取得に使用され、ファイル名は無視されます";
+  const std::string chosen = Ui().ChooseFolder(request);
+  if (chosen.empty()) return {};
+  const std::filesystem::path folder =
+      std::filesystem::is_directory(chosen) ? std::filesystem::path(chosen) : std::filesystem::path(chosen).parent_path();
+  SetPrevValue("CSVファイル保存", "CommonDialogPath", folder.string());
+  return folder;
+}
+
+std::string CsvFileName(std::string_view pattern, std::string_view prefix, std::string_view kind,
+                        std::string_view profileName, const std::tm& now) {
+  std::string name;
+  if (Trim(pattern).empty()) {
+    name = std::string(prefix) + "_" + std::string(kind) + "_" + FormatDateTime(now, "YYYYMMDDHHNNSS");
+  } else {
+    name = uExpandDate(pattern, now);
+    name = uReplaceMacro(name, "$(PROFILENAME)$", profileName);
+    name = uReplaceMacro(name, "$(出力種別)$", kind);
+  }
+  return name + ".CSV";
+}
+
+void ShowCsvSaved(const std::filesystem::path& folder) {
+  Ui().Message("CSV形式で以下のフォルダに保存しました。\r\n\r\n保存先：" + folder.string(), "データ保存",
+               MsgIcon::Information, MsgButtons::Ok, MsgAnswer::Ok);
+}
+
+}  // namespace velmora

@@ -1,0 +1,230 @@
+#include "evaluation/statistics.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "app/app_paths.h"
+#include "app/text_encoding.h"
+#include "support/test_support.h"
+
+namespace velmora {
+namespace {
+
+using testing::ScriptedUi;
+using testing::TempDir;
+using Row = std::vector<std::string>;
+
+ProfileRecord Ramp(const std::string& name, int n, double kp, int kpSign = 0, double scale = 1.0) {
+  ProfileRecord p;
+  p.FileName = name + ".erd";
+  p.Erd.StepSize = 0.25;
+  p.Erd.KpStart = kp;
+  p.Erd.KpSign = kpSign;
+  p.WorkCount = n;
+  p.WorkProfile.assign_zero(n);
+  for (int i = 1; i <= n; ++i) p.WorkProfile[i] = scale * (i + 0.3 * std::sin(1.7 * i));
+  p.SamplesPerMetre = 4.0;
+  return p;
+}
+
+// Ramp values without the ripple, for block means by hand.
+ProfileRecord PlainRamp(const std::string& name, int n, double kp, int kpSign = 0) {
+  ProfileRecord p = Ramp(name, n, kp, kpSign);
+  for (int i = 1; i <= n; ++i) p.WorkProfile[i] = i;
+  return p;
+}
+
+ProfileList ListOf(std::vector<ProfileRecord> profiles) {
+  ProfileList list;
+  list.Items.resize(static_cast<std::ptrdiff_t>(profiles.size()));
+  for (std::size_t k = 0; k < profiles.size(); ++k) list.Items[static_cast<std::ptrdiff_t>(k + 1)] = std::move(profiles[k]);
+  return list;
+}
+
+StatisticsSelection MeanOfFullWave() {
+  StatisticsSelection s;
+  s.ProfileBands[0] = true;
+  s.ProfileMeasures[0] = true;
+  return s;
+}
+
+struct Workplace {
+  TempDir dir;
+  AppPaths saved = Paths();
+  Workplace() {
+    Paths().UserLocalPath = dir.path().string();
+    Paths().TempPath = (dir / "Temp").string();
+    std::filesystem::create_directories(dir / "Temp");
+    std::filesystem::create_directories(dir / "Resource");
+  }
+  ~Workplace() { Paths() = saved; }
+};
+
+TEST(CheckStatisticsSelection, MessagesInOrderAndSidesTurnedOffQuietly) {
+  auto refused = [](std::int32_t count, StatisticsSelection s) {
+    ScriptedUi ui;
+    EXPECT_FALSE(CheckStatisticsSelection(count, s));
+    EXPECT_EQ(ui.Messages().at(0).Title, "警告");
+    return ui.OnlyMessageText();
+  };
+  StatisticsSelection s = MeanOfFullWave();
+  EXPECT_EQ(refused(0, s), "表示用プロファイルが選択されていません。");
+  s.ProfileBands[0] = false;
+  s.ProfileBandsHeader = true;
+  EXPECT_EQ(refused(1, s), "帯域(プロファイル)は１個以上選択してください。");
+  s.ProfileBands[5] = true;
+  s.ProfileMeasures[0] = false;
+  EXPECT_EQ(refused(1, s), "統計値(プロファイル)は１個以上選択してください。");
+  s.ProfileMeasures[4] = true;
+  s.IriBandsHeader = true;
+  EXPECT_EQ(refused(1, s), "帯域(IRI)は１個以上選択してください。");
+  SwitchGroup(s.IriBands, true);
+  EXPECT_EQ(refused(1, s), "統計値(IRI)は１個以上選択してください。");
+  s.IriMeasures[1] = true;
+  EXPECT_EQ(refused(1, s), "IRI算出基準長(IRI)は１個以上選択してください。");
+  s.IriLengths[3] = true;
+  ScriptedUi quiet;
+  EXPECT_TRUE(CheckStatisticsSelection(1, s));
+  EXPECT_TRUE(s.ProfileSide && s.IriSide);
+  // No band and the header off: that side is simply not wanted.
+  StatisticsSelection profileOnly = MeanOfFullWave();
+  EXPECT_TRUE(CheckStatisticsSelection(2, profileOnly));
+  EXPECT_FALSE(profileOnly.IriSide);
+  EXPECT_TRUE(quiet.Log.empty());
+  EXPECT_EQ(StatisticsSettingLines(profileOnly)[0], "プロファイル(帯域) = 全波長");
+  EXPECT_EQ(StatisticsSettingLines(s)[3], "ＩＲＩ(帯域) = 全波長 ,  長波長 ,  短波長 ,  1-OCT ,  2-OCT ,  3-OCT ,  4-OCT ,  "
+                                          "5-OCT ,  6-OCT ,  7-OCT ,  8-OCT ,  9-OCT");
+}
+
+TEST(StatisticsSortKey, LevelsFollowTheOrderingList) {
+  EXPECT_EQ(StatisticsSortKey({"プロファイル", "帯域", "統計値"}, 2, 3, 1), "002/a04_1-OCT/b02_標準偏差/");
+  EXPECT_EQ(StatisticsSortKey({"統計値", "帯域", "プロファイル"}, 2, 3, 1), "b02_標準偏差/a04_1-OCT/002/");
+  EXPECT_EQ(StatisticsSortKey({"IRI算出基準長", "プロファイル", "帯域", "統計値"}, 1, 0, 4, 2),
+            "d03_100m固定/001/a01_全波長/b05_最大小差/");
+  // The profile first: all of profile 1 before profile 2; the band first: 全波長 of both before 長波長.
+  EXPECT_LT(StatisticsSortKey({"プロファイル", "帯域"}, 1, 2, 0), StatisticsSortKey({"プロファイル", "帯域"}, 2, 0, 0));
+  EXPECT_LT(StatisticsSortKey({"帯域", "プロファイル"}, 2, 0, 0), StatisticsSortKey({"帯域", "プロファイル"}, 1, 1, 0));
+}
+
+TEST(BuildSectionGrid, FirstBordersAndCountsByHand) {
+  // From 12.3456 km: the next 10 m line is 12.350, so the grid starts one section earlier at 12.340;
+  // borders up to 12.580, the first at or past the end 12.5789: 24 sections.
+  SectionGridLine g10 = BuildSectionGrid(12.3456, 12.5789, 10, 0.25);
+  EXPECT_NEAR(g10.FirstKp, 12.34, 1e-12);
+  EXPECT_EQ(g10.SectionCount, 24);
+  SectionGridLine g100 = BuildSectionGrid(12.3456, 12.5789, 100, 0.25);
+  EXPECT_NEAR(g100.FirstKp, 12.3, 1e-12);
+  EXPECT_EQ(g100.SectionCount, 3);
+  // 200 m lines lie on even hundreds: 12.400 is next, so the grid starts at 12.200.
+  SectionGridLine g200 = BuildSectionGrid(12.3456, 12.5789, 200, 0.25);
+  EXPECT_NEAR(g200.FirstKp, 12.2, 1e-12);
+  EXPECT_EQ(g200.SectionCount, 2);
+  // A start on a 100 m line is itself the first border; on an odd hundred the 200 m grid starts
+  // 100 m before it. An end on a border opens one more section for its last sample.
+  EXPECT_NEAR(BuildSectionGrid(12.3, 12.4, 100, 0.25).FirstKp, 12.3, 1e-12);
+  EXPECT_EQ(BuildSectionGrid(12.3, 12.4, 100, 0.25).SectionCount, 2);
+  EXPECT_NEAR(BuildSectionGrid(12.3, 12.4, 200, 0.25).FirstKp, 12.2, 1e-12);
+}
+
+TEST(RunStatistics, TenMetreBlocksOnTheCommonGridUpAndDown) {
+  Workplace place;
+  ScriptedUi ui;
+  // B from 1.000 km and A from 1.005 km, both up; C falls from 1.09975 to 1.000 km. 400 samples of
+  // 0.25 m each; the common 10 m grid runs from 1.000 with 11 sections (the last border 1.110).
+  ProfileList list = ListOf({PlainRamp("A", 400, 1.005), PlainRamp("B", 400, 1.0), PlainRamp("C", 400, 1.09975, 1)});
+  const std::vector<std::int32_t> rows = {1, 2, 3};
+  StatisticsResults results;
+  ASSERT_TRUE(RunStatistics(list, rows, MeanOfFullWave(), {}, results));
+  EXPECT_EQ(results.Grid[0].SectionCount, 11);
+  const auto& whole = results.Pages[0].Rows;
+  EXPECT_EQ(results.Pages[0].Caption, "全区間(Prof)");
+  EXPECT_EQ(whole[0], (Row{"プロファイル", "A", "B", "C"}));
+  EXPECT_EQ(whole[1], (Row{"帯域", "全波長", "全波長", "全波長"}));
+  EXPECT_EQ(whole[2], (Row{"統計値", "平均 μ", "平均 μ", "平均 μ"}));
+  EXPECT_EQ(whole[3], (Row{"全区間", "200.50000000", "200.50000000", "200.50000000"}));
+
+  const auto& tens = results.Pages[1].Rows;
+  ASSERT_EQ(tens.size(), 4u + 11u);
+  EXPECT_EQ(tens[3], (Row{"KP", "", "", ""}));
+  // A: samples 1..20 lie before 1.010 (mean 10.5), then blocks of 40 (21..60: 40.5), the tail
+  // 381..400 (390.5) in the last section. B starts on a border: 1..40 (20.5) ... 361..400 (380.5).
+  // C runs down from 1.09975: 39 samples down to 1.090 (mean 20) in section 10, then 40..79 (59.5)
+  // in section 9, ..., 360..399 (379.5) in section 1; sample 400 lies on 1.000 and opens a block
+  // below the grid.
+  EXPECT_EQ(tens[4], (Row{"1.000", "10.50000000", "20.50000000", "379.50000000"}));
+  EXPECT_EQ(tens[5], (Row{"1.010", "40.50000000", "60.50000000", "339.50000000"}));
+  EXPECT_EQ(tens[13], (Row{"1.090", "360.50000000", "380.50000000", "20.00000000"}));
+  EXPECT_EQ(tens[14], (Row{"1.100", "390.50000000", "", ""}));
+}
+
+TEST(RunStatistics, IriPagesScaleWithTheProfileAndListTheFixedSections) {
+  Workplace place;
+  ScriptedUi ui;
+  ProfileList list = ListOf({Ramp("A", 2000, 0.0), Ramp("B", 2000, 0.0, 0, 2.0)});
+  const std::vector<std::int32_t> rows = {1, 2};
+  StatisticsSelection s;
+  s.IriBands[0] = true;
+  s.IriMeasures = {true, false, true, true, false};
+  s.IriLengths = {true, true, false, false};
+  StatisticsResults results;
+  ASSERT_TRUE(RunStatistics(list, rows, s, {}, results));
+  EXPECT_TRUE(results.Pages[0].Rows.empty());
+  const auto& whole = results.Pages[4].Rows;
+  ASSERT_EQ(whole.size(), 5u);
+  EXPECT_EQ(whole[1][1], "10m連続");
+  EXPECT_EQ(whole[1][4], "10m固定");
+  // Columns: A 10m連続 (mean, max, min), A 10m固定 (...), then B likewise. The quarter car is
+  // linear, so B's figures are twice A's; each mean lies between its min and max.
+  for (int c = 1; c <= 6; ++c) {
+    const double a = std::stod(whole[4][static_cast<std::size_t>(c)]);
+    const double b = std::stod(whole[4][static_cast<std::size_t>(c + 6)]);
+    EXPECT_NEAR(b, 2 * a, 1e-6) << c;
+  }
+  EXPECT_LE(std::stod(whole[4][3]), std::stod(whole[4][1]));
+  EXPECT_LE(std::stod(whole[4][1]), std::stod(whole[4][2]));
+  // The 10 m page lists the fixed sections of both from KP 0, B's IRI twice A's.
+  const auto& tens = results.Pages[5].Rows;
+  EXPECT_EQ(tens[4], (Row{"", "KP(自)", "KP(至)", "IRI", "KP(自)", "KP(至)", "IRI"}));
+  EXPECT_EQ(tens[5][1], "0.000");
+  EXPECT_GE(tens.size(), 5u + 49u);
+  for (std::size_t r = 5; r < tens.size(); ++r) {
+    EXPECT_EQ(tens[r][1], tens[r][4]);
+    EXPECT_NEAR(std::stod(tens[r][6]), 2 * std::stod(tens[r][3]), 2e-8) << r;
+  }
+  EXPECT_TRUE(results.Pages[6].Rows.empty());
+}
+
+TEST(SaveStatistics, OneFilePerPageWithDataNamedByCaption) {
+  Workplace place;
+  ScriptedUi ui;
+  StatisticsResults none;
+  EXPECT_FALSE(SaveStatistics(none, "A", ""));
+  EXPECT_EQ(ui.OnlyMessageText(), "統計値が計算されていません。");
+
+  ProfileList list = ListOf({PlainRamp("A", 400, 1.0)});
+  const std::vector<std::int32_t> rows = {1};
+  StatisticsResults results;
+  ASSERT_TRUE(RunStatistics(list, rows, MeanOfFullWave(), {}, results));
+  TempDir out;
+  ui.Files.push_back({out.path().string()});
+  ASSERT_TRUE(SaveStatistics(results, "A", ""));
+  std::vector<std::string> names;
+  for (const auto& e : std::filesystem::directory_iterator(out.path())) names.push_back(e.path().filename().string());
+  std::sort(names.begin(), names.end());
+  ASSERT_EQ(names.size(), 4u);  // the four profile pages; the IRI pages hold nothing
+  const std::regex pattern("統計値_(全区間|10m|100m|200m)\\(Prof\\)_[0-9]{14}\\.CSV");
+  for (const auto& name : names) EXPECT_TRUE(std::regex_match(name, pattern)) << name;
+  EXPECT_EQ(ui.Messages().back().Title, "データ保存");
+
+  TempDir named;
+  ui.Files.push_back({named.path().string()});
+  ASSERT_TRUE(SaveStatistics(results, "A", "$(PROFILENAME)$-$(出力種別)$"));
+  const auto lines = ReadSystemTextLines(named / "A-10m(Prof).CSV");
+  EXPECT_EQ(lines[0], "プロファイル,A");
+  EXPECT_EQ(lines[3], "KP,");
+  EXPECT_EQ(lines[4], "1.000,20.50000000");
+}
+
+}  // namespace
+}  // namespace velmora
