@@ -44,8 +44,11 @@ std::string Joined(const std::string& folder, const char* name) {
 
 FolderEnvironment ReadFolderEnvironment() {
   FolderEnvironment env;
-  const std::string moved = Env("VELMORA_HOME");
+  std::string moved = Env("VELMORA_HOME");
   if (!moved.empty()) {
+    std::error_code ec;
+    if (const auto absolute = std::filesystem::absolute(moved, ec); !ec) moved = absolute.lexically_normal().string();
+    while (moved.size() > 1 && moved.back() == '/') moved.pop_back();
     env.Home = moved;
     env.DataHome = moved;
     env.Documents = Joined(moved, "Documents");

@@ -50,9 +50,20 @@ bool CommandLineHasDebugSwitch(const std::string& commandLine) {
   return false;
 }
 
+// An absolute folder without a separator at the end, so that paths built on it and the macros
+// that abbreviate them do not depend on the working folder.
+std::string FolderName(const std::string& folder) {
+  if (folder.empty()) return folder;
+  std::error_code ec;
+  std::string name = std::filesystem::absolute(folder, ec).lexically_normal().string();
+  if (ec) name = folder;
+  while (name.size() > 1 && name.back() == '/') name.pop_back();
+  return name;
+}
+
 void ResolvePaths(const StartUpOptions& options) {
   AppPaths& p = Paths();
-  p.AppPath = !options.AppPathOverride.empty() ? options.AppPathOverride : ProgramFolder();
+  p.AppPath = FolderName(!options.AppPathOverride.empty() ? options.AppPathOverride : ProgramFolder());
   p.PersonalPath = GetFolderPath(kFolderPersonal);
   p.PicturesPath = GetFolderPath(kFolderPictures);
   p.WindowsPath = GetFolderPath(kFolderWindows);

@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <set>
+
+#include "app/common.h"
 #include "app/legacy_error.h"
+#include "app/text_encoding.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -109,6 +114,72 @@ TEST(IniBadInput, MalformedLinesAreIgnoredAndANulEndsTheValue) {
   EXPECT_EQ(ini.Get("A", "v"), "ab");
   EXPECT_EQ(ini.Get("broken", "k"), std::nullopt);
   EXPECT_EQ(ini.Get("A", ""), std::nullopt);
+}
+
+}  // namespace
+}  // namespace velmora
+
+namespace velmora {
+namespace {
+
+// Lines of a byte string without their endings, for comparing files line by line.
+std::multiset<std::string> LineSet(const std::string& bytes) {
+  std::multiset<std::string> lines;
+  std::size_t start = 0;
+  while (start < bytes.size()) {
+    std::size_t end = bytes.find('\n', start);
+    if (end == std::string::npos) end = bytes.size();
+    std::string line = bytes.substr(start, end - start);
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    lines.insert(line);
+    start = end + 1;
+  }
+  return lines;
+}
+
+TEST(IniProperty, OneWriteChangesOneKeyAndAtMostOneExistingLine) {
+  const std::vector<std::string> sections{"General", "ゾーン", "表示", "a"};
+  const std::vector<std::string> keys{"k", "K2", "長波側境界値", "x"};
+  const std::vector<std::string> values{"1", "", "51.2", "$(AppPath)/値", "a=b"};
+  std::mt19937 random(20240307);
+  auto pick = [&](const std::vector<std::string>& pool) { return pool[random() % pool.size()]; };
+  TempDir dir;
+  for (int round = 0; round < 300; ++round) {
+    std::string text;
+    const int lineCount = static_cast<int>(random() % 12);
+    for (int i = 0; i < lineCount; ++i) {
+      switch (random() % 5) {
+        case 0: text += "[" + pick(sections) + "]"; break;
+        case 1: text += " " + pick(keys) + " = " + pick(values); break;
+        case 2: text += "; " + pick(keys) + "=comment"; break;
+        case 3: text += "no key here"; break;
+        default: break;  // blank line
+      }
+      if (i + 1 < lineCount || random() % 2) text += random() % 2 ? "\r\n" : "\n";
+    }
+    const fs::path path = dir / "p.ini";
+    WriteBytes(path, ToSystemCodePage(text));
+    const IniDocument before = IniDocument::Load(path);
+    const std::string section = pick(sections), key = pick(keys), value = pick(values);
+    WriteIniValue(path, section, key, value);
+    const IniDocument after = IniDocument::Load(path);
+    ASSERT_EQ(after.Get(section, key), value) << text;
+    for (const auto& s : sections)
+      for (const auto& k : keys)
+        if (!(UCase(s) == UCase(section) && k == key)) {
+          ASSERT_EQ(after.Get(s, k), before.Get(s, k)) << text;
+        }
+    // Every old line is still there except, at most, the one that held the key.
+    const auto oldLines = LineSet(ToSystemCodePage(text));
+    auto newLines = LineSet(ReadBytes(path));
+    int lost = 0;
+    for (const auto& line : oldLines) {
+      const auto at = newLines.find(line);
+      if (at == newLines.end()) ++lost;
+      else newLines.erase(at);
+    }
+    ASSERT_LE(lost, 1) << text;
+  }
 }
 
 }  // namespace

@@ -144,6 +144,18 @@ TEST_F(StartUpTest, MissingDefaultIniShowsItsMessageAndEnds) {
   EXPECT_FALSE(fs::exists(UserLocal() / "debug.log"));
 }
 
+TEST_F(StartUpTest, RelativeFoldersAreTakenAsAbsoluteWithoutATrailingSeparator) {
+  const fs::path cwd = fs::current_path();
+  fs::current_path(dir_.path());
+  ::setenv("VELMORA_HOME", "home/", 1);
+  const StartUpResult result = StartUp({"", "./app/"});
+  fs::current_path(cwd);
+  ASSERT_TRUE(result.MayGoOn);
+  EXPECT_EQ(Paths().AppPath, app_.string());
+  EXPECT_EQ(Paths().UserLocalPath, UserLocal().string());
+  EXPECT_TRUE(fs::is_directory(UserLocal() / "Project" / "Profile"));
+}
+
 TEST_F(StartUpTest, DebugSwitchIsOneWholeWordInAnyCaseAndPlace) {
   const std::pair<const char*, bool> cases[] = {
       {"a.prj swDebug", true}, {"SWDEBUG", true}, {"x\tSwDeBuG\ty", true}, {"SWDEBUGX", false}, {"", false},
