@@ -8,10 +8,12 @@
 #include "analysis/debug_table.h"
 #include "analysis/fft.h"
 #include "analysis/mirror_extend.h"
+#include "app/common.h"
 #include "app/error_log.h"
 #include "app/legacy_error.h"
 #include "app/legacy_format.h"
 #include "app/legacy_math.h"
+#include "app/settings_io.h"
 #include "app/user_interaction.h"
 
 namespace velmora {
@@ -98,7 +100,15 @@ void MaskedInverse(const Array1<Complex>& spectrum, std::int32_t length, const A
 
 }  // namespace
 
-FilterConvergence ReadFilterConvergence() { return FilterConvergence{}; }
+FilterConvergence ReadFilterConvergence() {
+  FilterConvergence limits;
+  std::string text;
+  if (ReadIni(GeneralIniPath(), "収束判定値", "標準偏差比", text))
+    if (const auto value = ParseNumber(text)) limits.StdRatio = *value;
+  if (ReadIni(GeneralIniPath(), "収束判定値", "最大収束回数", text))
+    if (const auto value = ParseNumber(text)) limits.MaxPasses = CLng(*value);
+  return limits;
+}
 
 void MakeFilterMask(std::int32_t n, double dx, double lower, double upper, Array1<std::uint8_t>& mask) {
   mask.assign_zero(n);

@@ -14,7 +14,8 @@ struct FilterConvergence {
   double StdRatio = 1.1;        // "標準偏差比": converged when previous / current std falls below
   std::int32_t MaxPasses = 10;  // "最大収束回数"
 };
-// The limits in force. The settings file has no reader yet, so this gives the defaults above.
+// The limits in force, from TOLVAVERI.ini; a key that is missing, blank or not a number keeps its
+// default. Read at the start of every convergent run, so an edited file counts at once.
 FilterConvergence ReadFilterConvergence();
 
 // mask(1..n) of an n-point spectrum of samples at pitch dx (m): element p is 1 when the wavelength

@@ -232,5 +232,23 @@ TEST_F(FftFilterTest, DebugTablesAreNumberedAndNamedByTheCutOffs) {
   EXPECT_EQ(table[2].substr(0, 26), "2,1.000,2.000000000000000,");
 }
 
+TEST_F(FftFilterTest, ConvergenceLimitsComeFromTheSettingsFile) {
+  Paths().AppPath = dir_.path().string();
+  const auto ini = dir_ / "TOLVAVERI.ini";
+  FilterConvergence limits = ReadFilterConvergence();  // no file: the defaults
+  EXPECT_EQ(limits.StdRatio, 1.1);
+  EXPECT_EQ(limits.MaxPasses, 10);
+
+  WriteSystemTextFile(ini, {"[General]", "DebugLevel=0", "[収束判定値]", "標準偏差比=1.5", "最大収束回数=4"});
+  limits = ReadFilterConvergence();
+  EXPECT_EQ(limits.StdRatio, 1.5);
+  EXPECT_EQ(limits.MaxPasses, 4);
+
+  WriteSystemTextFile(ini, {"[収束判定値]", "標準偏差比=", "最大収束回数=many"});
+  limits = ReadFilterConvergence();
+  EXPECT_EQ(limits.StdRatio, 1.1);
+  EXPECT_EQ(limits.MaxPasses, 10);
+}
+
 }  // namespace
 }  // namespace velmora
