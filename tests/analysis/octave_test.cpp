@@ -180,28 +180,6 @@ TEST_F(OctaveTest, SinglePassBandsSumBackToTheProfile) {
   EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
 }
 
-TEST_F(OctaveTest, ExtremesAndStatisticsDescribeEachBand) {
-  ProfileRecord record = MakeRecord(RoughProfile(800, 0.1), 0.1);
-  ASSERT_TRUE(DecomposeProfile(record, false));
-  for (int k = 1; k <= 9; ++k) {
-    const OctaveBand& band = record.Analysis.Octave.Band[static_cast<std::size_t>(k)];
-    double lo = band.Values[1].Re, hi = lo, loI = band.Values[1].Im, hiI = loI;
-    for (int i = 1; i <= 800; ++i) {
-      lo = std::min(lo, band.Values[i].Re);
-      hi = std::max(hi, band.Values[i].Re);
-      loI = std::min(loI, band.Values[i].Im);
-      hiI = std::max(hiI, band.Values[i].Im);
-    }
-    EXPECT_EQ(band.MinReal, lo);
-    EXPECT_EQ(band.MaxReal, hi);
-    EXPECT_EQ(band.MinImag, loI);
-    EXPECT_EQ(band.MaxImag, hiI);
-    EXPECT_EQ(band.Stats.Minimum, lo);
-    EXPECT_EQ(band.Stats.Maximum, hi);
-    EXPECT_TRUE(band.Calculated);
-  }
-}
-
 TEST_F(OctaveTest, SineOfOneOctaveLandsInThatBand) {
   // 4.4 m lies in octave 5 (3.2..6.4 m), near its geometric middle; 4096 samples at 0.1 m (409.6 m).
   const double dx = 0.1, amplitude = 10;
