@@ -1,6 +1,7 @@
 #include "analysis/octave.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,6 @@ constexpr const char* kConvergeProc = "Cal_プロファイル分解_収束計算
 constexpr const char* kProgressTitle = "プロファイル分解計算";
 
 std::string Seq(std::int32_t& debugSeq) { return FormatNumber(++debugSeq, "000"); }
-std::string Fixed(double value, const char* pattern) { return FormatNumber(value, pattern); }
 
 // Extremes (each part on its own, starting from element 1) and statistics of the real part.
 void Summarise(std::int32_t n, OctaveBand& band, Array1<double>& realScratch) {
@@ -95,23 +95,23 @@ class OctaveSplitter {
 
 void WritePassTables(std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
                      const Array1<double>& source, const OctaveBands& bands) {
-  const std::string stem = "_FFT_(" + std::to_string(iteration) + ")_収束回数=" + Fixed(iteration, "00");
+  const std::string stem = "_FFT_(" + std::to_string(iteration) + ")_収束回数=" + FormatNumber(iteration, "00");
   std::vector<std::string> lines{"No, Profile"};
   for (std::int32_t i = 1; i <= n; ++i)
-    lines.push_back(std::to_string(i) + "," + Fixed(source[i], "0.000000"));
+    lines.push_back(std::to_string(i) + "," + FormatNumber(source[i], "0.000000"));
   WriteDebugTable(Seq(debugSeq) + stem + "_Profile.csv", lines);
 
   lines = {"No, Profile, OCT-1, OCT-2, OCT-3, OCT-4, OCT-5, OCT-6, OCT-7, OCT-8, OCT-9, SUM(OCT1:OCT9), "
            "Abs(Profile-SUM)"};
   for (std::int32_t i = 1; i <= n; ++i) {
-    std::string line = std::to_string(i) + "," + Fixed(source[i], "0.000000000000000");
+    std::string line = std::to_string(i) + "," + FormatNumber(source[i], "0.000000000000000");
     double sum = 0;
     for (int k = 1; k <= kOctaveCount; ++k) {
       const double v = bands[static_cast<std::size_t>(k)].Values[i].Re;
       sum += v;
-      line += "," + Fixed(v, "0.000000000000000");
+      line += "," + FormatNumber(v, "0.000000000000000");
     }
-    line += "," + Fixed(sum, "0.000000000000000") + "," + Fixed(std::abs(source[i] - sum), "0.000000000000000");
+    line += "," + FormatNumber(sum, "0.000000000000000") + "," + FormatNumber(std::abs(source[i] - sum), "0.000000000000000");
     lines.push_back(std::move(line));
   }
   WriteDebugTable(Seq(debugSeq) + stem + "_[OCT1～OCT9].csv", lines);
@@ -140,11 +140,11 @@ void WriteStageTable(std::int32_t& debugSeq, int stage, std::int32_t pass, std::
   std::vector<std::string> lines{kStageHead[stage]};
   for (std::int32_t i = 1; i <= n; ++i) {
     std::string line = std::to_string(i);
-    for (int k : columns) line += "," + Fixed(acc[static_cast<std::size_t>(k)].Values[i].Re, "0.000000");
-    line += "," + Fixed(rest[i], "0.000000");
+    for (int k : columns) line += "," + FormatNumber(acc[static_cast<std::size_t>(k)].Values[i].Re, "0.000000");
+    line += "," + FormatNumber(rest[i], "0.000000");
     lines.push_back(std::move(line));
   }
-  WriteDebugTable(Seq(debugSeq) + "_FFT_(" + kStagePair[stage] + ")_収束回数=" + Fixed(pass, "00") + ".csv",
+  WriteDebugTable(Seq(debugSeq) + "_FFT_(" + kStagePair[stage] + ")_収束回数=" + FormatNumber(pass, "00") + ".csv",
                   lines);
 }
 
@@ -154,9 +154,9 @@ void WriteFinalBandTables(std::int32_t n, double dx, const OctaveBands& bands) {
     const OctaveBand& band = bands[static_cast<std::size_t>(k)];
     // The second column gives the position of the sample along the profile, m.
     for (std::int32_t i = 1; i <= n; ++i)
-      lines.push_back(std::to_string(i) + "," + Fixed((i - 1) * dx, "0.000") + "," +
-                      Fixed(band.Values[i].Re, "0.000000") + "," + Fixed(band.Values[i].Im, "0.000000"));
-    WriteDebugTable("ProfBand_" + Fixed(k, "00") + ".csv", lines);
+      lines.push_back(std::to_string(i) + "," + FormatNumber((i - 1) * dx, "0.000") + "," +
+                      FormatNumber(band.Values[i].Re, "0.000000") + "," + FormatNumber(band.Values[i].Im, "0.000000"));
+    WriteDebugTable("ProfBand_" + FormatNumber(k, "00") + ".csv", lines);
   }
 }
 
