@@ -110,8 +110,8 @@ bool CheckIriLength(std::string_view text, std::span<ProfileRecord* const> list,
   double largestPitch = 0, lastPitch = 0;
   std::int32_t smallestUsable = std::numeric_limits<std::int32_t>::max();
   for (const ProfileRecord* profile : list) {
-    const double pitch = 1.0 / profile->Analysis.SamplesPerMetre;
-    const std::int32_t usable = profile->Analysis.Count - IriBaseSamples(kIriSlopeBaseLength, pitch);
+    const double pitch = 1.0 / profile->SamplesPerMetre;
+    const std::int32_t usable = profile->WorkCount - IriBaseSamples(kIriSlopeBaseLength, pitch);
     largestPitch = std::max(largestPitch, pitch);
     smallestUsable = std::min(smallestUsable, usable);
     lastPitch = pitch;
