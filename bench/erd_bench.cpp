@@ -1,0 +1,59 @@
+// Reading and writing ERD files of 1,000,000 samples (a profile of 100 km at 0.1 m), the size a
+// network survey gives. Reports time per sample.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <filesystem>
+
+#include "app/user_interaction.h"
+#include "profile/erd_file.h"
+
+namespace {
+
+constexpr std::int32_t kSamples = 1'000'000;
+
+velmora::ErdRecord SyntheticRecord() {
+  velmora::ErdRecord rec;
+  rec.NumChannels = 1;
+  rec.NumSamples = kSamples;
+  rec.FormatCode = 5;
+  rec.StepSize = 0.1;
+  rec.Title = "bench";
+  rec.ShortName[1] = "LElev.";
+  rec.Elevation.resize(kSamples);
+  for (std::int32_t i = 1; i <= kSamples; ++i) rec.Elevation[i] = 5.0 * std::sin(0.001 * i) + 0.3 * std::sin(0.37 * i);
+  return rec;
+}
+
+const std::string& BenchFile() {
+  static const std::string path = [] {
+    const auto file = std::filesystem::temp_directory_path() / "velmora_erd_bench_1M.erd";
+    velmora::WriteERD(file.string(), SyntheticRecord());
+    return file.string();
+  }();
+  return path;
+}
+
+void BM_ReadERD_1M(benchmark::State& state) {
+  const std::string& path = BenchFile();
+  for (auto _ : state) {
+    velmora::ErdRecord rec;
+    benchmark::DoNotOptimize(velmora::ReadERD(path, rec));
+    if (rec.NumSamples != kSamples) state.SkipWithError("wrong sample count");
+  }
+  state.SetItemsProcessed(state.iterations() * kSamples);
+  state.counters["ns/sample"] = benchmark::Counter(static_cast<double>(state.iterations()) * kSamples,
+                                                   benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(BM_ReadERD_1M)->Unit(benchmark::kMillisecond);
+
+void BM_WriteERD_1M(benchmark::State& state) {
+  const velmora::ErdRecord rec = SyntheticRecord();
+  const auto path = (std::filesystem::temp_directory_path() / "velmora_erd_bench_write.erd").string();
+  for (auto _ : state) benchmark::DoNotOptimize(velmora::WriteERD(path, rec));
+  std::filesystem::remove(path);
+  state.SetItemsProcessed(state.iterations() * kSamples);
+}
+BENCHMARK(BM_WriteERD_1M)->Unit(benchmark::kMillisecond);
+
+}  // namespace
