@@ -158,6 +158,9 @@ std::string Right7(double value) { return uFormatRight(value, "######0"); }
 }  // namespace
 
 bool ReadERD(const std::string& path, ErdRecord& rec) {
+  std::error_code ec;
+  if (std::filesystem::is_directory(path, ec))
+    RaiseFileError(ErrorNumber::PermissionDenied, path, "ファイルではなくフォルダです。");
   const std::string bytes = ReadFileBytes(path);
   LineCursor lines(bytes);
   auto nextText = [&] { return lines.AtEnd() ? std::string() : FromSystemCodePage(lines.Next(), path); };

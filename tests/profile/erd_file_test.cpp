@@ -166,13 +166,16 @@ TEST(ReadErd, DataLineThatIsNotOneNumberRaisesNamingFileAndLine) {
   EXPECT_TRUE(ui.Messages().empty());
 }
 
-TEST(ReadErd, MissingFileRaisesNamingIt) {
-  ErdRecord rec;
-  try {
-    ReadERD("/nonexistent/nowhere.erd", rec);
-    FAIL() << "no error";
-  } catch (const LegacyError& error) {
-    EXPECT_NE(std::string(error.what()).find("/nonexistent/nowhere.erd"), std::string::npos);
+TEST(ReadErd, MissingFileOrAFolderRaisesNamingIt) {
+  TempDir dir;
+  for (const std::string& path : {std::string("/nonexistent/nowhere.erd"), dir.path().string()}) {
+    ErdRecord rec;
+    try {
+      ReadERD(path, rec);
+      FAIL() << "no error for " << path;
+    } catch (const LegacyError& error) {
+      EXPECT_NE(std::string(error.what()).find(path), std::string::npos) << error.what();
+    }
   }
 }
 
