@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "analysis/fft_filter.h"
+#include "analysis/iri.h"
 #include "analysis/moving_average.h"
 #include "analysis/slope_filter.h"
 #include "app/error_log.h"
@@ -49,8 +50,7 @@ bool UpToDate(const FilterResults& results, const FilterSpec& spec, const IriPar
 }
 
 // Filters one prepared profile into `out`; false when a procedure that logs its own errors failed.
-bool FilterOne(AnalysisBlock& block, const FilterSpec& spec, [[maybe_unused]] const IriParams& iri,
-               FilterResults& out) {
+bool FilterOne(AnalysisBlock& block, const FilterSpec& spec, const IriParams& iri, FilterResults& out) {
   const std::int32_t n = block.Count;
   if (n < 1 || block.SamplesPerMetre <= 0)
     throw LegacyError(ErrorNumber::InvalidData, "the profile has not been prepared for analysis");
@@ -78,9 +78,15 @@ bool FilterOne(AnalysisBlock& block, const FilterSpec& spec, [[maybe_unused]] co
       out.FilterCount = n;
       return true;
     }
-    case FilterCalcType::Iri:
-      // The quarter-car response is not part of the program yet; say so instead of showing nothing.
-      throw LegacyError(ErrorNumber::InvalidData, "IRIフィルター: IRI応答の計算はまだ使えません。");
+    case FilterCalcType::Iri: {
+      block.Iri.IriFilterWave.Calculated = false;  // the parameters may have changed since
+      CalcIriFilter(block, iri);
+      out.FilterCount = block.Iri.IriFilterCount;  // shorter than the profile by the slope base
+      Array1<double> response = block.Iri.IriFilterWave.Values;
+      response.resize(out.FilterCount);
+      StoreWave(out.FilterWave, std::move(response));
+      return true;
+    }
     case FilterCalcType::Slope:
       SlopeFilter(block, spec.SlopeMode, spec.SlopeCut);
       out.SlopeWave = block.Filter.SlopeWave;

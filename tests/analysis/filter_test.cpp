@@ -312,12 +312,15 @@ TEST_F(FilterTest, AnErrorIsLoggedAndLeavesThePreviousResult) {
   EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
 }
 
-TEST_F(FilterTest, IriTypeSaysItCannotRunYet) {
-  ProfileRecord record = Prepared("i.erd", A({0, 1, 3, 3, 2}), 0.05);
-  EXPECT_FALSE(RunFilter(Spec(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&record}, IriParams{}).Completed);
-  ASSERT_EQ(ui_.Messages().size(), 1u);
-  EXPECT_NE(ui_.Messages()[0].Text.find("IRIフィルター"), std::string::npos);
-  EXPECT_FALSE(record.Analysis.Filter.FilterWave.Calculated);
+TEST_F(FilterTest, IriTypeIsShorterThanTheProfile) {
+  Array1<double> profile(400);
+  for (int i = 1; i <= 400; ++i) profile[i] = (i % 5) * 0.5;
+  ProfileRecord record = Prepared("i.erd", profile, 0.05);
+  ASSERT_TRUE(RunFilter(Spec(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&record}, IriParams{}).Completed);
+  // The slope base of 0.25 m spans 5 samples at 0.05 m.
+  EXPECT_EQ(record.Analysis.Filter.FilterCount, 395);
+  EXPECT_EQ(record.Analysis.Filter.FilterWave.Values.size(), 395);
+  EXPECT_TRUE(record.Analysis.Filter.FilterWave.Calculated);
 }
 
 }  // namespace
