@@ -8,7 +8,7 @@
 #include "profile/profile_export.h"
 #include "profile/profile_reader.h"
 #include "profile/wave_series.h"
-#include "session.h"
+#include "command_registry.h"
 
 namespace velmora::cli {
 namespace {
@@ -76,12 +76,16 @@ int RunConvert(const std::vector<std::string>& files, const std::string& output,
   return 0;
 }
 
+void AddErdFiles(CLI::App& cmd, std::vector<std::string>& files) {
+  cmd.add_option("FILE", files, "ERD files")->required();
+}
+
 }  // namespace
 
 VELMORA_COMMAND("info", "header, samples, pitch (m), length (m), KP and elevation statistics (mm) of ERD files",
                 [](CLI::App& cmd, const CommonOptions&) -> std::function<int()> {
                   auto files = std::make_shared<std::vector<std::string>>();
-                  AddFilesArgument(cmd, *files);
+                  AddErdFiles(cmd, *files);
                   return [files] { return RunInfo(*files); };
                 });
 
@@ -89,7 +93,7 @@ VELMORA_COMMAND("convert", "ERD files side by side in one CSV (ERD header rows, 
                 [](CLI::App& cmd, const CommonOptions& common) -> std::function<int()> {
                   auto files = std::make_shared<std::vector<std::string>>();
                   auto output = std::make_shared<std::string>();
-                  AddFilesArgument(cmd, *files);
+                  AddErdFiles(cmd, *files);
                   cmd.add_option("-o,--output", *output, "CSV file to write, or a folder for Profile_<date>.CSV");
                   return [files, output, &common] { return RunConvert(*files, *output, common); };
                 });
