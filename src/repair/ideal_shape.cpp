@@ -1,0 +1,372 @@
+#include "repair/ideal_shape.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include <fmt/format.h>
+
+#include "analysis/band_reduction.h"
+#include "analysis/debug_table.h"
+#include "analysis/iri.h"
+#include "analysis/octave.h"
+#include "analysis/prepare_profile.h"
+#include "app/error_log.h"
+#include "app/legacy_error.h"
+#include "app/legacy_format.h"
+#include "app/legacy_math.h"
+#include "app/macros.h"
+#include "app/settings.h"
+#include "app/user_interaction.h"
+#include "profile/erd_file.h"
+#include "repair/study_targets.h"
+
+namespace velmora {
+namespace {
+
+constexpr const char* kModule = "bas補修形状計算";
+constexpr const char* kWait = "しばらくお待ちください。";
+
+// A step whose callee has already logged its failure: ends the step without a second log entry.
+struct StepFailed {};
+void Need(bool ok) {
+  if (!ok) throw StepFailed{};
+}
+
+bool GuardedStep(const char* proc, const std::function<void()>& step) {
+  try {
+    step();
+    return true;
+  } catch (const StepFailed&) {
+    return false;
+  } catch (const std::exception& error) {
+    ErrorLog(kModule, proc, error);
+    return false;
+  }
+}
+
+// One progress display for the length of a scope.
+class Progress {
+ public:
+  explicit Progress(const char* caption) { Ui().ProgressStart(caption, kWait); }
+  ~Progress() { Ui().ProgressExit(); }
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+  static void Step(int step, int of) { Ui().ProgressValue(CLng(static_cast<double>(step) / of * 100)); }
+};
+
+double PitchOf(const ProfileRecord& record) { return record.Erd.StepSize; }
+
+ProfileRecord& RecordAt(StudyRun& run, std::int32_t row) {
+  if (row < 1 || static_cast<std::size_t>(row) > run.Profiles.size())
+    RaiseSubscriptOutOfRange(fmt::format("プロファイル行 {} / {}", row, run.Profiles.size()));
+  return run.Profiles[static_cast<std::size_t>(row - 1)];
+}
+
+bool CheckedParams(const StudyRun& run, ThreeWaveParams& params) {
+  return getParam_補修形状検討_3波分解(run.Form, params);
+}
+
+// Runs `step` for every selected profile; true when none failed.
+bool ForEachSelected(StudyRun& run, const char* proc, const std::function<void(ProfileRecord&, std::size_t)>& step) {
+  bool ok = true;
+  for (std::size_t k = 0; k < run.Selected.size(); ++k)
+    ok = GuardedStep(proc, [&] { step(RecordAt(run, run.Selected[k]), k); }) && ok;
+  return ok;
+}
+
+Array1<double> SumOf(const Array1<double>& a, const Array1<double>& b, const Array1<double>& c) {
+  Array1<double> sum(static_cast<std::size_t>(a.size()));
+  for (std::ptrdiff_t i = 1; i <= a.size(); ++i) sum[i] = a[i] + b[i] + c[i];
+  return sum;
+}
+
+// M' and what follows from it, in the five steps the study's progress counts.
+void ComputeOutcome(const ProfileRecord& record, const ThreeWaveParams& params, Array1<double> mPrime,
+                    MWaveOutcome& out, const std::function<void(int)>& step) {
+  const ThreeWaveSplit& split = record.ThreeWave;
+  const double pitch = PitchOf(record);
+  const IriParams iri = StudyIriParams(params.IriLength);
+  MWaveOutcome result;
+  Need(AnalyseStudyWave(mPrime, pitch, nullptr, true, 0, result.MPrime));
+  step(1);
+  // Added in the order S, M', L.
+  const Array1<double> corrected = SumOf(split.ShortWave.Values, mPrime, split.LongWave.Values);
+  StoreWave(result.Corrected.Wave, corrected);
+  step(2);
+  Need(Cal_補修形状3波分解_SUB(params.LongBoundary, params.ShortBoundary, record.WorkCount, pitch, corrected,
+                               result.CorrectedSplit.LongWave, result.CorrectedSplit.MiddleWave,
+                               result.CorrectedSplit.ShortWave));
+  result.CorrectedSplit.LongBoundary = params.LongBoundary;
+  result.CorrectedSplit.ShortBoundary = params.ShortBoundary;
+  result.CorrectedSplit.Valid = true;
+  step(3);
+  StudyWave middle;
+  Need(AnalyseStudyWave(result.CorrectedSplit.MiddleWave.Values, pitch, nullptr, true, 0, middle));
+  result.CorrectedMiddleOctave = std::move(middle.Octave);
+  step(4);
+  Need(AnalyseStudyWave(mPrime, pitch, &iri, false, 0, result.MPrime));
+  Need(AnalyseStudyWave(corrected, pitch, &iri, false, 0, result.Corrected));
+  step(5);
+  out = std::move(result);
+}
+
+// The M-wave step of one profile, eight progress steps.
+void MiddleWaveStep(ProfileRecord& record, const ThreeWaveParams& params, bool usePlanRange) {
+  const ThreeWaveSplit& split = record.ThreeWave;
+  const double pitch = PitchOf(record);
+  const IriParams iri = StudyIriParams(params.IriLength);
+  const std::int32_t n = record.WorkCount;
+  auto step = [](int s) { Progress::Step(s, 8); };
+  RepairStudyData& study = record.RepairStudy;
+  study.MiddleValid = false;
+
+  Need(AnalyseStudyWave(split.MiddleWave.Values, pitch, nullptr, true, 0, study.Middle));
+  step(1);
+  WaveSeries straightened;
+  Need(Cal_補修形状_M波の直線化(n, split.MiddleWave.Values, 0, PlanRangeOf(record, usePlanRange), straightened));
+  step(2);
+  ComputeOutcome(record, params, straightened.Values, study.Calculated, [&](int s) { step(2 + s); });
+  StudyWave profile;
+  Need(AnalyseStudyWave(record.WorkProfile, pitch, &iri, false, 0, profile));
+  study.ProfileIri = std::move(profile.Iri);
+  Need(AnalyseStudyWave(split.MiddleWave.Values, pitch, &iri, false, 0, study.Middle));
+  std::vector<MWaveExtremum> crests, troughs;
+  Need(Cal_補修形状_M波の山谷情報(n, split.MiddleWave.Values, crests, troughs));
+  const Array1<double>& mPrime = study.Calculated.MPrime.Wave.Values;
+  study.PointTable.clear();
+  for (const MWaveExtremum& c : crests) study.PointTable.push_back({c.Index, mPrime[c.Index], 0, 0});
+  for (const MWaveExtremum& t : troughs) study.PointTable.push_back({t.Index, mPrime[t.Index], 0, kPointTrough});
+  std::stable_sort(study.PointTable.begin(), study.PointTable.end(),
+                   [](const StudyPoint& a, const StudyPoint& b) { return a.Index < b.Index; });
+  study.MiddleValid = true;
+  step(8);
+}
+
+void WriteAdjustmentTable(const Array1<double>& m, const Array1<double>& adjust, const Array1<double>& mPrime) {
+  std::vector<std::string> lines{"No, M波, User厚調整値, M'波(M+厚調整)"};
+  const char* pattern = "0.000000000000000";
+  for (std::ptrdiff_t i = 1; i <= m.size(); ++i)
+    lines.push_back(fmt::format("{},{},{},{}", i, FormatNumber(m[i], pattern), FormatNumber(adjust[i], pattern),
+                                FormatNumber(mPrime[i], pattern)));
+  WriteDebugTable("補修計画_M+Use厚調整.csv", lines);
+}
+
+// File name of a registered wave (without folder), from the pattern or the built-in form.
+std::string RegisteredName(const std::string& pattern, const std::string& profileName, const std::string& builtInMark,
+                           const std::string& kindLetter) {
+  if (Trim(pattern).empty()) return profileName + builtInMark + FormatDateTime(LocalNow(), "YYYYMMDDHHNNSS") + ".ERD";
+  std::string name = uExpandDate(pattern);
+  name = uReplaceMacro(name, "$(PROFILENAME)$", profileName);
+  if (!kindLetter.empty()) name = uReplaceMacro(name, "$(波形種別)$", kindLetter);
+  return name + ".ERD";
+}
+
+// Writes one wave of a profile as an ERD file in the project's profile folder; returns its path.
+std::string WriteWaveErd(const ProfileRecord& record, const WaveSeries& wave, const std::string& fileName,
+                         const std::string& titleMark) {
+  ErdRecord erd = record.Erd;
+  erd.Elevation = wave.Values;
+  erd.NumSamples = static_cast<std::int32_t>(wave.Values.size());
+  erd.NumSamplesHeader = erd.NumSamples;
+  erd.Title = record.Erd.Title + titleMark;
+  std::filesystem::create_directories(ProjectProfileFolder());
+  const std::string path = ProjectProfileFolder() + "/" + fileName;
+  Need(WriteERD(path, erd));
+  return path;
+}
+
+bool RegisterAll(ProfileList& list, const std::vector<std::string>& paths) {
+  return paths.empty() || AddProfileList(list, paths, true);
+}
+
+}  // namespace
+
+IriParams StudyIriParams(double iriLength) {
+  IriParams params = CurrentConditions().RepairIri;
+  params.IriBaseLength = iriLength;
+  return params;
+}
+
+PlanRange PlanRangeOf(const ProfileRecord& record, bool use) {
+  PlanRange plan;
+  plan.Use = use && record.Erd.RepairRangeOn != 0;
+  plan.StartKp = record.Erd.RepairRangeStart;  // the no value of the record is the study's seed
+  plan.EndKp = record.Erd.RepairRangeEnd;
+  plan.FirstKp = IsNoValue(record.Erd.KpStart) ? 0.0 : record.Erd.KpStart;
+  plan.PitchM = record.Erd.StepSize;
+  plan.KpSign = record.Erd.KpSign;
+  return plan;
+}
+
+bool AnalyseStudyWave(const Array1<double>& wave, double pitch, const IriParams* iri, bool octave,
+                      std::int32_t writeDebug, StudyWave& out) {
+  return GuardedStep("AnalyseStudyWave", [&] {
+    const auto n = static_cast<std::int32_t>(wave.size());
+    AnalysisBlock block;
+    PrepareAnalysis(block, n, wave, pitch);
+    if (octave) {
+      std::int32_t seq = 0;
+      Need(Cal_プロファイル分解_単体処理(writeDebug, seq, 0, n, block.FftLength1, block.FftLength2, block.Masks, wave,
+                                       out.Octave.Band));
+      out.Octave.Calculated = true;
+    }
+    if (iri != nullptr) {
+      CalcIriProfile(block, *iri, false);
+      out.Iri = std::move(block.Iri);
+    }
+    if (!out.Wave.Calculated || !(out.Wave.Values == wave)) StoreWave(out.Wave, wave);
+  });
+}
+
+bool cmdGo_3波長分解(StudyRun& run, ThreeWaveRun* result) {
+  ThreeWaveParams params;
+  if (run.Selected.empty() || !CheckedParams(run, params)) return false;
+  const ThreeWaveRun done = PubCal_補修形状検討_3波分解(run.Profiles, run.Selected, params, *run.Stored);
+  if (result != nullptr) *result = done;
+  return done.Ok;
+}
+
+bool cmdGo_中波長(StudyRun& run) {
+  ThreeWaveParams params;
+  if (run.Selected.empty() || !CheckedParams(run, params)) return false;
+  bool ok = PubCal_補修形状検討_3波分解(run.Profiles, run.Selected, params, *run.Stored).Ok;
+  {
+    Progress progress("Ｍ波の計算");
+    ok = ForEachSelected(run, "cmdGo_中波長", [&](ProfileRecord& record, std::size_t) {
+           if (record.ThreeWave.Valid) MiddleWaveStep(record, params, run.UsePlanRange);
+         }) && ok;
+  }
+  Progress progress("Ｍ波の検討処理中");
+  return ForEachSelected(run, "cmdGo_中波長", [&](ProfileRecord& record, std::size_t) {
+           if (!record.RepairStudy.MiddleValid) return;
+           for (StudyTarget& target : record.Studies) Need(CalcStudyAdjustment(record, target, run.Form));
+         }) && ok;
+}
+
+bool cmdGo_短波長(StudyRun& run) {
+  ThreeWaveParams params;
+  if (run.Selected.empty() || !CheckedParams(run, params)) return false;
+  bool ok;
+  {
+    Progress progress("補修形状の中波長計算");
+    ok = PubCal_補修形状検討_3波分解(run.Profiles, run.Selected, params, *run.Stored).Ok;
+  }
+  Progress progress("検討処理中");
+  const std::array<double, 10> limits = BandLimitsFromTexts(params.Lines);
+  return ForEachSelected(run, "cmdGo_短波長", [&](ProfileRecord& record, std::size_t k) {
+           Progress::Step(static_cast<int>(k + 1), static_cast<int>(run.Selected.size()));
+           if (!record.ThreeWave.Valid) return;
+           RepairStudyData& study = record.RepairStudy;
+           study.ShortReducedValid = false;
+           StudyWave shortWave;
+           Need(AnalyseStudyWave(record.ThreeWave.ShortWave.Values, PitchOf(record), nullptr, true, 0, shortWave));
+           study.ShortOctave = std::move(shortWave.Octave);
+           const PlanRange plan = PlanRangeOf(record, run.UsePlanRange);
+           PlanIndices range;
+           Need(set補修計画範囲情報(record.WorkCount, plan, range));
+           BandReductionResult reduced;
+           Need(Cal_バンド別低減(limits, record.WorkCount, study.ShortOctave, reduced, plan.Use, range.S, range.E));
+           study.ShortReduced = std::move(reduced.Total);
+           study.ShortReducedValid = true;
+         }) && ok;
+}
+
+bool cmdGo_理想形状(StudyRun& run) {
+  ThreeWaveParams params;
+  if (run.Selected.empty() || !CheckedParams(run, params)) return false;
+  const IriParams iri = StudyIriParams(params.IriLength);
+  auto ready = [](const ProfileRecord& r) {
+    return r.ThreeWave.Valid && r.RepairStudy.MiddleValid && r.RepairStudy.ShortReducedValid;
+  };
+  bool ok;
+  {
+    Progress progress("オリジナルプロファイルの計算");
+    ok = ForEachSelected(run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
+      if (!ready(record)) return;
+      StudyWave profile;
+      Need(AnalyseStudyWave(record.WorkProfile, PitchOf(record), &iri, false, 0, profile));
+      record.RepairStudy.ProfileIri = std::move(profile.Iri);
+    });
+  }
+  {
+    Progress progress("理想形状案の計算");
+    ok = ForEachSelected(run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
+           RepairStudyData& study = record.RepairStudy;
+           study.IdealValid = false;
+           if (!ready(record)) return;
+           const Array1<double>& mPrime = ChosenMPrime(record);
+           // Added in the order L, M', S'.
+           const Array1<double> ideal = SumOf(record.ThreeWave.LongWave.Values, mPrime, study.ShortReduced.Values);
+           Need(AnalyseStudyWave(ideal, PitchOf(record), nullptr, true, 1, study.IdealShape));
+         }) && ok;
+  }
+  Progress progress("ＩＲＩ計算");
+  return ForEachSelected(run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
+           RepairStudyData& study = record.RepairStudy;
+           if (!ready(record) || !study.IdealShape.Wave.Calculated) return;
+           Need(AnalyseStudyWave(study.IdealShape.Wave.Values, PitchOf(record), &iri, false, 0, study.IdealShape));
+           study.IdealValid = true;
+         }) && ok;
+}
+
+bool CalcStudyAdjustment(ProfileRecord& record, StudyTarget& target, const ThreeWaveForm& form) {
+  ThreeWaveParams params;
+  if (!getParam_補修形状検討_3波分解(form, params)) return false;
+  return GuardedStep("CalcStudyAdjustment", [&] {
+    if (!record.RepairStudy.MiddleValid) throw LegacyError(ErrorNumber::InvalidData, "Ｍ波が計算されていません");
+    const Array1<double>& m = record.ThreeWave.MiddleWave.Values;
+    const Array1<double> adjust = UserAdjustOf(m, record.RepairStudy.Calculated.MPrime.Wave.Values, target);
+    Array1<double> mPrime(static_cast<std::size_t>(m.size()));
+    for (std::ptrdiff_t i = 1; i <= m.size(); ++i) mPrime[i] = m[i] + adjust[i];
+    if (DebugTablesOn()) WriteAdjustmentTable(m, adjust, mPrime);
+    target.Recalculated = false;
+    ComputeOutcome(record, params, std::move(mPrime), target.Outcome, [](int s) { Progress::Step(s, 5); });
+    target.Recalculated = true;
+  });
+}
+
+const Array1<double>& ChosenMPrime(const ProfileRecord& record) {
+  const std::int32_t row = record.RepairStudy.ChosenStudy;
+  if (row >= 1 && static_cast<std::size_t>(row) <= record.Studies.size()) {
+    const StudyTarget& target = record.Studies[static_cast<std::size_t>(row - 1)];
+    if (target.Recalculated) return target.Outcome.MPrime.Wave.Values;
+  }
+  return record.RepairStudy.Calculated.MPrime.Wave.Values;
+}
+
+bool cmdProfile登録_3波分解(StudyRun& run, ProfileList& list, const WaveChoice& waves, const std::string& pattern) {
+  if (!cmdGo_3波長分解(run)) return false;
+  std::vector<std::string> paths;
+  const bool written = ForEachSelected(run, "cmdProfile登録_3波分解", [&](ProfileRecord& record, std::size_t) {
+    if (!record.ThreeWave.Valid) return;
+    const std::string name = ProfileList::NameOf(record);
+    const struct {
+      bool on;
+      const WaveSeries& wave;
+      const char* letter;
+    } kinds[] = {{waves.Long, record.ThreeWave.LongWave, "L"},
+                 {waves.Middle, record.ThreeWave.MiddleWave, "M"},
+                 {waves.Short, record.ThreeWave.ShortWave, "S"}};
+    for (const auto& kind : kinds)
+      if (kind.on)
+        paths.push_back(WriteWaveErd(record, kind.wave,
+                                     RegisteredName(pattern, name, std::string("_") + kind.letter + "波_", kind.letter),
+                                     std::string("(") + kind.letter + ")"));
+  });
+  return RegisterAll(list, paths) && written;
+}
+
+bool cmdProfile登録_理想形状(StudyRun& run, ProfileList& list, const std::string& pattern) {
+  std::vector<std::string> paths;
+  const bool written = ForEachSelected(run, "cmdProfile登録_理想形状", [&](ProfileRecord& record, std::size_t) {
+    if (!record.RepairStudy.IdealValid) return;
+    paths.push_back(WriteWaveErd(record, record.RepairStudy.IdealShape.Wave,
+                                 RegisteredName(pattern, ProfileList::NameOf(record), "_理想形状案_", ""),
+                                 "(理想形状案)"));
+  });
+  return RegisterAll(list, paths) && written;
+}
+
+}  // namespace velmora

@@ -1,0 +1,68 @@
+#pragma once
+// The study's calculation drivers as engine operations (three-wave split, M wave, S wave, ideal shape),
+// the calculation of a study with the user's adjustment, and the registration of the study's waves as
+// new profiles.
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "analysis/iri_types.h"
+#include "profile/profile_list.h"
+#include "profile/profile_record.h"
+#include "repair/m_wave.h"
+#include "repair/three_wave.h"
+
+namespace velmora {
+
+// What every driver works on: the registered profiles, the rows selected in the tab's list (1-based),
+// the tab's boxes, the values the current splits were made with, and the plan range check box.
+struct StudyRun {
+  std::span<ProfileRecord> Profiles;
+  std::span<const std::int32_t> Selected;
+  ThreeWaveForm Form;
+  ThreeWaveParams* Stored = nullptr;
+  bool UsePlanRange = false;  // chk補修計画範囲
+};
+
+// The study's IRI parameters (CurrentConditions().RepairIri) with the tab's base length (m).
+IriParams StudyIriParams(double iriLength);
+// The plan range of a profile from its ERD record (used only when `use` and the record has one).
+PlanRange PlanRangeOf(const ProfileRecord& record, bool use);
+
+// Octave split (with writeDebug as the octave pass takes it) and/or IRI of a study wave (mm, 1..n,
+// pitch m) through a preparation of its own; the wave is stored with its statistics in out.Wave.
+bool AnalyseStudyWave(const Array1<double>& wave, double pitch, const IriParams* iri, bool octave,
+                      std::int32_t writeDebug, StudyWave& out);
+
+// The drivers; each first checks the boxes (messages of the split) and passes over profiles whose
+// earlier step has not run. True when every step that ran succeeded.
+bool cmdGo_3波長分解(StudyRun& run, ThreeWaveRun* result = nullptr);
+bool cmdGo_中波長(StudyRun& run);
+bool cmdGo_短波長(StudyRun& run);
+bool cmdGo_理想形状(StudyRun& run);
+
+// M' of a study: M + UserAdjust, with the octave split, S + M' + L, its split and the octave split of
+// its middle wave, and the IRI of M' and of S + M' + L with the study's parameters (five progress
+// steps). Needs the M-wave step of `record`.
+bool CalcStudyAdjustment(ProfileRecord& record, StudyTarget& target, const ThreeWaveForm& form);
+
+// The M' the ideal shape takes for a profile: the chosen study's, or the calculated one.
+const Array1<double>& ChosenMPrime(const ProfileRecord& record);
+
+// Which waves to register.
+struct WaveChoice {
+  bool Long = false;
+  bool Middle = false;
+  bool Short = false;
+};
+
+// Writes the chosen waves of the selected profiles as ERD files in the project's profile folder and
+// registers them in `list`. `pattern` is the "FileExportName" setting of the kind (empty: the built-in
+// name "<profile>_L波_<date>"). The title gets "(L)", "(M)" or "(S)". Returns false when the split
+// could not be made or a file could not be written or registered.
+bool cmdProfile登録_3波分解(StudyRun& run, ProfileList& list, const WaveChoice& waves, const std::string& pattern);
+// The same for the ideal shape of the selected profiles: "_理想形状案_", title mark "(理想形状案)".
+bool cmdProfile登録_理想形状(StudyRun& run, ProfileList& list, const std::string& pattern);
+
+}  // namespace velmora
