@@ -13,6 +13,15 @@
 
 namespace velmora {
 
+// Texts of the form, for the front ends that draw it.
+inline constexpr const char* kConditionsCaption = "計算条件";
+inline constexpr const char* kConditionsPageCaptions[] = {"【 移動平均フィルター 】", "【 ＩＲＩ 】", "【補修予測ライン】"};
+inline constexpr const char* kBandFilterHint = "値の変更は初期値設定ファイルで指定してください。";
+inline constexpr const char* kPartialSectionQuestion = "評価区間長に満たない区間のIRI算出を";
+inline constexpr const char* kPartialSectionChoices[] = {"する", "しない"};
+inline constexpr const char* kResetLabel = "初期値に戻す";
+inline constexpr const char* kSaveLabel = "初期値として保存する";
+
 // What the boxes hold, as the user typed it.
 struct ConditionsBoxes {
   std::array<std::string, 2> txtBandFilter;  // FilterLong, FilterShort, m (read-only on the form)
