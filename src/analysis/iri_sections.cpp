@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <string>
 
@@ -9,6 +10,7 @@
 
 #include "analysis/debug_table.h"
 #include "analysis/iri.h"
+#include "analysis/octave.h"
 #include "app/common.h"
 #include "app/error_log.h"
 #include "app/legacy_error.h"
@@ -27,6 +29,11 @@ double Kiriage(double value) { return Int(value + 0.99999); }
 
 // A number as the program writes it into a message: up to 15 significant digits, no trailing zeros.
 std::string NumberText(double value) { return fmt::format("{:.15G}", value); }
+
+// The profile's name in lists: its file name without the extension.
+std::string ProfileName(const ProfileRecord& profile) {
+  return std::filesystem::path(profile.FileName).stem().string();
+}
 
 void Warn(const std::string& text) { Ui().Inform(text, "警告"); }
 
@@ -144,6 +151,13 @@ bool RunIri(std::span<ProfileRecord* const> list, std::span<ProfileRecord* const
             const IriRunRequest& request, double& lastLength) {
   double length = 0;
   if (!CheckIriLength(request.LengthText, list, length)) return false;
+  auto needsResponse = [&](const ProfileRecord& profile) {
+    return length != lastLength || !profile.Analysis.Iri.IriWindowWave.Calculated;
+  };
+  // The band split comes first: it shows its own progress, which must not close ours.
+  for (ProfileRecord* profile : selected)
+    if (needsResponse(*profile) && !DecomposeProfile(*profile, request.ConvergentBands)) return false;
+
   return Guarded("basIRI", "RunIri", [&] {
     Ui().ProgressStart("ＩＲＩ計算", "しばらくお待ちください。");
     struct ProgressEnd {
@@ -154,12 +168,13 @@ bool RunIri(std::span<ProfileRecord* const> list, std::span<ProfileRecord* const
     for (std::size_t i = 0; i < selected.size(); ++i) {
       ProfileRecord& profile = *selected[i];
       AnalysisBlock& block = profile.Analysis;
-      if (length != lastLength || !block.Iri.IriWindowWave.Calculated) CalcIriProfile(block, params, true);
+      if (needsResponse(profile)) CalcIriProfile(block, params, true);
       // The sections are cheap and follow the short-section option, so they are always laid anew.
       CalcFixedSections(profile.Erd.KpStart, 1.0 / block.SamplesPerMetre, profile.Erd.KpSign == 1, length,
                         block.Count, block.Profile.Values.span(), block.Iri.IriResponseCount,
                         block.Iri.IriResponseWave.span(), request.SkipPartialSections, block.Sections);
-      if (DebugTablesOn()) WriteDebugTable("IRI_Sections.csv", SectionTableLines(block.Sections));
+      if (DebugTablesOn())
+        WriteDebugTable("IRI_Sections(" + ProfileName(profile) + ").csv", SectionTableLines(block.Sections));
       Ui().ProgressValue(static_cast<int>(100 * (i + 1) / selected.size()));
     }
     lastLength = length;

@@ -22,12 +22,13 @@ struct IriRunRequest {
   std::string LengthText;            // the evaluation-length box, m
   IriParams Params;                  // the tab's parameters; IriBaseLength is taken from LengthText
   bool SkipPartialSections = false;  // "評価区間長に満たない区間のIRI算出を" "しない"
+  bool ConvergentBands = false;      // the octave tab's convergence option, for a missing band split
 };
 
 // Checks the length, then computes for each selected profile its response, window series, band
 // windows and fixed sections, when the length changed since `lastLength` or the profile has no result
-// yet. The octave split of each selected profile must already be calculated. Returns false when the
-// length was refused or a run-time error went to the error log; `lastLength` keeps the last length run.
+// yet; a missing octave split is made first. Returns false when the length was refused or an error
+// went to the error log; `lastLength` keeps the last length run.
 bool RunIri(std::span<ProfileRecord* const> list, std::span<ProfileRecord* const> selected,
             const IriRunRequest& request, double& lastLength);
 

@@ -205,6 +205,7 @@ ProfileRecord Profile(double pitch, std::int32_t count, double kp = kNoValue) {
   }
   StoreWave(p.Analysis.Octave.LongSum, wave);
   StoreWave(p.Analysis.Octave.ShortSum, wave);
+  p.Analysis.Octave.Calculated = true;
   return p;
 }
 
@@ -276,6 +277,26 @@ TEST(RunIriTest, ComputesSelectedProfilesAndRecomputesOnlyWhenTheLengthChanges) 
   request.LengthText = "abc";
   EXPECT_FALSE(RunIri(list, selected, request, last));
   EXPECT_EQ(last, 20.0);
+}
+
+TEST(RunIriTest, MissingBandSplitIsMadeFirst) {
+  // A profile as read, not yet prepared: the run prepares and splits it, then takes the band IRI.
+  ProfileRecord p;
+  p.FileName = "road.erd";
+  p.Erd.StepSize = 0.25;
+  p.SamplesPerMetre = 4;
+  p.WorkCount = 800;
+  p.WorkProfile.assign_zero(800);
+  for (std::int32_t i = 1; i <= 800; ++i) p.WorkProfile[i] = 2 * std::sin(0.3 * i) + 5 * std::sin(0.02 * i);
+  std::vector<ProfileRecord*> list{&p};
+  IriRunRequest request{"10", IriParams{}, false};
+  double last = kNoValue;
+  testing::ScriptedUi ui;
+  ASSERT_TRUE(RunIri(list, list, request, last));
+  EXPECT_TRUE(p.Analysis.Octave.Calculated);
+  EXPECT_TRUE(p.Analysis.Iri.IriWindowRss.Calculated);
+  EXPECT_GT(p.Analysis.Iri.IriWindowRss.Stats.Maximum, 0.0);
+  EXPECT_EQ(p.Analysis.Iri.IriWindowCount, 799 - 40);
 }
 
 }  // namespace
