@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 #include <limits>
 #include <string>
 
@@ -17,6 +16,7 @@
 #include "app/legacy_format.h"
 #include "app/legacy_math.h"
 #include "app/user_interaction.h"
+#include "profile/profile_list.h"
 
 namespace velmora {
 namespace {
@@ -29,11 +29,6 @@ double Kiriage(double value) { return Int(value + 0.99999); }
 
 // A number as the program writes it into a message: up to 15 significant digits, no trailing zeros.
 std::string NumberText(double value) { return fmt::format("{:.15G}", value); }
-
-// The profile's name in lists: its file name without the extension.
-std::string ProfileName(const ProfileRecord& profile) {
-  return std::filesystem::path(profile.FileName).stem().string();
-}
 
 void Warn(const std::string& text) { Ui().Inform(text, "警告"); }
 
@@ -174,7 +169,7 @@ bool RunIri(std::span<ProfileRecord* const> list, std::span<ProfileRecord* const
                         block.Count, block.Profile.Values.span(), block.Iri.IriResponseCount,
                         block.Iri.IriResponseWave.span(), request.SkipPartialSections, block.Sections);
       if (DebugTablesOn())
-        WriteDebugTable("IRI_Sections(" + ProfileName(profile) + ").csv", SectionTableLines(block.Sections));
+        WriteDebugTable("IRI_Sections(" + ProfileList::NameOf(profile) + ").csv", SectionTableLines(block.Sections));
       Ui().ProgressValue(static_cast<int>(100 * (i + 1) / selected.size()));
     }
     lastLength = length;
