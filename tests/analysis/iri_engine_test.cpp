@@ -260,6 +260,7 @@ TEST(IriOfArrayTest, ProfileNoLongerThanTheBaseIsAnError) {
   const std::vector<double> y(3, 1.0);
   EXPECT_THROW(IriOfArray(3, y, 0.1, GoldenCar(0)), LegacyError);  // IBASE 3, n' = 0
   EXPECT_THROW(IriOfArray(5, y, 0.25, GoldenCar(0)), LegacyError);  // more samples asked than given
+  EXPECT_THROW(IriOfArray(3, y, 0.0, GoldenCar(0)), LegacyError);   // a zero pitch overflows the base
 }
 
 // The elevations of a one-channel ERD file: the numbers after the END line.
