@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 
 namespace velmora::cli {
 namespace {
@@ -54,8 +55,19 @@ std::optional<std::string> CliUi::Input(const std::string& prompt, const std::st
 }
 
 std::vector<std::string> CliUi::OpenFiles(const FileDialogRequest&) { return {}; }
-std::string CliUi::SaveFile(const FileDialogRequest&) { return {}; }
-std::string CliUi::ChooseFolder(const FileDialogRequest&) { return {}; }
+
+// Save and folder dialogs answer with -o: result files go there (the folder is made when missing).
+std::string CliUi::SaveFile(const FileDialogRequest& request) {
+  std::error_code ec;
+  std::filesystem::create_directories(options_.OutputDir, ec);
+  return (std::filesystem::path(options_.OutputDir) / (request.DefaultName.empty() ? "result" : request.DefaultName))
+      .string();
+}
+std::string CliUi::ChooseFolder(const FileDialogRequest&) {
+  std::error_code ec;
+  std::filesystem::create_directories(options_.OutputDir, ec);
+  return options_.OutputDir;
+}
 
 void CliUi::ProgressStart(const std::string& title, const std::string& message) {
   progressTitle_ = title.empty() ? message : title;

@@ -1,7 +1,7 @@
 #pragma once
 // The command line's user interaction: nothing waits for a person. Messages go to stderr with their
 // title, questions take the answer of --yes/--no or their default, input boxes their default value,
-// dialogs are cancelled, and progress is a bar on a terminal.
+// open dialogs are cancelled, save and folder dialogs answer with -o, and progress is a bar on a terminal.
 #include "app/user_interaction.h"
 #include "command_registry.h"
 

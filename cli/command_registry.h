@@ -43,5 +43,7 @@ struct CommandRegistrar {
 #define VELMORA_CLI_CONCAT_(a, b) a##b
 #define VELMORA_CLI_CONCAT(a, b) VELMORA_CLI_CONCAT_(a, b)
 // VELMORA_COMMAND("iri", "IRI of profiles", [](CLI::App& cmd, const CommonOptions& common) { ... });
-#define VELMORA_COMMAND(name, description, setup) \
-  static const ::velmora::cli::CommandRegistrar VELMORA_CLI_CONCAT(velmora_command_, __LINE__){name, description, setup}
+// The setup is variadic so that braces with commas inside it need no extra parentheses.
+#define VELMORA_COMMAND(name, description, ...)                                                  \
+  static const ::velmora::cli::CommandRegistrar VELMORA_CLI_CONCAT(velmora_command_, __LINE__){ \
+      name, description, __VA_ARGS__}

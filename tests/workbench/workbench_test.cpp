@@ -36,6 +36,7 @@ class WorkbenchTest : public ::testing::Test {
     computation.Compute = [this](ProfileRecord& record) {
       if (failOn + ".erd" == record.FileName) RaiseDivisionByZero("test");
       computed.push_back(ProfileList::NameOf(record));
+      return true;
     };
     bench.SetComputation(tab, std::move(computation));
   }
@@ -59,7 +60,7 @@ TEST_F(WorkbenchTest, GoWithoutProfilesDoesNothingAndShowsNothing) {
   empty.FormLoad();
   int calls = 0;
   empty.SetComputation(tab::Iri, {"t", "m", nullptr, [] { return std::string("k"); },
-                                  [&](ProfileRecord&) { ++calls; }, false});
+                                  [&](ProfileRecord&) { return ++calls > 0; }, nullptr, false});
   EXPECT_FALSE(empty.Go(tab::Iri));
   EXPECT_TRUE(ui.Log.empty());
   EXPECT_EQ(calls, 0);
@@ -180,6 +181,7 @@ TEST_F(WorkbenchTest, ChangeOnATabThatIsNotCurrentOnlySetsFlagsAndWorkHappensOnE
 }
 
 TEST_F(WorkbenchTest, PsdLegendAndReportRowsAreRenewedOnEveryEntry) {
+  bench.SetComputation(tab::Psd, {});  // these profiles hold no samples
   bench.MnuBunseki();
   bench.MnuBunseki();
   bench.Select(tab::Psd, {2});

@@ -1,8 +1,137 @@
+#include <fmt/format.h>
+
+#include "analysis/filter.h"
+#include "analysis/iri_sections.h"
+#include "analysis/octave.h"
+#include "analysis/prepare_profile.h"
+#include "analysis/psd.h"
+#include "app/common.h"
+#include "app/user_interaction.h"
 #include "app/workbench/workbench.h"
 
 namespace velmora::workbench {
+namespace {
 
-// Each analysis joins its tab here as it becomes available.
-void InstallAnalyses(Workbench&) {}
+// The analysis block is prepared once per working profile; an edit of the profile clears Count.
+void EnsurePrepared(ProfileRecord& record) {
+  if (record.Analysis.Count != record.WorkCount || record.Analysis.Count == 0) PrepareProfile(record);
+}
+
+std::string IriKey(const IriParams& p) {
+  return fmt::format("{}|{}|{}|{}|{}|{}|{}|{}", p.Speed, p.KsMs, p.CsMs, p.MuMs, p.KtMs, p.InitFilter,
+                     p.PowerWeighting, p.IriBaseLength);
+}
+
+FilterSpec SpecOf(const FilterTabInputs& in) {
+  FilterSpec spec;
+  spec.CalcType = static_cast<FilterCalcType>(in.CalcType);
+  spec.Band = static_cast<FilterKind>(in.Band);
+  spec.SlopeMode = in.SlopeMode;
+  spec.LongCut = uDblVal(in.LongCut);
+  spec.ShortCut = uDblVal(in.ShortCut);
+  spec.SlopeCut = uDblVal(in.SlopeCut);
+  spec.Converge = in.Converge;
+  return spec;
+}
+
+std::string FilterKey(const FilterSpec& s) {
+  return fmt::format("{}|{}|{}|{}|{}|{}|{}|{}", static_cast<int>(s.CalcType), static_cast<int>(s.Band), s.SlopeMode,
+                     s.LongCut, s.ShortCut, s.SlopeCut, s.Converge, IriKey(CurrentConditions().Iri));
+}
+
+std::vector<ProfileRecord*> AllRecords(Workbench& bench) {
+  std::vector<ProfileRecord*> all;
+  for (int row = 1; row <= bench.ProfileCount(); ++row) all.push_back(&bench.Profile(row));
+  return all;
+}
+
+void InstallFilter(Workbench& bench) {
+  TabComputation c;
+  c.StoreInputs = [&bench] { return CheckFilterSpec(SpecOf(bench.Filter)) == FilterField::None; };
+  c.InputKey = [&bench] { return FilterKey(SpecOf(bench.Filter)); };
+  c.ComputeRows = [&bench](const std::vector<ProfileRecord*>& rows) {
+    for (ProfileRecord* record : rows) EnsurePrepared(*record);
+    return RunFilter(SpecOf(bench.Filter), true, rows, CurrentConditions().Iri).Completed;
+  };
+  bench.SetComputation(tab::Filter, std::move(c));
+}
+
+void InstallOctave(Workbench& bench) {
+  TabComputation c;
+  c.ProgressTitle = "プロファイル分解計算";
+  c.InputKey = [&bench] { return fmt::format("{}", bench.Octave.Converge); };
+  c.Compute = [&bench](ProfileRecord& record) {
+    EnsurePrepared(record);
+    return DecomposeProfile(record, bench.Octave.Converge, true);
+  };
+  bench.SetComputation(tab::Octave, std::move(c));
+}
+
+void InstallPsd(Workbench& bench) {
+  TabComputation c;
+  c.ProgressTitle = "パワースペクトル計算";
+  c.AllProfiles = true;
+  c.StoreInputs = [&bench] {
+    if (bench.Psd.Smooth && uLongVal(bench.Psd.BandsPerOctave) < 1) {
+      Ui().Inform("BandsPerOctave値はゼロより大きく指定してください。", "警告");
+      return false;
+    }
+    return true;
+  };
+  c.InputKey = [&bench] { return fmt::format("{}|{}", bench.Psd.WindowKind, bench.Psd.MirrorFill); };
+  c.Compute = [&bench](ProfileRecord& record) {
+    PsdResult& psd = record.Analysis.Psd;
+    Array1<double> values;
+    if (!PsdCalc(record.WorkCount, record.WorkProfile, record.Erd.StepSize, bench.Psd.WindowKind,
+                 bench.Psd.MirrorFill, values))
+      return false;
+    psd.PsdCount = static_cast<std::int32_t>(values.size());
+    psd.PsdValues = std::move(values);
+    psd.WindowKind = bench.Psd.WindowKind;
+    psd.MirrorFill = bench.Psd.MirrorFill;
+    psd.Calculated = true;
+    return true;
+  };
+  bench.SetComputation(tab::Psd, std::move(c));
+}
+
+void InstallIri(Workbench& bench) {
+  TabComputation c;
+  c.StoreInputs = [&bench] {
+    const std::vector<ProfileRecord*> all = AllRecords(bench);
+    double length = 0;
+    if (!CheckIriLength(bench.Iri.EvalLength, all, length)) return false;
+    CurrentConditions().Iri.IriBaseLength = length;
+    return true;
+  };
+  c.InputKey = [&bench] {
+    return IriKey(CurrentConditions().Iri) + fmt::format("|{}|{}", bench.Iri.SkipPartialSections, bench.Octave.Converge);
+  };
+  c.ComputeRows = [&bench](const std::vector<ProfileRecord*>& rows) {
+    // The band IRIs need the octave split of each profile first.
+    for (ProfileRecord* record : rows) {
+      EnsurePrepared(*record);
+      if (!DecomposeProfile(*record, bench.Octave.Converge)) return false;
+    }
+    IriRunRequest request;
+    request.LengthText = bench.Iri.EvalLength;
+    request.Params = CurrentConditions().Iri;
+    request.SkipPartialSections = bench.Iri.SkipPartialSections;
+    double lastLength = kNoValue;  // the workbench has decided these rows need computing
+    const std::vector<ProfileRecord*> all = AllRecords(bench);
+    return RunIri(all, rows, request, lastLength);
+  };
+  bench.SetComputation(tab::Iri, std::move(c));
+}
+
+}  // namespace
+
+// Each analysis joins its tab here.
+void InstallAnalyses(Workbench& bench) {
+  InstallFilter(bench);
+  InstallOctave(bench);
+  InstallPsd(bench);
+  InstallIri(bench);
+}
 
 }  // namespace velmora::workbench

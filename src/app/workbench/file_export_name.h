@@ -22,7 +22,7 @@ struct NameMacro {
 std::string FileExportName(std::string_view pattern, std::string_view builtIn, std::string_view profileName,
                            const std::vector<NameMacro>& kindMacros, const std::tm& now);
 
-// The settings value of "FileExportName" in `section` (empty when the key or the file is absent).
+// The value of "FileExportName" in `section` of TOLVAVERI.ini (empty when the key or file is absent).
 std::string FileExportPattern(std::string_view section);
 
 }  // namespace velmora::workbench

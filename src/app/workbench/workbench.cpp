@@ -166,6 +166,8 @@ bool Workbench::Go(int tab) {
 bool Workbench::ListClick(int tab, std::vector<int> rows) {
   if (LoadingProfile) return false;
   Select(tab, std::move(rows));
+  const TabComputation& computation = computations_[At(tab)];
+  if (computation.StoreInputs && !computation.StoreInputs()) return false;
   const bool ok = Redraw(tab, false);
   if (tab == tab::Psd) UpdatePsdLegend();
   return ok;
@@ -175,32 +177,47 @@ bool Workbench::Redraw(int tab, bool alwaysShowProgress) {
   bool progressShown = false;
   try {
     const TabComputation& computation = computations_[At(tab)];
-    if (computation.Compute) {
+    if (computation.Compute || computation.ComputeRows) {
       if (!computation.InputKey) throw std::logic_error("no input key for " + HandlerName(tab));
       const std::string key = computation.InputKey();
-      std::vector<int> rows = computation.AllProfiles ? std::vector<int>() : selection_[At(tab)];
-      if (computation.AllProfiles)
+      std::vector<int> rows = selection_[At(tab)];
+      if (computation.AllProfiles) {
+        rows.clear();
         for (int row = 1; row <= list_.Count(); ++row) rows.push_back(row);
+      }
       std::vector<int> stale;
       for (int row : rows)
         if (resultKeys_[static_cast<std::size_t>(row - 1)][At(tab)] != key) stale.push_back(row);
-      if (alwaysShowProgress || !stale.empty()) {
-        Ui().ProgressStart(computation.ProgressTitle, computation.ProgressMessage);
-        progressShown = true;
+      // A failure leaves no claim of validity behind.
+      for (int row : stale) resultKeys_[static_cast<std::size_t>(row - 1)][At(tab)].clear();
+      if (computation.ComputeRows) {
+        if (!stale.empty()) {
+          std::vector<ProfileRecord*> records;
+          for (int row : stale) records.push_back(&list_.Items[row]);
+          ++computeCount_[At(tab)];
+          if (!computation.ComputeRows(records)) return false;
+        }
+      } else {
+        if (alwaysShowProgress || !stale.empty()) {
+          Ui().ProgressStart(computation.ProgressTitle, computation.ProgressMessage);
+          progressShown = true;
+        }
+        for (std::size_t s = 0; s < stale.size(); ++s) {
+          Ui().ProgressValue(static_cast<int>(s * 100 / stale.size()));
+          ++computeCount_[At(tab)];
+          if (!computation.Compute(list_.Items[stale[s]])) {
+            Ui().ProgressExit();
+            return false;
+          }
+          resultKeys_[static_cast<std::size_t>(stale[s] - 1)][At(tab)] = key;
+        }
+        if (progressShown) {
+          Ui().ProgressValue(100);
+          Ui().ProgressExit();
+          progressShown = false;
+        }
       }
-      for (std::size_t s = 0; s < stale.size(); ++s) {
-        Ui().ProgressValue(static_cast<int>(s * 100 / stale.size()));
-        auto& keys = resultKeys_[static_cast<std::size_t>(stale[s] - 1)];
-        keys[At(tab)].clear();  // a failure leaves no claim of validity behind
-        computation.Compute(list_.Items[stale[s]]);
-        ++computeCount_[At(tab)];
-        keys[At(tab)] = key;
-      }
-      if (progressShown) {
-        Ui().ProgressValue(100);
-        Ui().ProgressExit();
-        progressShown = false;
-      }
+      for (int row : stale) resultKeys_[static_cast<std::size_t>(row - 1)][At(tab)] = key;
     } else if (alwaysShowProgress && !TabTable()[At(tab)].Go.empty()) {
       throw std::logic_error(HandlerName(tab) + ": this analysis is not available in this build");
     }
@@ -232,6 +249,7 @@ void Workbench::RefillReportRows() {
 void Workbench::ProfileEdited(int row) {
   if (LoadingProfile) return;
   resultKeys_.at(static_cast<std::size_t>(row - 1)).fill(std::string());
+  list_.Items.at(row).Analysis.Count = 0;  // to be prepared again from the edited profile
   MarkAllDirty();
   Redraw(tab::Profile, false);
 }
@@ -299,6 +317,7 @@ void Workbench::SetComputation(int tab, TabComputation computation) {
   for (auto& keys : resultKeys_) keys[At(tab)].clear();
 }
 
-bool Workbench::HasComputation(int tab) const { return static_cast<bool>(computations_[At(tab)].Compute); }
+bool Workbench::HasComputation(int tab) const { return computations_[At(tab)].Compute || computations_[At(tab)].ComputeRows;
+}
 
 }  // namespace velmora::workbench

@@ -29,7 +29,12 @@ struct TabComputation {
   std::string ProgressMessage{kPleaseWait};
   std::function<bool()> StoreInputs;           // Go step 2: inputs → conditions, validators; false stops
   std::function<std::string()> InputKey;       // the current inputs as a comparable text
-  std::function<void(ProfileRecord&)> Compute; // computes and stores into the record
+  // Computes one profile and stores into its record. False: it failed and has said so (logged);
+  // an exception is a failure the workbench logs.
+  std::function<bool(ProfileRecord&)> Compute;
+  // Instead of Compute: one run over all rows that need it, which shows its own progress and reports
+  // its own failures (false).
+  std::function<bool(const std::vector<ProfileRecord*>&)> ComputeRows;
   bool AllProfiles = false;                    // every registered profile, not only the selected rows
 };
 
@@ -54,6 +59,9 @@ struct WorkbenchHooks {
 class Workbench {
  public:
   Workbench();
+  // The installed computations refer to this object: it stays where it was made.
+  Workbench(const Workbench&) = delete;
+  Workbench& operator=(const Workbench&) = delete;
 
   // ---- state of the form ----
   std::array<bool, kTabCount> TabDirty{};

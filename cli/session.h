@@ -1,0 +1,31 @@
+#pragma once
+// What every analysis command does before and after its own part: the program's start-up, a
+// workbench with the command's files registered and selected, and the export into -o.
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/startup.h"
+#include "app/workbench/make_result_files.h"
+#include "app/workbench/workbench.h"
+#include "command_registry.h"
+
+namespace velmora::cli {
+
+struct Session {
+  StartUpResult Start;
+  workbench::Workbench Bench;
+};
+
+// Start-up (settings from --settings or the program's folder, SWDEBUG and DebugLevel 1 with
+// --debug), then the files registered in order and selected on `tab`, and the position axis from
+// --position/--unit. Null when start-up or a file failed; the reason has been shown on stderr.
+std::unique_ptr<Session> OpenSession(const CommonOptions& common, const std::vector<std::string>& files, int tab);
+
+// Exports one kind for the rows selected on the request's tab into -o; false when nothing was written.
+bool Export(Session& session, const workbench::ExportRequest& request);
+
+// Adds the FILE... positional argument (ERD files) to a command.
+void AddFilesArgument(CLI::App& command, std::vector<std::string>& files);
+
+}  // namespace velmora::cli
