@@ -15,6 +15,7 @@
 #include "app/legacy_error.h"
 #include "app/legacy_format.h"
 #include "app/legacy_math.h"
+#include "app/number_helpers.h"
 #include "app/user_interaction.h"
 #include "profile/profile_list.h"
 
@@ -22,10 +23,6 @@ namespace velmora {
 namespace {
 
 constexpr double kKpTolerance = 1e-9;  // km
-
-// The section grid's rounding up, Int(x + 0.99999): noise of a division just above a whole number
-// stays on it.
-double Kiriage(double value) { return Int(value + 0.99999); }
 
 // A number as the program writes it into a message: up to 15 significant digits, no trailing zeros.
 std::string NumberText(double value) { return fmt::format("{:.15G}", value); }

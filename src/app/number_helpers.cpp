@@ -39,7 +39,7 @@ bool uNearlyEqual(double a, double b) { return std::fabs(a - b) < 1e-9; }
 
 double uSqrt(double x) { return (std::isnan(x) || x < 0) ? 0.0 : std::sqrt(x); }
 
-double Kiriage(double value) { return std::floor(value + 0.9999999); }
+double Kiriage(double value) { return std::floor(value + 0.99999); }
 
 std::optional<double> uMin(std::optional<double> a, std::optional<double> b) {
   if (!a) return b;

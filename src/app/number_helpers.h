@@ -30,8 +30,8 @@ bool uNearlyEqual(double a, double b);
 // 0 for a negative value or NaN, else the square root.
 double uSqrt(double x);
 
-// Rounds up to the next whole number: Int(value + 0.9999999). A value less than 1e-7 above a whole
-// number stays on it, which absorbs the noise of divisions such as 30.000000000004.
+// Rounds up to the next whole number: Int(value + 0.99999), as the section grid does. A value less
+// than 1e-5 above a whole number stays on it, which absorbs the noise of divisions such as 30.000000000004.
 double Kiriage(double value);
 
 // Of two values: the first unless the second is strictly smaller (uMin) or larger (uMax).
