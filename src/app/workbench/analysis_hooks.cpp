@@ -132,6 +132,8 @@ void InstallAnalyses(Workbench& bench) {
   InstallOctave(bench);
   InstallPsd(bench);
   InstallIri(bench);
+  InstallEvaluation(bench);
+  InstallRepair(bench);
 }
 
 }  // namespace velmora::workbench

@@ -158,5 +158,9 @@ class Workbench {
 
 // Wires the analyses that exist into the workbench's tabs.
 void InstallAnalyses(Workbench& workbench);
+// The statistics (tab 7) and cross-correlation (tab 14) tabs; evaluation_hooks.cpp.
+void InstallEvaluation(Workbench& workbench);
+// The repair-shape study's tabs 10 to 13; repair_hooks.cpp.
+void InstallRepair(Workbench& workbench);
 
 }  // namespace velmora::workbench
