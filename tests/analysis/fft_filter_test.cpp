@@ -12,6 +12,7 @@
 #include "app/app_paths.h"
 #include "app/settings.h"
 #include "app/text_encoding.h"
+#include "support/scratch_paths.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -39,19 +40,8 @@ bool SameBits(const Array1<double>& a, const Array1<double>& b) {
          std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(double)) == 0;
 }
 
-class FftFilterTest : public ::testing::Test {
+class FftFilterTest : public testing::ScratchPathsTest {
  protected:
-  void SetUp() override {
-    savedPaths_ = Paths();
-    savedSettings_ = Settings();
-    Paths().TempPath = (dir_ / "Temp").string();
-    Paths().DebugPath = (dir_ / "Debug").string();
-    std::filesystem::create_directories(Paths().TempPath);
-  }
-  void TearDown() override {
-    Paths() = savedPaths_;
-    Settings() = savedSettings_;
-  }
   // One pass with the lengths of n samples.
   bool Single(FilterKind kind, double longCut, double shortCut, const Array1<double>& source, double dx,
               WaveSeries& result, WaveSeries& other) {
@@ -73,12 +63,7 @@ class FftFilterTest : public ::testing::Test {
     return texts;
   }
 
-  testing::TempDir dir_;
-  testing::ScriptedUi ui_;
 
- private:
-  AppPaths savedPaths_;
-  AppSettings savedSettings_;
 };
 
 TEST_F(FftFilterTest, MaskJudgesEachElementOneBinAboveItsHarmonic) {

@@ -14,6 +14,7 @@
 #include "app/settings.h"
 #include "app/text_encoding.h"
 #include "profile/profile_record.h"
+#include "support/scratch_paths.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -49,26 +50,7 @@ FilterSpec Spec(FilterCalcType type, FilterKind band, double longCut, double sho
   return spec;
 }
 
-class FilterTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    savedPaths_ = Paths();
-    savedSettings_ = Settings();
-    Paths().TempPath = (dir_ / "Temp").string();
-    Paths().DebugPath = (dir_ / "Debug").string();
-    std::filesystem::create_directories(Paths().TempPath);
-  }
-  void TearDown() override {
-    Paths() = savedPaths_;
-    Settings() = savedSettings_;
-  }
-  testing::TempDir dir_;
-  testing::ScriptedUi ui_;
-
- private:
-  AppPaths savedPaths_;
-  AppSettings savedSettings_;
-};
+using FilterTest = testing::ScratchPathsTest;
 
 TEST_F(FilterTest, MovingAverageMatchesHandSums) {
   const Array1<double> source = A({1, 2, 4, 7, 11});

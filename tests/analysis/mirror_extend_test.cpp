@@ -9,6 +9,7 @@
 #include "app/legacy_error.h"
 #include "app/settings.h"
 #include "app/text_encoding.h"
+#include "support/scratch_paths.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -25,26 +26,7 @@ namespace {
 Array1<double> A(std::vector<double> values) { return Array1<double>(std::move(values)); }
 
 // Logs and debug tables go to a temporary folder; settings and paths are restored afterwards.
-class MirrorExtendTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    savedPaths_ = Paths();
-    savedSettings_ = Settings();
-    Paths().TempPath = (dir_ / "Temp").string();
-    Paths().DebugPath = (dir_ / "Debug").string();
-    std::filesystem::create_directories(Paths().TempPath);
-  }
-  void TearDown() override {
-    Paths() = savedPaths_;
-    Settings() = savedSettings_;
-  }
-  testing::TempDir dir_;
-  testing::ScriptedUi ui_;
-
- private:
-  AppPaths savedPaths_;
-  AppSettings savedSettings_;
-};
+using MirrorExtendTest = testing::ScratchPathsTest;
 
 TEST_F(MirrorExtendTest, FoldsBothWaysWithoutRepeatingTheEndSamples) {
   const Array1<double> source = A({1, 2, 4, 7, 11});

@@ -16,6 +16,7 @@
 #include "app/text_encoding.h"
 #include "profile/erd_file.h"
 #include "profile/profile_record.h"
+#include "support/scratch_paths.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -28,25 +29,7 @@ constexpr double kPi = 3.14159265358979323846;
 
 // Paths, debug level and octave lists changed by a test are put back afterwards; error logs and debug
 // tables go into a fresh folder.
-class OctaveTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    savedPaths_ = Paths();
-    savedSettings_ = Settings();
-    Paths().TempPath = dir_.path().string();
-    Paths().DebugPath = (dir_.path() / "Debug").string();
-  }
-  void TearDown() override {
-    Paths() = savedPaths_;
-    Settings() = savedSettings_;
-  }
-  TempDir dir_;
-  ScriptedUi ui_;
-
- private:
-  AppPaths savedPaths_;
-  AppSettings savedSettings_;
-};
+using OctaveTest = testing::ScratchPathsTest;
 
 ProfileRecord MakeRecord(const std::vector<double>& samples, double pitch) {
   ProfileRecord record;
@@ -322,7 +305,7 @@ TEST_F(OctaveTest, EmptyOctaveStopsThePeelingAndKeepsTheStoredBands) {
   const auto messages = ui_.Messages();
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages[0].Title, "[ bas計算共通 : Cal_プロファイル分解_収束計算 ]");
-  EXPECT_TRUE(std::filesystem::exists(dir_ / "Sorvik_Err.log"));
+  EXPECT_TRUE(std::filesystem::exists(dir_ / "Temp" / "Sorvik_Err.log"));
   EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
 }
 
