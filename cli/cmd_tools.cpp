@@ -141,7 +141,7 @@ int RunTool(const CommonOptions& common, const std::string& tool, const ToolArgs
   return WriteOutputs(common, CompositeProfiles(items, input));
 }
 
-VELMORA_COMMAND("import", "Delimited text columns into ERD profiles (one per column) in -o",
+VELMORA_COMMAND("import", "delimited text columns into ERD profiles (one per column) in -o; pitch in m",
                 [](CLI::App& command, const CommonOptions& common) -> std::function<int()> {
                   auto args = std::make_shared<ImportArgs>();
                   command.add_option("FILE", args->File, "delimited text file (Shift-JIS)")->required();
@@ -156,7 +156,7 @@ VELMORA_COMMAND("import", "Delimited text columns into ERD profiles (one per col
                   return [&common, args] { return RunImport(common, *args); };
                 });
 
-VELMORA_COMMAND("tool", "New profiles from ERD files: reverse, shift, cut, composite (written to -o)",
+VELMORA_COMMAND("tool", "new profiles from ERD files: reverse, shift, cut, composite (written to -o)",
                 [](CLI::App& command, const CommonOptions& common) -> std::function<int()> {
                   auto args = std::make_shared<ToolArgs>();
                   command.require_subcommand(1);
