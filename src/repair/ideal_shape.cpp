@@ -269,6 +269,7 @@ bool cmdGo_短波長(StudyRun& run) {
            BandReductionResult reduced;
            Need(Cal_バンド別低減(limits, record.WorkCount, study.ShortOctave, reduced, plan.Use, range.S, range.E));
            study.ShortReduced = std::move(reduced.Total);
+           study.ShortReducedBands = std::move(reduced.Reduced);
            study.ShortReducedValid = true;
          }) && ok;
 }
@@ -327,14 +328,16 @@ bool CalcStudyAdjustment(ProfileRecord& record, StudyTarget& target, const Three
   });
 }
 
-const Array1<double>& ChosenMPrime(const ProfileRecord& record) {
+const MWaveOutcome& ChosenOutcome(const ProfileRecord& record) {
   const std::int32_t row = record.RepairStudy.ChosenStudy;
   if (row >= 1 && static_cast<std::size_t>(row) <= record.Studies.size()) {
     const StudyTarget& target = record.Studies[static_cast<std::size_t>(row - 1)];
-    if (target.Recalculated) return target.Outcome.MPrime.Wave.Values;
+    if (target.Recalculated) return target.Outcome;
   }
-  return record.RepairStudy.Calculated.MPrime.Wave.Values;
+  return record.RepairStudy.Calculated;
 }
+
+const Array1<double>& ChosenMPrime(const ProfileRecord& record) { return ChosenOutcome(record).MPrime.Wave.Values; }
 
 bool cmdProfile登録_3波分解(StudyRun& run, ProfileList& list, const WaveChoice& waves, const std::string& pattern) {
   if (!cmdGo_3波長分解(run)) return false;

@@ -47,7 +47,10 @@ bool cmdGo_理想形状(StudyRun& run);
 // steps). Needs the M-wave step of `record`.
 bool CalcStudyAdjustment(ProfileRecord& record, StudyTarget& target, const ThreeWaveForm& form);
 
-// The M' the ideal shape takes for a profile: the chosen study's, or the calculated one.
+// What the ideal shape takes for a profile: the chosen study's outcome when it has been calculated,
+// else the calculated one (M' as straightened).
+const MWaveOutcome& ChosenOutcome(const ProfileRecord& record);
+// The M' of ChosenOutcome.
 const Array1<double>& ChosenMPrime(const ProfileRecord& record);
 
 // Which waves to register.

@@ -1,6 +1,7 @@
 #pragma once
 // Records of the repair-shape study: the three-wave split of a profile, the work rows of the M-wave
 // straightening, the named studies of a profile and the study's results up to the ideal shape.
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -100,6 +101,7 @@ struct RepairStudyData {
   // S-wave step.
   OctaveBandSet ShortOctave;
   WaveSeries ShortReduced;            // S'
+  std::array<WaveSeries, 10> ShortReducedBands;  // S' of each octave band [1..9]
   bool ShortReducedValid = false;
   // Ideal shape L + M' + S'.
   StudyWave IdealShape;

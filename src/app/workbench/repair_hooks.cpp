@@ -1,8 +1,133 @@
-// The repair-shape study's tabs joined to their computations.
+// The repair-shape study's tabs joined to their computations: the Go of each of tabs 10 to 13 runs
+// the study's driver over the stale rows, and a change of the study's values that cleared every
+// profile's study data is acted on in the tabs and lists.
+#include <fmt/format.h>
+
+#include "app/common.h"
 #include "app/workbench/workbench.h"
+#include "repair/ideal_shape.h"
+#include "repair/study_targets.h"
 
 namespace velmora::workbench {
+namespace {
 
-void InstallRepair(Workbench&) {}
+constexpr int kFirst = tab::ThreeWave;  // tabs 10..13 are slots 0..3 of the study's arrays
+
+std::size_t Slot(int tab) { return static_cast<std::size_t>(tab - kFirst); }
+
+// Whether a profile holds the result of a study tab.
+bool HasData(int tab, const ProfileRecord& record) {
+  switch (tab) {
+    case tab::ThreeWave: return record.ThreeWave.Valid;
+    case tab::MediumWave: return record.RepairStudy.MiddleValid;
+    case tab::ShortWave: return record.RepairStudy.ShortReducedValid;
+    default: return record.RepairStudy.IdealValid;
+  }
+}
+
+bool AnyHasData(Workbench& bench, int tab) {
+  for (int row = 1; row <= bench.ProfileCount(); ++row)
+    if (HasData(tab, bench.Profile(row))) return true;
+  return false;
+}
+
+// The boxes as typed (trimmed) and the plan range: a change of any of them is a new input. The
+// drivers themselves compare the checked values, so "10" against "10.0" only costs a pass that finds
+// every split current.
+bool Reachable(Workbench& bench, int tab) {
+  if (tab == tab::ThreeWave) return true;
+  if (tab == tab::IdealShape) return AnyHasData(bench, tab::MediumWave) && AnyHasData(bench, tab::ShortWave);
+  return AnyHasData(bench, tab::ThreeWave);
+}
+
+std::string FormKey(const RepairTabInputs& in) {
+  std::string key = fmt::format("{}|{}|{}|plan {}", Trim(in.Form.LongBoundary), Trim(in.Form.ShortBoundary),
+                                Trim(in.Form.IriLength), in.UsePlanRange);
+  for (int k = 1; k <= 9; ++k) key += "|" + Trim(in.Form.Lines[static_cast<std::size_t>(k)]);
+  return key;
+}
+
+// lst_M波選択 and lst検討対象 show the studies of the first selected row of the tab.
+void RefillStudyLists(Workbench& bench, int tab) {
+  RepairTabInputs& in = bench.Repair;
+  const auto& rows = bench.Selection(tab);
+  const std::vector<StudyTarget> none;
+  const std::vector<StudyTarget>& studies = rows.empty() ? none : bench.Profile(rows.front()).Studies;
+  in.MWaveChoices = StudyListItems(studies);
+  in.StudyTargets = StudyListItems(studies);
+}
+
+// After the study data were cleared: with the change events held off, the study tabs that no longer
+// have data are disabled with their output buttons (all but the current tab), and both lists emptied.
+void ActOnStudyReset(Workbench& bench) {
+  const bool loading = bench.LoadingProfile;
+  bench.LoadingProfile = true;
+  for (int t = tab::ThreeWave; t <= tab::IdealShape; ++t) {
+    bench.TabDirty[static_cast<std::size_t>(t)] = true;
+    if (t == bench.CurrentTab || AnyHasData(bench, t)) continue;
+    bench.TabEnabled[static_cast<std::size_t>(t)] = false;
+    bench.Repair.OutputEnabled[Slot(t)] = false;
+  }
+  bench.Repair.MWaveChoices.clear();
+  bench.Repair.StudyTargets.clear();
+  bench.LoadingProfile = loading;
+}
+
+using Driver = bool (*)(StudyRun&);
+
+bool RunDriver(Workbench& bench, int tab, Driver driver, const std::vector<ProfileRecord*>& records) {
+  RepairTabInputs& in = bench.Repair;
+  const int count = bench.ProfileCount();
+  ProfileRecord* first = &bench.Profile(1);
+  std::vector<std::int32_t> rows;
+  for (ProfileRecord* record : records) rows.push_back(static_cast<std::int32_t>(record - first) + 1);
+  StudyRun run{std::span<ProfileRecord>(first, static_cast<std::size_t>(count)), rows, in.Form, &in.Stored,
+               in.UsePlanRange};
+  const ThreeWaveParams before = in.Stored;
+  const bool ok = driver(run);
+  ++in.Revision[Slot(tab)];
+  // Every driver splits first; a change of the stored values means the split cleared all study data.
+  in.LastRunReset = !(before == in.Stored);
+  if (in.LastRunReset) ActOnStudyReset(bench);
+  // Left to us: a tab opens again once the steps it starts from have data (the M and S waves need
+  // the split, the ideal shape needs both), and a tab's output buttons once it has data itself.
+  for (int t = tab::ThreeWave; t <= tab::IdealShape; ++t) {
+    if (Reachable(bench, t)) bench.TabEnabled[static_cast<std::size_t>(t)] = true;
+    if (AnyHasData(bench, t)) in.OutputEnabled[Slot(t)] = true;
+  }
+  if (tab == tab::MediumWave || tab == tab::IdealShape) RefillStudyLists(bench, tab);
+  return ok;
+}
+
+bool ThreeWaveDriver(StudyRun& run) { return cmdGo_3波長分解(run); }
+
+void InstallStudyTab(Workbench& bench, int tab, Driver driver, std::vector<int> inputsFrom) {
+  TabComputation c;
+  c.StoreInputs = [&bench] {
+    ThreeWaveParams params;
+    return getParam_補修形状検討_3波分解(bench.Repair.Form, params);
+  };
+  c.InputKey = [&bench, inputsFrom] {
+    std::string key = FormKey(bench.Repair);
+    for (int t : inputsFrom) key += fmt::format("|r{}", bench.Repair.Revision[Slot(t)]);
+    return key;
+  };
+  // The drivers show their own progress captions and pass over rows whose earlier step has not run.
+  c.ComputeRows = [&bench, tab, driver](const std::vector<ProfileRecord*>& records) {
+    return RunDriver(bench, tab, driver, records);
+  };
+  bench.SetComputation(tab, std::move(c));
+}
+
+}  // namespace
+
+void InstallRepair(Workbench& bench) {
+  bench.Repair.Form = ThreeWaveFormFromConditions(CurrentConditions());
+  bench.Repair.Stored = ThreeWaveParamsFromConditions(CurrentConditions());
+  InstallStudyTab(bench, tab::ThreeWave, ThreeWaveDriver, {});
+  InstallStudyTab(bench, tab::MediumWave, cmdGo_中波長, {tab::ThreeWave});
+  InstallStudyTab(bench, tab::ShortWave, cmdGo_短波長, {tab::ThreeWave});
+  InstallStudyTab(bench, tab::IdealShape, cmdGo_理想形状, {tab::ThreeWave, tab::MediumWave, tab::ShortWave});
+}
 
 }  // namespace velmora::workbench

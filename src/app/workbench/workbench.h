@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/settings.h"
+#include "app/workbench/repair_inputs.h"
 #include "app/workbench/tab_inputs.h"
 #include "app/workbench/tab_table.h"
 #include "profile/profile_list.h"
@@ -90,6 +91,7 @@ class Workbench {
   BandTabInputs Band;
   PsdTabInputs Psd;
   IriTabInputs Iri;
+  RepairTabInputs Repair;  // tabs 10 to 13
 
   WorkbenchHooks Hooks;
 

@@ -1,0 +1,165 @@
+// The study's tabs 10 to 13 through the workbench's Go on a made-up road of three sines.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "analysis/iri.h"
+#include "app/app_paths.h"
+#include "app/workbench/workbench.h"
+#include "repair/ideal_shape.h"
+#include "repair/study_fixture.h"
+#include "support/test_support.h"
+
+namespace velmora::workbench {
+namespace {
+
+using testing::ScriptedUi;
+using testing::TempDir;
+
+class RepairTabsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    Paths().TempPath = temp.path().string();
+    Paths().UserLocalPath = temp.path().string();
+    CurrentConditions() = CalcConditions{};
+    testing::UseGoldenCarForStudy();
+    bench.FormLoad();
+    bench.MnuBunseki();
+    bench.AddProfile(testing::ThreeSineProfile("a.ERD"));
+    bench.Repair.Form = testing::StudyForm();  // 51.2 m / 4 m, IRI over 10 m, no band lines
+    // The study's values as if the boxes had been saved with the project: no change on the first Go.
+    getParam_補修形状検討_3波分解(bench.Repair.Form, bench.Repair.Stored);
+    for (int t = tab::ThreeWave; t <= tab::IdealShape; ++t) bench.SelectAll(t);
+    bench.TabClick(tab::ThreeWave);  // the entry splits the road: the tab is dirty
+    ui.Log.clear();
+  }
+  ProfileRecord& Road() { return bench.Profile(1); }
+  bool RunAllFour() {
+    for (int t = tab::ThreeWave; t <= tab::IdealShape; ++t)
+      if (!bench.Go(t)) return false;
+    return true;
+  }
+  static std::vector<std::string> ProgressTitles(const ScriptedUi& ui) {
+    std::vector<std::string> titles;
+    for (const auto& entry : ui.Log)
+      if (entry.Kind == "progress-start") titles.push_back(entry.Title);
+    return titles;
+  }
+  static double Iri(const Array1<double>& wave, double pitch) {
+    return IriOfArray(static_cast<std::int32_t>(wave.size()), wave.span(), pitch, StudyIriParams(10));
+  }
+
+  TempDir temp;
+  ScriptedUi ui;
+  Workbench bench;
+};
+
+TEST_F(RepairTabsTest, FourGosGiveTheWavesTheCorrectedProfileAndTheIdealShape) {
+  ASSERT_TRUE(RunAllFour());
+  const ProfileRecord& road = Road();
+  const std::int32_t n = road.WorkCount;
+  const ThreeWaveSplit& split = road.ThreeWave;
+  const RepairStudyData& study = road.RepairStudy;
+  ASSERT_TRUE(split.Valid && study.MiddleValid && study.ShortReducedValid && study.IdealValid);
+
+  // The three filters cut the spectrum into three parts that join at the boundaries, so away from
+  // the ends (where the mirror extension differs per pass) the parts add up to the profile.
+  for (std::int32_t i = 100; i <= n - 100; ++i)
+    ASSERT_NEAR(split.LongWave.Values[i] + split.MiddleWave.Values[i] + split.ShortWave.Values[i],
+                road.WorkProfile[i], 0.05)
+        << i;
+  // The 1 mm wave of 2 m lies wholly below the 4 m boundary: inside the road S carries that amplitude.
+  double shortPeak = 0;
+  for (std::int32_t i = 100; i <= n - 100; ++i) shortPeak = std::max(shortPeak, split.ShortWave.Values[i]);
+  EXPECT_NEAR(shortPeak, 1.0, 0.05);
+
+  // No band lines: S' is the sum of the unreduced octave bands of S, which is S (the pitch of 0.25 m
+  // puts no content outside the nine bands), so the ideal shape L + M' + S' is the corrected
+  // profile S + M' + L up to rounding.
+  const Array1<double>& corrected = study.Calculated.Corrected.Wave.Values;
+  const Array1<double>& ideal = study.IdealShape.Wave.Values;
+  ASSERT_EQ(ideal.size(), n);
+  for (std::int32_t i = 1; i <= n; ++i) {
+    ASSERT_NEAR(study.ShortReduced.Values[i], split.ShortWave.Values[i], 1e-6) << i;
+    ASSERT_NEAR(ideal[i], corrected[i], 1e-6) << i;
+  }
+
+  // The IRIs the study keeps are those of the same arrays with the study's IRI parameters.
+  const double pitch = road.Erd.StepSize;
+  EXPECT_NEAR(study.ProfileIri.IriWholeProfile, Iri(road.WorkProfile, pitch), 1e-9);
+  EXPECT_NEAR(study.Calculated.Corrected.Iri.IriWholeProfile, Iri(corrected, pitch), 1e-9);
+  EXPECT_NEAR(study.IdealShape.Iri.IriWholeProfile, Iri(ideal, pitch), 1e-9);
+  // Filling the troughs of the 20 m wave makes the road smoother.
+  EXPECT_LT(study.IdealShape.Iri.IriWholeProfile, study.ProfileIri.IriWholeProfile);
+
+  // Each tab's output buttons opened, and the study lists show the fixed first item.
+  for (bool on : bench.Repair.OutputEnabled) EXPECT_TRUE(on);
+  ASSERT_FALSE(bench.Repair.MWaveChoices.empty());
+  EXPECT_EQ(bench.Repair.MWaveChoices.front(), "----------【 調整なし 】----------");
+  for (int t = tab::ThreeWave; t <= tab::IdealShape; ++t) EXPECT_FALSE(bench.TabDirty[t]) << t;
+}
+
+TEST_F(RepairTabsTest, IdealShapeGoShowsItsThreeProgressCaptions) {
+  ASSERT_TRUE(bench.Go(tab::ThreeWave));
+  ASSERT_TRUE(bench.Go(tab::MediumWave));
+  ASSERT_TRUE(bench.Go(tab::ShortWave));
+  ui.Log.clear();
+  ASSERT_TRUE(bench.Go(tab::IdealShape));
+  EXPECT_EQ(ProgressTitles(ui),
+            (std::vector<std::string>{"オリジナルプロファイルの計算", "理想形状案の計算", "ＩＲＩ計算"}));
+  EXPECT_TRUE(ui.Messages().empty());
+}
+
+TEST_F(RepairTabsTest, UnchangedSecondGoRecomputesNothingAndShowsNoBox) {
+  ASSERT_TRUE(RunAllFour());
+  ui.Log.clear();
+  const int splits = bench.ComputeCount(tab::ThreeWave);
+  const int ideals = bench.ComputeCount(tab::IdealShape);
+  ASSERT_TRUE(bench.Go(tab::ThreeWave));
+  ASSERT_TRUE(bench.Go(tab::IdealShape));
+  EXPECT_EQ(bench.ComputeCount(tab::ThreeWave), splits);
+  EXPECT_EQ(bench.ComputeCount(tab::IdealShape), ideals);
+  EXPECT_TRUE(ui.Messages().empty());
+  EXPECT_TRUE(Road().RepairStudy.IdealValid);
+}
+
+TEST_F(RepairTabsTest, ChangedIriLengthClearsTheStudyAndClosesTheTabsWithoutData) {
+  ASSERT_TRUE(RunAllFour());
+  ui.Log.clear();
+  bench.Repair.Form.IriLength = "20";  // the IRI length alone is a change of the study's values
+  ASSERT_TRUE(bench.Go(tab::ThreeWave));
+  ASSERT_EQ(ui.Messages().size(), 1u);
+  EXPECT_EQ(ui.Messages()[0].Title, "確認");
+  EXPECT_EQ(ui.Messages()[0].Text, "補修形状算出の境界値が変更されました。\r\nＭ波、Ｓ波、理想形状案のデータが初期化されます。");
+  EXPECT_TRUE(bench.Repair.LastRunReset);
+  EXPECT_EQ(bench.Repair.Stored.IriLength, 20);
+  const RepairStudyData& study = Road().RepairStudy;
+  EXPECT_FALSE(study.MiddleValid || study.ShortReducedValid || study.IdealValid);
+  EXPECT_TRUE(Road().ThreeWave.Valid);  // split again at once
+  // The M and S tabs start from the split and stay open; the ideal shape has nothing to start from.
+  EXPECT_TRUE(bench.TabEnabled[tab::MediumWave]);
+  EXPECT_TRUE(bench.TabEnabled[tab::ShortWave]);
+  EXPECT_FALSE(bench.TabEnabled[tab::IdealShape]);
+  EXPECT_TRUE(bench.Repair.OutputEnabled[0]);
+  EXPECT_FALSE(bench.Repair.OutputEnabled[1] || bench.Repair.OutputEnabled[2] || bench.Repair.OutputEnabled[3]);
+  EXPECT_TRUE(bench.Repair.MWaveChoices.empty());
+  EXPECT_TRUE(bench.Repair.StudyTargets.empty());
+  EXPECT_TRUE(bench.TabDirty[tab::IdealShape]);
+  // A Go of the ideal shape now passes the profile over: nothing to add up yet.
+  ASSERT_TRUE(bench.Go(tab::IdealShape));
+  EXPECT_FALSE(Road().RepairStudy.IdealValid);
+}
+
+TEST_F(RepairTabsTest, BadBoundaryStopsTheGoWithItsMessage) {
+  bench.Repair.Form.LongBoundary = "5l.2";
+  EXPECT_FALSE(bench.Go(tab::MediumWave));
+  EXPECT_EQ(ui.OnlyMessageText(), "長波側境界値は数値で指定して下さい。");
+  EXPECT_EQ(ui.Messages()[0].Title, "警告");
+  EXPECT_FALSE(Road().RepairStudy.MiddleValid);
+  EXPECT_EQ(bench.ComputeCount(tab::MediumWave), 0);
+  EXPECT_TRUE(ProgressTitles(ui).empty());
+}
+
+}  // namespace
+}  // namespace velmora::workbench
