@@ -245,6 +245,13 @@ bool SaveCrossCorrelation(const ProfileList& list, std::span<const std::int32_t>
 }
 
 std::vector<std::string> RegisterShiftedProfiles(ProfileList& list, const CorrelationResults& results) {
+  return RegisterShiftedProfiles(list, results,
+                                 [&list](const std::vector<std::string>& paths) { return AddProfileList(list, paths, true); });
+}
+
+std::vector<std::string> RegisterShiftedProfiles(
+    const ProfileList& list, const CorrelationResults& results,
+    const std::function<bool(const std::vector<std::string>& paths)>& registerFiles) {
   std::vector<std::string> names;
   if (!results.Valid) return names;
   Guarded(kModule, "cmd精度検証ずらし量登録", [&] {
@@ -265,7 +272,7 @@ std::vector<std::string> RegisterShiftedProfiles(ProfileList& list, const Correl
       paths.push_back(path);
       made.push_back(name);
     }
-    if (!paths.empty() && AddProfileList(list, paths, true)) names = std::move(made);
+    if (!paths.empty() && registerFiles(paths)) names = std::move(made);
   });
   return names;
 }

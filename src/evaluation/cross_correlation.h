@@ -5,6 +5,7 @@
 // the registration of shifted copies.
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -98,6 +99,11 @@ bool SaveCrossCorrelation(const ProfileList& list, std::span<const std::int32_t>
 // in the project's profile folder and registered in `list` at once. Returns the new names (none when
 // every shift is 0). Errors are logged as "cmd精度検証ずらし量登録" and give an empty list.
 std::vector<std::string> RegisterShiftedProfiles(ProfileList& list, const CorrelationResults& results);
+// The same with the registration left to the caller (the workbench's own): `registerFiles` gets the
+// paths of the written copies at once and answers whether they were registered.
+std::vector<std::string> RegisterShiftedProfiles(
+    const ProfileList& list, const CorrelationResults& results,
+    const std::function<bool(const std::vector<std::string>& paths)>& registerFiles);
 
 // Name and title of the copy moved by `shift` samples: "<name>-3P" and "(-3P)" for shift 3,
 // "<name>+3P" and "(+3P)" for shift -3.

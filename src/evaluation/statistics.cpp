@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <limits>
 
 #include "analysis/iri.h"
 #include "analysis/iri_sections.h"
@@ -58,14 +59,18 @@ double MeasureOf(const SectionStatistics& s, std::size_t measure) {
   }
 }
 
-// One result column: its sort key, its head cells and its cells below the head (by data row).
+constexpr double kBlank = std::numeric_limits<double>::quiet_NaN();
+
+// One result column: its sort key, its head cells and its figures below the head (by body row).
 struct Column {
   std::string Key;
   std::vector<std::string> Head;
-  std::vector<std::string> Cells;
+  std::vector<double> Cells;
+  bool Kp = false;
 };
 
-// A page: label column, head rows, an optional row of captions, then the data rows.
+// A page: label column, head rows, an optional row of captions (repeated every `width` columns),
+// then the body rows. The columns are sorted by key; the body is filled row by row.
 StatisticsPage MakePage(const char* caption, const std::vector<std::string>& headLabels,
                         const std::vector<std::string>& captionRow, const std::vector<std::string>& rowLabels,
                         std::vector<Column> columns, std::size_t width = 1) {
@@ -75,22 +80,25 @@ StatisticsPage MakePage(const char* caption, const std::vector<std::string>& hea
   std::stable_sort(columns.begin(), columns.end(), [](const Column& a, const Column& b) { return a.Key < b.Key; });
   std::size_t rows = rowLabels.size();
   for (const Column& c : columns) rows = std::max(rows, c.Cells.size());
-  const std::size_t cells = columns.size() + 1;
   for (std::size_t h = 0; h < headLabels.size(); ++h) {
     std::vector<std::string> row{headLabels[h]};
     for (const Column& c : columns) row.push_back(c.Head[h]);
-    page.Rows.push_back(row);
+    page.Head.push_back(std::move(row));
   }
   if (!captionRow.empty()) {
-    std::vector<std::string> row(cells);
+    std::vector<std::string> row(columns.size() + 1);
     row[0] = captionRow[0];
     for (std::size_t c = 0; c < columns.size(); ++c) row[c + 1] = captionRow[1 + c % width];
-    page.Rows.push_back(row);
+    page.Head.push_back(std::move(row));
   }
-  for (std::size_t r = 0; r < rows; ++r) {
-    std::vector<std::string> row{r < rowLabels.size() ? rowLabels[r] : ""};
-    for (const Column& c : columns) row.push_back(r < c.Cells.size() ? c.Cells[r] : "");
-    page.Rows.push_back(row);
+  page.RowLabels = rowLabels;
+  page.RowLabels.resize(rows);
+  for (const Column& c : columns) page.KpColumn.push_back(c.Kp);
+  const std::size_t stride = columns.size();
+  page.Body.assign(rows * stride, kBlank);
+  for (std::size_t c = 0; c < stride; ++c) {
+    const std::vector<double>& cells = columns[c].Cells;
+    for (std::size_t r = 0; r < cells.size(); ++r) page.Body[r * stride + c] = cells[r];
   }
   return page;
 }
@@ -154,6 +162,21 @@ std::vector<IriSectionValue> SectionsOf(const BandIri& band, std::size_t length)
 
 }  // namespace
 
+std::string StatisticsPage::Cell(std::size_t row, std::size_t column) const {
+  if (row < Head.size()) return Head[row].at(column);
+  const std::size_t bodyRow = row - Head.size();
+  if (column == 0) return RowLabels.at(bodyRow);
+  const double value = Body.at(bodyRow * KpColumn.size() + column - 1);
+  if (std::isnan(value)) return {};
+  return FormatNumber(value, KpColumn[column - 1] ? kKpFormat : kValueFormat);
+}
+
+std::vector<std::string> StatisticsPage::RowText(std::size_t row) const {
+  std::vector<std::string> cells;
+  for (std::size_t c = 0; c < Width(); ++c) cells.push_back(Cell(row, c));
+  return cells;
+}
+
 bool CheckStatisticsSelection(std::int32_t selectedCount, StatisticsSelection& selection) {
   auto refuse = [](const char* text) {
     Ui().Message(text, "警告", MsgIcon::Exclamation, MsgButtons::Ok, MsgAnswer::Ok);
@@ -213,6 +236,15 @@ SectionGridLine BuildSectionGrid(double lowestStartKm, double highestEndKm, std:
 
 bool RunStatistics(ProfileList& list, std::span<const std::int32_t> selectedRows, StatisticsSelection selection,
                    const StatisticsRequest& request, StatisticsResults& results) {
+  if (!CheckStatisticsSelection(static_cast<std::int32_t>(selectedRows.size()), selection)) return false;
+  for (std::int32_t row : selectedRows)
+    if (!DecomposeProfile(list.Items.at(row), request.ConvergentOctaves)) return false;
+  return RunStatisticsOnSplit(list, selectedRows, selection, request, results);
+}
+
+bool RunStatisticsOnSplit(const ProfileList& list, std::span<const std::int32_t> selectedRows,
+                          StatisticsSelection selection, const StatisticsRequest& request,
+                          StatisticsResults& results) {
   bool done = false;
   Guarded("frmTop", "cmdGo統計値", [&] {
     if (!CheckStatisticsSelection(static_cast<std::int32_t>(selectedRows.size()), selection)) return;
@@ -222,7 +254,8 @@ bool RunStatistics(ProfileList& list, std::span<const std::int32_t> selectedRows
     std::vector<std::int32_t> rows(selectedRows.begin(), selectedRows.end());
     std::sort(rows.begin(), rows.end());
     for (std::int32_t row : rows)
-      if (!DecomposeProfile(list.Items.at(row), request.ConvergentOctaves)) return;
+      if (!list.Items.at(row).Analysis.Octave.Calculated)
+        RaiseSubscriptOutOfRange(ProfileList::NameOf(list.Items.at(row)) + ": octave bands not split");
 
     StatisticsResults fresh;
     double low = 0, high = 0, pitchOfLowest = 0;
@@ -267,14 +300,14 @@ bool RunStatistics(ProfileList& list, std::span<const std::int32_t> selectedRows
                           {name, kStatisticsBands[b], kStatisticsMeasures[m]},
                           {}};
             const std::size_t sections = page == 0 ? 1 : gridLabels[page - 1].size();
-            column.Cells.assign(sections, "");
+            column.Cells.assign(sections, kBlank);
             for (std::size_t r = 0; r < records.size(); ++r) {
               // Record r lies in grid section |first| + r, counted down for a downward profile.
               const std::int64_t section = page == 0 ? 1
                                            : firstSection > 0 ? firstSection + static_cast<std::int64_t>(r)
                                                               : -firstSection - static_cast<std::int64_t>(r);
               if (section >= 1 && section <= static_cast<std::int64_t>(sections))
-                column.Cells[static_cast<std::size_t>(section - 1)] = FormatNumber(MeasureOf(records[r], m), kValueFormat);
+                column.Cells[static_cast<std::size_t>(section - 1)] = MeasureOf(records[r], m);
             }
             columns[page].push_back(std::move(column));
           }
@@ -292,7 +325,7 @@ bool RunStatistics(ProfileList& list, std::span<const std::int32_t> selectedRows
             columns[4].push_back({StatisticsSortKey(selection.IriOrder, place, static_cast<std::int32_t>(b),
                                                     static_cast<std::int32_t>(m), static_cast<std::int32_t>(e)),
                                   {name, kIriEvaluationLengths[e], kStatisticsBands[b], kStatisticsMeasures[m]},
-                                  {s.Count == 0 ? "" : FormatNumber(MeasureOf(s, m), kValueFormat)}});
+                                  {s.Count == 0 ? kBlank : MeasureOf(s, m)}});
           }
           if (e == 0) continue;
           // The section pages list the fixed sections themselves: KP from, KP to, IRI.
@@ -302,12 +335,13 @@ bool RunStatistics(ProfileList& list, std::span<const std::int32_t> selectedRows
             three[c].Key = StatisticsSortKey(selection.IriOrder, place, static_cast<std::int32_t>(b), -1,
                                              static_cast<std::int32_t>(e)) + static_cast<char>('0' + c);
             three[c].Head = {name, kIriEvaluationLengths[e], kStatisticsBands[b], ""};
+            three[c].Kp = c < 2;
           }
           for (const SectionEntry& entry : table) {
             if (IsNoValue(entry.Iri)) continue;
-            three[0].Cells.push_back(FormatNumber(entry.KpFrom, kKpFormat));
-            three[1].Cells.push_back(FormatNumber(entry.KpTo, kKpFormat));
-            three[2].Cells.push_back(FormatNumber(entry.Iri, kValueFormat));
+            three[0].Cells.push_back(entry.KpFrom);
+            three[1].Cells.push_back(entry.KpTo);
+            three[2].Cells.push_back(entry.Iri);
           }
           for (auto& c : three) columns[4 + e].push_back(std::move(c));
         }
@@ -343,12 +377,13 @@ bool SaveStatistics(const StatisticsResults& results, const std::string& firstPr
     if (folder.empty()) return;
     const std::tm now = LocalNow();
     for (const StatisticsPage& page : results.Pages) {
-      if (page.Rows.empty()) continue;
+      if (page.Empty()) continue;
       std::vector<std::string> lines;
-      for (const auto& row : page.Rows) {
+      lines.reserve(page.RowCount());
+      for (std::size_t r = 0; r < page.RowCount(); ++r) {
         std::string line;
-        for (std::size_t c = 0; c < row.size(); ++c) line += (c == 0 ? "" : ",") + row[c];
-        lines.push_back(line);
+        for (std::size_t c = 0; c < page.Width(); ++c) line += (c == 0 ? "" : ",") + page.Cell(r, c);
+        lines.push_back(std::move(line));
       }
       WriteSystemTextFile(folder / CsvFileName(namePattern, "統計値", page.Caption, firstProfileName, now), lines);
     }

@@ -1,8 +1,9 @@
 #pragma once
 // The statistics tab: mean, deviation, extremes and spread of the band-split profiles and of their
 // IRI, over the whole length and over 10, 100 and 200 m sections common to all selected profiles.
-// The selection is what the tab's check boxes give; the result is eight pages of text cells, kept by
-// the caller for display and for the save.
+// The selection is what the tab's check boxes give; the result is eight pages kept by the caller for
+// display and for the save. Pages hold their figures as numbers: a full run makes millions of them,
+// and only the few shown or saved are turned into text.
 #include <array>
 #include <cstdint>
 #include <span>
@@ -66,9 +67,22 @@ std::string StatisticsSortKey(const std::vector<std::string>& order, std::int32_
 // pitch (m) of the profile with the smallest start.
 SectionGridLine BuildSectionGrid(double lowestStartKm, double highestEndKm, std::int32_t lengthM, double pitch);
 
+// One result page: head rows of text (names, bands, statistics, captions), then body rows of a label
+// and one number per column. Blank body cells are NaN. Columns of KP use "0.000", the others
+// "0.00000000".
 struct StatisticsPage {
   std::string Caption;
-  std::vector<std::vector<std::string>> Rows;  // all rows equally wide; empty when the page holds no data
+  std::vector<std::vector<std::string>> Head;  // each row Width() cells, label first
+  std::vector<std::string> RowLabels;          // first cell of each body row
+  std::vector<bool> KpColumn;                  // per body column (without the label)
+  std::vector<double> Body;                    // row-major, RowLabels.size() x KpColumn.size()
+
+  bool Empty() const { return Head.empty(); }
+  std::size_t Width() const { return KpColumn.size() + 1; }
+  std::size_t RowCount() const { return Empty() ? 0 : Head.size() + RowLabels.size(); }
+  // The cell as shown: row and column from 0 over the whole page, label column 0.
+  std::string Cell(std::size_t row, std::size_t column) const;
+  std::vector<std::string> RowText(std::size_t row) const;
 };
 
 struct StatisticsRequest {
@@ -88,6 +102,10 @@ struct StatisticsResults {
 // error (logged as "cmdGo統計値"); the results are replaced only by a complete run.
 bool RunStatistics(ProfileList& list, std::span<const std::int32_t> selectedRows, StatisticsSelection selection,
                    const StatisticsRequest& request, StatisticsResults& results);
+// The same over profiles whose octave split is already made (a profile without it is an error).
+bool RunStatisticsOnSplit(const ProfileList& list, std::span<const std::int32_t> selectedRows,
+                          StatisticsSelection selection, const StatisticsRequest& request,
+                          StatisticsResults& results);
 
 // "保存": one CSV file per page that holds data, in a folder the user picks. `namePattern` is the
 // "FileExportName" setting (may be empty); the first selected profile's name stands for

@@ -137,25 +137,25 @@ TEST(RunStatistics, TenMetreBlocksOnTheCommonGridUpAndDown) {
   StatisticsResults results;
   ASSERT_TRUE(RunStatistics(list, rows, MeanOfFullWave(), {}, results));
   EXPECT_EQ(results.Grid[0].SectionCount, 11);
-  const auto& whole = results.Pages[0].Rows;
+  const StatisticsPage& whole = results.Pages[0];
   EXPECT_EQ(results.Pages[0].Caption, "全区間(Prof)");
-  EXPECT_EQ(whole[0], (Row{"プロファイル", "A", "B", "C"}));
-  EXPECT_EQ(whole[1], (Row{"帯域", "全波長", "全波長", "全波長"}));
-  EXPECT_EQ(whole[2], (Row{"統計値", "平均 μ", "平均 μ", "平均 μ"}));
-  EXPECT_EQ(whole[3], (Row{"全区間", "200.50000000", "200.50000000", "200.50000000"}));
+  EXPECT_EQ(whole.RowText(0), (Row{"プロファイル", "A", "B", "C"}));
+  EXPECT_EQ(whole.RowText(1), (Row{"帯域", "全波長", "全波長", "全波長"}));
+  EXPECT_EQ(whole.RowText(2), (Row{"統計値", "平均 μ", "平均 μ", "平均 μ"}));
+  EXPECT_EQ(whole.RowText(3), (Row{"全区間", "200.50000000", "200.50000000", "200.50000000"}));
 
-  const auto& tens = results.Pages[1].Rows;
-  ASSERT_EQ(tens.size(), 4u + 11u);
-  EXPECT_EQ(tens[3], (Row{"KP", "", "", ""}));
+  const StatisticsPage& tens = results.Pages[1];
+  ASSERT_EQ(tens.RowCount(), 4u + 11u);
+  EXPECT_EQ(tens.RowText(3), (Row{"KP", "", "", ""}));
   // A: samples 1..20 lie before 1.010 (mean 10.5), then blocks of 40 (21..60: 40.5), the tail
   // 381..400 (390.5) in the last section. B starts on a border: 1..40 (20.5) ... 361..400 (380.5).
   // C runs down from 1.09975: 39 samples down to 1.090 (mean 20) in section 10, then 40..79 (59.5)
   // in section 9, ..., 360..399 (379.5) in section 1; sample 400 lies on 1.000 and opens a block
   // below the grid.
-  EXPECT_EQ(tens[4], (Row{"1.000", "10.50000000", "20.50000000", "379.50000000"}));
-  EXPECT_EQ(tens[5], (Row{"1.010", "40.50000000", "60.50000000", "339.50000000"}));
-  EXPECT_EQ(tens[13], (Row{"1.090", "360.50000000", "380.50000000", "20.00000000"}));
-  EXPECT_EQ(tens[14], (Row{"1.100", "390.50000000", "", ""}));
+  EXPECT_EQ(tens.RowText(4), (Row{"1.000", "10.50000000", "20.50000000", "379.50000000"}));
+  EXPECT_EQ(tens.RowText(5), (Row{"1.010", "40.50000000", "60.50000000", "339.50000000"}));
+  EXPECT_EQ(tens.RowText(13), (Row{"1.090", "360.50000000", "380.50000000", "20.00000000"}));
+  EXPECT_EQ(tens.RowText(14), (Row{"1.100", "390.50000000", "", ""}));
 }
 
 TEST(RunStatistics, IriPagesScaleWithTheProfileAndListTheFixedSections) {
@@ -169,30 +169,30 @@ TEST(RunStatistics, IriPagesScaleWithTheProfileAndListTheFixedSections) {
   s.IriLengths = {true, true, false, false};
   StatisticsResults results;
   ASSERT_TRUE(RunStatistics(list, rows, s, {}, results));
-  EXPECT_TRUE(results.Pages[0].Rows.empty());
-  const auto& whole = results.Pages[4].Rows;
-  ASSERT_EQ(whole.size(), 5u);
-  EXPECT_EQ(whole[1][1], "10m連続");
-  EXPECT_EQ(whole[1][4], "10m固定");
+  EXPECT_TRUE(results.Pages[0].Empty());
+  const StatisticsPage& whole = results.Pages[4];
+  ASSERT_EQ(whole.RowCount(), 5u);
+  EXPECT_EQ(whole.Cell(1, 1), "10m連続");
+  EXPECT_EQ(whole.Cell(1, 4), "10m固定");
   // Columns: A 10m連続 (mean, max, min), A 10m固定 (...), then B likewise. The quarter car is
   // linear, so B's figures are twice A's; each mean lies between its min and max.
   for (int c = 1; c <= 6; ++c) {
-    const double a = std::stod(whole[4][static_cast<std::size_t>(c)]);
-    const double b = std::stod(whole[4][static_cast<std::size_t>(c + 6)]);
+    const double a = std::stod(whole.Cell(4, static_cast<std::size_t>(c)));
+    const double b = std::stod(whole.Cell(4, static_cast<std::size_t>(c + 6)));
     EXPECT_NEAR(b, 2 * a, 1e-6) << c;
   }
-  EXPECT_LE(std::stod(whole[4][3]), std::stod(whole[4][1]));
-  EXPECT_LE(std::stod(whole[4][1]), std::stod(whole[4][2]));
+  EXPECT_LE(std::stod(whole.Cell(4, 3)), std::stod(whole.Cell(4, 1)));
+  EXPECT_LE(std::stod(whole.Cell(4, 1)), std::stod(whole.Cell(4, 2)));
   // The 10 m page lists the fixed sections of both from KP 0, B's IRI twice A's.
-  const auto& tens = results.Pages[5].Rows;
-  EXPECT_EQ(tens[4], (Row{"", "KP(自)", "KP(至)", "IRI", "KP(自)", "KP(至)", "IRI"}));
-  EXPECT_EQ(tens[5][1], "0.000");
-  EXPECT_GE(tens.size(), 5u + 49u);
-  for (std::size_t r = 5; r < tens.size(); ++r) {
-    EXPECT_EQ(tens[r][1], tens[r][4]);
-    EXPECT_NEAR(std::stod(tens[r][6]), 2 * std::stod(tens[r][3]), 2e-8) << r;
+  const StatisticsPage& tens = results.Pages[5];
+  EXPECT_EQ(tens.RowText(4), (Row{"", "KP(自)", "KP(至)", "IRI", "KP(自)", "KP(至)", "IRI"}));
+  EXPECT_EQ(tens.Cell(5, 1), "0.000");
+  EXPECT_GE(tens.RowCount(), 5u + 49u);
+  for (std::size_t r = 5; r < tens.RowCount(); ++r) {
+    EXPECT_EQ(tens.Cell(r, 1), tens.Cell(r, 4));
+    EXPECT_NEAR(std::stod(tens.Cell(r, 6)), 2 * std::stod(tens.Cell(r, 3)), 2e-8) << r;
   }
-  EXPECT_TRUE(results.Pages[6].Rows.empty());
+  EXPECT_TRUE(results.Pages[6].Empty());
 }
 
 TEST(SaveStatistics, OneFilePerPageWithDataNamedByCaption) {

@@ -279,11 +279,11 @@ TEST_F(WorkbenchTest, FormResetRestoresTheNewProjectState) {
 
 TEST_F(WorkbenchTest, GoOfATabWithoutAnAnalysisReportsThroughTheErrorPath) {
   ScriptedUi ui;
-  bench.Select(tab::Statistics, {1});
-  EXPECT_FALSE(bench.Go(tab::Statistics));
+  bench.Select(tab::Report, {1});
+  EXPECT_FALSE(bench.Go(tab::Report));
   ASSERT_EQ(ui.Messages().size(), 1u);
-  EXPECT_EQ(ui.Messages()[0].Title, "[ frmTop : cmdGO統計値_Click ]");
-  EXPECT_TRUE(bench.TabDirty[tab::Statistics]);
+  EXPECT_EQ(ui.Messages()[0].Title, "[ frmTop : cmxExlsCreate_Click ]");
+  EXPECT_TRUE(bench.TabDirty[tab::Report]);
 }
 
 TEST_F(WorkbenchTest, ToolsGetEveryProfileAndProjectSnapshotTellsChanges) {
