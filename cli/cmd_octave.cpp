@@ -1,4 +1,5 @@
-// velmora octave: the octave split of the files, one CSV with the nine bands and the sums per file.
+// velmora octave: the octave split of the files, one CSV with the nine bands and the sums per file,
+// and on request the bands one by one and the sums in files of their own.
 #include "session.h"
 
 namespace velmora::cli {
@@ -7,6 +8,7 @@ namespace {
 struct OctaveOptions {
   std::vector<std::string> Files;
   bool Converge = false;
+  BandFileOptions Extra;
 };
 
 int RunOctaveCommand(const CommonOptions& common, const OctaveOptions& o) {
@@ -15,7 +17,11 @@ int RunOctaveCommand(const CommonOptions& common, const OctaveOptions& o) {
   session->Bench.Octave.Converge = o.Converge;
   session->Bench.DispGrp = true;
   if (!session->Bench.Go(workbench::tab::Octave)) return 1;
-  return Export(*session, {ExportKind::OctaveAll, false, workbench::tab::Octave, {}}) ? 0 : 1;
+  return ExportBandFiles(*session, workbench::tab::Octave, o.Extra,
+                         {ExportKind::OctaveAll, ExportKind::OctaveBand, ExportKind::OctaveSum, ExportKind::OctaveLong,
+                          ExportKind::OctaveShort})
+             ? 0
+             : 1;
 }
 
 }  // namespace
@@ -25,6 +31,7 @@ VELMORA_COMMAND("octave", "split profiles into nine octave bands (51.2-102.4 m d
                   auto o = std::make_shared<OctaveOptions>();
                   AddFilesArgument(cmd, o->Files);
                   cmd.add_flag("--converge", o->Converge, "peel the bands pair by pair with repeated passes");
+                  AddBandFileFlags(cmd, o->Extra);
                   return [&common, o] { return RunOctaveCommand(common, *o); };
                 });
 

@@ -35,6 +35,32 @@ bool Export(Session& session, const workbench::ExportRequest& request) {
   return !workbench::MakeResultFiles(session.Bench, request, LocalNow()).Files.empty();
 }
 
+void AddBandFileFlags(CLI::App& command, BandFileOptions& options) {
+  command.add_option("--bands", options.Bands, "also one file per octave, e.g. 1,5,9 (mm)")
+      ->delimiter(',')->check(CLI::Range(1, 9));
+  command.add_flag("--sum", options.Sum, "also the nine bands summed (mm)");
+  command.add_flag("--long", options.Long, "also the long-wave sum of the octaves listed in TOLVAVERI.ini (mm)");
+  command.add_flag("--short", options.Short, "also the short-wave sum of the octaves listed in TOLVAVERI.ini (mm)");
+}
+
+bool ExportBandFiles(Session& session, int tab, const BandFileOptions& options,
+                     const std::array<ExportKind, 5>& kinds) {
+  workbench::ExportRequest request{kinds[0], false, tab, {}};
+  bool ok = Export(session, request);
+  if (!options.Bands.empty()) {
+    request.Kind = kinds[1];
+    request.Options.Octaves = options.Bands;
+    ok = Export(session, request) && ok;
+  }
+  const std::array<bool, 3> wanted{options.Sum, options.Long, options.Short};
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    if (!wanted[i]) continue;
+    request.Kind = kinds[i + 2];
+    ok = Export(session, request) && ok;
+  }
+  return ok;
+}
+
 void AddFilesArgument(CLI::App& command, std::vector<std::string>& files) {
   command.add_option("FILE", files, "ERD profile files (elevations in mm)")->required();
 }

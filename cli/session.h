@@ -1,6 +1,7 @@
 #pragma once
 // What every analysis command does before and after its own part: the program's start-up, a
 // workbench with the command's files registered and selected, and the export into -o.
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,6 +25,19 @@ std::unique_ptr<Session> OpenSession(const CommonOptions& common, const std::vec
 
 // Exports one kind for the rows selected on the request's tab into -o; false when nothing was written.
 bool Export(Session& session, const workbench::ExportRequest& request);
+
+// The per-band files of the octave and band-reduction commands, beside their all-in-one file.
+struct BandFileOptions {
+  std::vector<int> Bands;  // --bands 1,2,...: one file per octave
+  bool Sum = false;        // --sum: the nine bands summed
+  bool Long = false;       // --long: the long-wave sum (octaves of TOLVAVERI.ini)
+  bool Short = false;      // --short: the short-wave sum
+};
+void AddBandFileFlags(CLI::App& command, BandFileOptions& options);
+// Exports the all-in-one kind and the requested per-band kinds; kinds are given as all, one band,
+// sum, long, short. False when any export wrote nothing.
+bool ExportBandFiles(Session& session, int tab, const BandFileOptions& options,
+                     const std::array<ExportKind, 5>& kinds);
 
 // Adds the FILE... positional argument (ERD files) to a command.
 void AddFilesArgument(CLI::App& command, std::vector<std::string>& files);

@@ -1,6 +1,7 @@
 #!/bin/sh
 # The main job on the bundled examples: `make demo` runs this with the freshly built program.
 # Result files land in out/; the program's scratch tree goes to out/.velmora unless VELMORA_HOME is set.
+# Any failing command stops the demo with its message on the terminal.
 set -e
 velmora=${1:-build/bin/velmora}
 cd "$(dirname "$0")/.."
@@ -9,16 +10,22 @@ mkdir -p out
 VELMORA_HOME=${VELMORA_HOME:-$PWD/out/.velmora}
 export VELMORA_HOME
 profiles=$(ls examples/*.erd)
+run() { "$velmora" -o out --quiet "$@"; }
 
 echo "== Profiles: header, samples, pitch, length, KP, elevation statistics"
 "$velmora" info $profiles
 
-echo "== IRI: whole profile; 10 m continuous with the nine bands; 10/100/200 m fixed sections"
-"$velmora" -o out --quiet iri $profiles --length 10 --bands 2>/dev/null
-echo "== Octave split into nine bands"
-"$velmora" -o out --quiet octave $profiles 2>/dev/null
-echo "== FFT band-pass filter 50-5 m"
-"$velmora" -o out --quiet filter $profiles --type fft --kind bandpass --long 50 --short 5 2>/dev/null
+echo "== IRI (mm/m): whole profile; 10 m continuous with the nine bands; 10/100/200 m fixed sections"
+run iri $profiles --length 10 --bands
+echo "== Octave split into nine bands (mm): all in one file, the sums in files of their own"
+run octave $profiles --sum --long --short
+echo "== Band reduction against the shipped limit lines of Default.ini (mm)"
+run reduce $profiles
 echo "== PSD (Hanning window), smoothed to 12 points per octave"
-"$velmora" -o out --quiet psd $profiles --smooth 12 2>/dev/null
-echo "== $(ls out/*.CSV | wc -l) CSV files in out/"
+run psd $profiles --smooth 12
+echo "== FFT band-pass filter 50-5 m"
+run filter $profiles --type fft --kind bandpass --long 50 --short 5
+
+echo "== Summary"
+run summary $profiles
+echo "== $(ls out/*.CSV | wc -l) CSV files written to $PWD/out"

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "analysis/band_reduction_types.h"
 #include "analysis/filter_types.h"
 #include "analysis/iri_types.h"
 #include "analysis/octave_types.h"
@@ -25,6 +26,7 @@ struct AnalysisBlock {
   IriResults Iri;
   SectionIri Sections;
   OctaveBandSet Octave;
+  BandReductionBlock BandReduction;
   PsdResult Psd;
 };
 

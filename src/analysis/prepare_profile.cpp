@@ -66,6 +66,7 @@ void PrepareAnalysis(AnalysisBlock& block, std::int32_t n, const Array1<double>&
   const double dx = 1.0 / block.SamplesPerMetre;
   MakeOctaveMasks(block.FftLength2, dx, block.Masks);
   block.Octave.Calculated = false;
+  block.BandReduction.Calculated = false;
   block.Psd.Calculated = false;
   if (DebugTablesOn()) {
     WriteMaskTable(block, dx);

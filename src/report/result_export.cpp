@@ -71,6 +71,11 @@ std::string BuiltInExportPattern(ExportKind kind) {
     case ExportKind::OctaveSum: return std::string("$(PROFILENAME)$_Octave合算値_") + stamp;
     case ExportKind::OctaveLong: return std::string("$(PROFILENAME)$_Octave長波長_") + stamp;
     case ExportKind::OctaveShort: return std::string("$(PROFILENAME)$_Octave短波長_") + stamp;
+    case ExportKind::BandAll: return std::string("$(PROFILENAME)$_バンド別低減_") + stamp;
+    case ExportKind::BandOne: return std::string("$(PROFILENAME)$_バンド別低減_Octave$(OctaveNum)$_") + stamp;
+    case ExportKind::BandSum: return std::string("$(PROFILENAME)$_バンド別低減_Octave合算値_") + stamp;
+    case ExportKind::BandLong: return std::string("$(PROFILENAME)$_バンド別低減_Octave長波長_") + stamp;
+    case ExportKind::BandShort: return std::string("$(PROFILENAME)$_バンド別低減_Octave短波長_") + stamp;
     case ExportKind::PsdRaw: return std::string("[$(PROFILENAME)$]_PSD_") + stamp;
     case ExportKind::PsdSmoothed: return std::string("[$(PROFILENAME)$]_PSD平滑化_") + stamp;
     case ExportKind::PsdRatio: return std::string("[$(PROFILENAME)$]_PSD比_") + stamp;
@@ -90,6 +95,11 @@ std::string ExportSection(ExportKind kind) {
     case ExportKind::IriWhole:
     case ExportKind::IriContinuous:
     case ExportKind::IriFixed: return "IRI";
+    case ExportKind::BandAll:
+    case ExportKind::BandOne:
+    case ExportKind::BandSum:
+    case ExportKind::BandLong:
+    case ExportKind::BandShort: return "BandReduction";
     default: return "Octave";
   }
 }
@@ -108,6 +118,11 @@ std::string ExportKindWord(ExportKind kind) {
     case ExportKind::OctaveSum: return "Octave合算値";
     case ExportKind::OctaveLong: return "Octave長波長";
     case ExportKind::OctaveShort: return "Octave短波長";
+    case ExportKind::BandAll: return "バンド別低減";
+    case ExportKind::BandOne: return "バンド別低減Octave";
+    case ExportKind::BandSum: return "バンド別低減合算値";
+    case ExportKind::BandLong: return "バンド別低減長波長";
+    case ExportKind::BandShort: return "バンド別低減短波長";
     case ExportKind::PsdRaw: return "PSD";
     case ExportKind::PsdSmoothed: return "PSD平滑化";
     case ExportKind::PsdRatio: return "PSD比";
@@ -128,6 +143,11 @@ bool HasResult(ExportKind kind, const ProfileRecord& record) {
     case ExportKind::IriWhole: return !IsNoValue(block.Iri.IriWholeProfile);
     case ExportKind::IriContinuous: return block.Iri.IriWindowWave.Calculated;
     case ExportKind::IriFixed: return block.Sections.SectionCount > 0;
+    case ExportKind::BandAll:
+    case ExportKind::BandOne:
+    case ExportKind::BandSum:
+    case ExportKind::BandLong:
+    case ExportKind::BandShort: return block.BandReduction.Calculated;
     default: return block.Octave.Calculated;
   }
 }
@@ -151,6 +171,12 @@ Array1<double> PointKindValues(ExportKind kind, const ProfileRecord& record, int
     case ExportKind::OctaveSum: return Array1<double>(NineBandSum(block.Octave));
     case ExportKind::OctaveLong: return block.Octave.LongSum.Values;
     case ExportKind::OctaveShort: return block.Octave.ShortSum.Values;
+    case ExportKind::BandOne:
+      RequireOctave(octave);
+      return block.BandReduction.Result.Reduced[static_cast<std::size_t>(octave)].Values;
+    case ExportKind::BandSum: return block.BandReduction.Result.Total.Values;
+    case ExportKind::BandLong: return block.BandReduction.LongSum.Values;
+    case ExportKind::BandShort: return block.BandReduction.ShortSum.Values;
     default: throw LegacyError(ErrorNumber::InvalidData, "not a one-column kind: " + ExportKindWord(kind));
   }
 }
@@ -171,6 +197,17 @@ std::vector<std::string> PointKindLines(ExportKind kind, const ProfileRecord& re
     columns.push_back({"OCT-短波長(mm)", octaveSet.ShortSum.Values.span()});
     return PointCsvLines(axis, geometry, columns);
   }
+  if (kind == ExportKind::BandAll) {
+    const BandReductionBlock& band = record.Analysis.BandReduction;
+    std::vector<PointColumn> columns;
+    for (std::size_t k = 1; k <= 9; ++k)
+      columns.push_back({fmt::format("OCT-{}({})(mm)", k, FormatNumber(band.Limits[k], "0.000")),
+                         band.Result.Reduced[k].Values.span()});
+    columns.push_back({"OCT-合算(mm)", band.Result.Total.Values.span()});
+    columns.push_back({"OCT-長波長(mm)", band.LongSum.Values.span()});
+    columns.push_back({"OCT-短波長(mm)", band.ShortSum.Values.span()});
+    return PointCsvLines(axis, geometry, columns);
+  }
   const Array1<double> values = PointKindValues(kind, record, octave);
   std::string head;
   switch (kind) {
@@ -178,6 +215,13 @@ std::vector<std::string> PointKindLines(ExportKind kind, const ProfileRecord& re
     case ExportKind::OctaveBand: head = fmt::format("{} Octave {}(mm)", name, octave); break;
     case ExportKind::OctaveSum: head = name + " 合算値(mm)"; break;
     case ExportKind::OctaveLong: head = name + " Octave 長波長(mm)"; break;
+    case ExportKind::BandOne:
+      head = fmt::format("{} バンド別低減 {}-Octave={}mm",  name, octave,
+                         FormatNumber(record.Analysis.BandReduction.Limits[static_cast<std::size_t>(octave)], "0.00"));
+      break;
+    case ExportKind::BandSum: head = name + " バンド別低減(合算値)(mm)"; break;
+    case ExportKind::BandLong: head = name + " バンド別低減(長波長)(mm)"; break;
+    case ExportKind::BandShort: head = name + " バンド別低減(短波長)(mm)"; break;
     default: head = name + " Octave 短波長(mm)"; break;
   }
   return PointCsvLines(axis, geometry, {{head, values.span()}});

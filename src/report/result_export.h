@@ -19,6 +19,11 @@ enum class ExportKind {
   OctaveSum,      // the sum of the nine bands
   OctaveLong,
   OctaveShort,
+  BandAll,        // the nine reduced bands, their sum, the long and short sums in one file
+  BandOne,        // one reduced band per file
+  BandSum,        // the sum of the nine reduced bands
+  BandLong,
+  BandShort,
   PsdRaw,
   PsdSmoothed,
   PsdRatio,       // the first profile against each further one
@@ -29,7 +34,7 @@ enum class ExportKind {
 
 // Options of one export (the choices of the output-format forms).
 struct ExportOptions {
-  std::vector<int> Octaves;       // OctaveBand: the octave numbers 1..9 to write
+  std::vector<int> Octaves;       // OctaveBand, BandOne: the octave numbers 1..9 to write
   int Interval = 10;              // IriFixed: 10, 100 or 200 m
   bool WithBands = true;          // IRI kinds: the band columns too
   std::int32_t BandsPerOctave = 12;  // PsdSmoothed and PsdRatio with Smoothed
@@ -56,7 +61,7 @@ bool HasResult(ExportKind kind, const ProfileRecord& record);
 ProfileGeometry GeometryOf(const ProfileRecord& record);
 
 // The lines of one profile's file of a point kind (Profile, OctaveAll, OctaveSum/Long/Short, and
-// OctaveBand for `octave`). Values in mm; the no value stays an empty field.
+// OctaveBand for `octave`, the band-reduction kinds alike). Values in mm; the no value stays an empty field.
 std::vector<std::string> PointKindLines(ExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
                                         int octave = 0);
 // The values of a one-column point kind (for ERD output), 1..n.

@@ -1,43 +1,12 @@
 // The velmora program end to end on the bundled examples: exit status and the files it writes.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-
-#include "support/test_support.h"
+#include "cli_fixture.h"
 
 namespace velmora {
 namespace {
 
-namespace fs = std::filesystem;
+using testing::CliTest;
 using testing::ReadBytes;
-using testing::SourceDir;
-using testing::TempDir;
 using testing::WriteBytes;
-
-class CliTest : public ::testing::Test {
- protected:
-  // Runs the program with `arguments`, its scratch tree under the test's folder; returns the exit status.
-  int Run(const std::string& arguments) {
-    const std::string command = "VELMORA_HOME='" + (temp / "home").string() + "' '" VELMORA_BIN_DIR "/velmora' -o '" +
-                                (temp / "out").string() + "' --quiet " + arguments + " >'" +
-                                (temp / "stdout.txt").string() + "' 2>'" + (temp / "stderr.txt").string() + "'";
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  std::vector<std::string> Written() const {
-    std::vector<std::string> names;
-    if (fs::exists(temp / "out"))
-      for (const auto& entry : fs::directory_iterator(temp / "out")) names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-  std::string Example(const char* name) const { return "'" + (SourceDir() / "examples" / name).string() + "'"; }
-
-  TempDir temp;
-};
 
 TEST_F(CliTest, IriWritesTheWholeContinuousAndFixedFiles) {
   ASSERT_EQ(Run("iri " + Example("road_b.erd") + " --length 10 --bands"), 0) << ReadBytes(temp / "stderr.txt");

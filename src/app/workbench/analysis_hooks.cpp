@@ -1,5 +1,8 @@
+#include <algorithm>
+
 #include <fmt/format.h>
 
+#include "analysis/band_reduction.h"
 #include "analysis/filter.h"
 #include "analysis/iri_sections.h"
 #include "analysis/octave.h"
@@ -67,6 +70,50 @@ void InstallOctave(Workbench& bench) {
   bench.SetComputation(tab::Octave, std::move(c));
 }
 
+// The sum of the reduced octaves named in a settings list (an octave listed twice counts once).
+void SumOfOctaves(const BandReductionResult& result, std::int32_t n, const std::vector<std::int32_t>& octaves,
+                  WaveSeries& sum) {
+  Array1<double> values(static_cast<std::size_t>(n));
+  for (std::size_t k = 1; k <= 9; ++k) {
+    if (std::find(octaves.begin(), octaves.end(), static_cast<std::int32_t>(k)) == octaves.end()) continue;
+    for (std::int32_t i = 1; i <= n; ++i) values[i] += result.Reduced[k].Values[i];
+  }
+  StoreWave(sum, std::move(values));
+}
+
+void InstallBandReduction(Workbench& bench) {
+  TabComputation c;
+  c.ProgressTitle = "バンド別低減計算";
+  // A line that is not a number means no limit; nothing is refused here.
+  c.StoreInputs = [&bench] {
+    BandReductionLines& lines = CurrentConditions().BandLines;
+    for (std::size_t k = 1; k <= 9; ++k) {
+      const double limit = BandLimitFromText(bench.Band.Lines[k]);
+      lines.Value[k] = limit == NoLimit ? kNoValue : limit;
+    }
+    return true;
+  };
+  c.InputKey = [&bench] {
+    std::string key = fmt::format("{}", bench.Octave.Converge);
+    for (double limit : BandLimitsFromTexts(bench.Band.Lines)) key += fmt::format("|{}", limit);
+    return key;
+  };
+  c.Compute = [&bench](ProfileRecord& record) {
+    EnsurePrepared(record);
+    if (!DecomposeProfile(record, bench.Octave.Converge)) return false;
+    BandReductionBlock& block = record.Analysis.BandReduction;
+    block.Calculated = false;
+    block.Limits = BandLimitsFromTexts(bench.Band.Lines);
+    const std::int32_t n = record.Analysis.Count;
+    if (!Cal_バンド別低減(block.Limits, n, record.Analysis.Octave, block.Result)) return false;
+    SumOfOctaves(block.Result, n, Settings().LongOctaves, block.LongSum);
+    SumOfOctaves(block.Result, n, Settings().ShortOctaves, block.ShortSum);
+    block.Calculated = true;
+    return true;
+  };
+  bench.SetComputation(tab::BandReduction, std::move(c));
+}
+
 void InstallPsd(Workbench& bench) {
   TabComputation c;
   c.ProgressTitle = "パワースペクトル計算";
@@ -130,6 +177,7 @@ void InstallIri(Workbench& bench) {
 void InstallAnalyses(Workbench& bench) {
   InstallFilter(bench);
   InstallOctave(bench);
+  InstallBandReduction(bench);
   InstallPsd(bench);
   InstallIri(bench);
   InstallEvaluation(bench);

@@ -23,13 +23,18 @@ bool IsPsd(ExportKind kind) {
 }
 bool IsOneColumn(ExportKind kind) {
   return kind == ExportKind::Profile || kind == ExportKind::OctaveBand || kind == ExportKind::OctaveSum ||
-         kind == ExportKind::OctaveLong || kind == ExportKind::OctaveShort;
+         kind == ExportKind::OctaveLong || kind == ExportKind::OctaveShort || kind == ExportKind::BandOne ||
+         kind == ExportKind::BandSum || kind == ExportKind::BandLong || kind == ExportKind::BandShort;
 }
 
 // The checks that stop an export before the dialog, with their warnings.
 bool Checked(const ExportRequest& request) {
   if (request.Kind == ExportKind::OctaveBand && request.Options.Octaves.empty()) {
     Ui().Inform("バンド別表示が１個も指定されていません。\r\nファイル出力を中止します。", "警告");
+    return false;
+  }
+  if (request.Kind == ExportKind::BandOne && request.Options.Octaves.empty()) {
+    Ui().Inform("バンド別低減ライン値が１個も指定されていません。\r\nファイル出力を中止します。", "警告");
     return false;
   }
   const bool smoothing = request.Kind == ExportKind::PsdSmoothed ||
@@ -125,6 +130,7 @@ void WriteAll(Workbench& bench, const ExportRequest& request, const std::vector<
         break;
       }
       case ExportKind::OctaveBand:
+      case ExportKind::BandOne:
         for (int octave : request.Options.Octaves) {
           const std::string file = writer.Name(name, {{"$(OctaveNum)$", std::to_string(octave)}});
           if (request.Erd)
@@ -137,6 +143,10 @@ void WriteAll(Workbench& bench, const ExportRequest& request, const std::vector<
       case ExportKind::OctaveSum:
       case ExportKind::OctaveLong:
       case ExportKind::OctaveShort:
+      case ExportKind::BandAll:
+      case ExportKind::BandSum:
+      case ExportKind::BandLong:
+      case ExportKind::BandShort:
         if (request.Erd)
           writer.Erd(writer.Name(name, {}), *record, PointKindValues(kind, *record));
         else

@@ -1,0 +1,88 @@
+#pragma once
+// Runs the velmora program with its scratch tree and output folder under a test's temporary folder,
+// and reads back what it wrote.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/text_encoding.h"
+#include "support/test_support.h"
+
+namespace velmora::testing {
+
+class CliTest : public ::testing::Test {
+ protected:
+  // Runs the program with `arguments` and -o `out` (relative to the test's folder); the exit status.
+  int Run(const std::string& arguments, const std::string& out = "out") {
+    const std::string command = "VELMORA_HOME='" + (temp / "home").string() + "' '" VELMORA_BIN_DIR "/velmora' -o '" +
+                                (temp / out).string() + "' --quiet " + arguments + " >'" +
+                                (temp / "stdout.txt").string() + "' 2>'" + (temp / "stderr.txt").string() + "'";
+    const int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+  std::string Stdout() const { return ReadBytes(temp / "stdout.txt"); }
+  std::string Stderr() const { return ReadBytes(temp / "stderr.txt"); }
+
+  // The names in an output folder, sorted by bytes.
+  std::vector<std::string> Written(const std::string& out = "out") const {
+    std::vector<std::string> names;
+    if (std::filesystem::exists(temp / out))
+      for (const auto& entry : std::filesystem::directory_iterator(temp / out))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+  // The one written file whose name holds `part`; fails the test when there is not exactly one.
+  std::filesystem::path WrittenWith(const std::string& part, const std::string& out = "out") const {
+    std::vector<std::string> hits;
+    for (const std::string& name : Written(out))
+      if (name.find(part) != std::string::npos) hits.push_back(name);
+    EXPECT_EQ(hits.size(), 1u) << part;
+    return hits.empty() ? temp / out / "none" : temp / out / hits.front();
+  }
+  std::string Example(const char* name) const { return "'" + (SourceDir() / "examples" / name).string() + "'"; }
+
+  // A one-channel ERD file of `values` (mm) at `pitch` m, written by hand; its quoted path.
+  std::string WriteErd(const std::string& name, const std::vector<double>& values, double pitch) const {
+    std::ostringstream text;
+    text << "ERDFILEV2.00\r\n      1, " << values.size() << ", " << values.size() << ",      1,      5, " << pitch
+         << "    ,     -1,\r\nTITLE   " << name << "\r\nSHORTNAMRElev.\r\nLONGNAMELeft Elevation\r\nUNITSNAMmm\r\n"
+         << "GENNAME Elevation\r\nXLABEL  Distance\r\nXUNITS  m\r\nFORMAT  (G14.6)\r\nEND\r\n";
+    text.precision(10);
+    for (double v : values) text << v << " \r\n";
+    WriteBytes(temp / (name + ".erd"), text.str());
+    return "'" + (temp / (name + ".erd")).string() + "'";
+  }
+
+  TempDir temp;
+};
+
+// The fields of a CSV line of the result files (", " between fields).
+inline std::vector<std::string> Fields(const std::string& line) {
+  std::vector<std::string> out;
+  std::size_t from = 0;
+  for (std::size_t at; (at = line.find(", ", from)) != std::string::npos; from = at + 2)
+    out.push_back(line.substr(from, at - from));
+  out.push_back(line.substr(from));
+  return out;
+}
+
+// The numbers after the END line of an ERD file.
+inline std::vector<double> ErdSamples(const std::filesystem::path& path) {
+  std::vector<double> values;
+  bool data = false;
+  for (const std::string& line : ReadSystemTextLines(path)) {
+    if (data && !line.empty()) values.push_back(std::stod(line));
+    if (line.rfind("END", 0) == 0) data = true;
+  }
+  return values;
+}
+
+}  // namespace velmora::testing
