@@ -51,12 +51,9 @@ std::vector<std::string> StudyListItems(const std::vector<StudyTarget>& studies)
   return items;
 }
 
-std::optional<std::size_t> CreateStudy(std::vector<StudyTarget>& studies, StudyForm form,
-                                       const std::vector<StudyPoint>& table) {
-  const std::optional<std::string> name = AskStudyName(studies, StudySuffix(form), "", studies.size());
-  if (!name) return std::nullopt;
+StudyTarget NewStudy(std::string name, const std::vector<StudyPoint>& table) {
   StudyTarget study;
-  study.Name = *name;
+  study.Name = std::move(name);
   for (const StudyPoint& p : table) {
     study.Flags.push_back(p.Flag);
     study.Points.push_back(p.Index);
@@ -64,6 +61,14 @@ std::optional<std::size_t> CreateStudy(std::vector<StudyTarget>& studies, StudyF
   // The working set starts as the calculated one; a save writes it only once the user adjusted it.
   study.AdjFlags = study.Flags;
   study.AdjPoints = study.Points;
+  return study;
+}
+
+std::optional<std::size_t> CreateStudy(std::vector<StudyTarget>& studies, StudyForm form,
+                                       const std::vector<StudyPoint>& table) {
+  const std::optional<std::string> name = AskStudyName(studies, StudySuffix(form), "", studies.size());
+  if (!name) return std::nullopt;
+  StudyTarget study = NewStudy(*name, table);
   study.Thickness.assign(table.size(), 0.0);
   studies.push_back(std::move(study));
   return studies.size() - 1;

@@ -28,6 +28,8 @@ std::string_view StudySuffix(StudyForm form);
 // The rows of either list: the fixed item, then the names of `studies` in order.
 std::vector<std::string> StudyListItems(const std::vector<StudyTarget>& studies);
 
+// A study named `name` (suffix included) with the points and flags of the calculated point `table`.
+StudyTarget NewStudy(std::string name, const std::vector<StudyPoint>& table);
 // Asks for a name until it is new among `studies` or the user cancels; then appends a study with the
 // points and flags of the calculated point `table`. Returns the new study's position (0-based).
 std::optional<std::size_t> CreateStudy(std::vector<StudyTarget>& studies, StudyForm form,
