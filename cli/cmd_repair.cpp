@@ -9,7 +9,7 @@
 #include "app/common.h"
 #include "app/legacy_format.h"
 #include "app/text_encoding.h"
-#include "app/workbench/file_export_name.h"
+#include "app/workbench/repair_register.h"
 #include "app/workbench/repair_result_files.h"
 #include "profile/profile_list.h"
 #include "repair/ideal_shape.h"
@@ -142,41 +142,43 @@ bool ApplyAdjustments(workbench::Workbench& bench, const std::string& file, cons
   return true;
 }
 
-// Registers the chosen waves as profiles (files in the project's profile folder) and copies those
-// files into the output folder.
-bool RegisterWaves(Session& session, const std::string& which, const std::string& outputDir) {
-  if (which.empty()) return true;
-  WaveChoice waves;
-  bool ideal = false;
+// The --register list: any of L, M, S, ideal.
+struct RegisterChoice {
+  WaveChoice Waves;
+  bool Ideal = false;
+  bool Any() const { return Waves.Long || Waves.Middle || Waves.Short || Ideal; }
+};
+
+RegisterChoice ParseRegister(const std::string& which) {
+  RegisterChoice choice;
+  if (which.empty()) return choice;
   for (const std::string& word : Split(which)) {
     const std::string w = Trim(word);
-    if (w == "L") waves.Long = true;
-    else if (w == "M") waves.Middle = true;
-    else if (w == "S") waves.Short = true;
-    else if (w == "ideal") ideal = true;
+    if (w == "L") choice.Waves.Long = true;
+    else if (w == "M") choice.Waves.Middle = true;
+    else if (w == "S") choice.Waves.Short = true;
+    else if (w == "ideal") choice.Ideal = true;
     else throw InputError{"--register: \"" + w + "\" is none of L, M, S, ideal"};
   }
-  workbench::Workbench& bench = session.Bench;
-  std::vector<ProfileRecord> records;
-  for (int row = 1; row <= bench.ProfileCount(); ++row) records.push_back(bench.Profile(row));
-  std::vector<std::int32_t> rows(bench.Selection(ThreeWave).begin(), bench.Selection(ThreeWave).end());
-  StudyRun run{records, rows, bench.Repair.Form, &bench.Repair.Stored, bench.Repair.UsePlanRange};
-  ProfileList registered;
-  const std::string pattern = workbench::FileExportPattern(kRepairExportSection);
-  bool ok = true;
-  if (waves.Long || waves.Middle || waves.Short) ok = cmdProfile登録_3波分解(run, registered, waves, pattern);
-  if (ideal) ok = cmdProfile登録_理想形状(run, registered, pattern) && ok;
-  for (const ProfileRecord& record : registered.Items) {
-    const fs::path source = fs::path(ProjectProfileFolder()) / record.FileName;
-    if (!fs::is_regular_file(source)) continue;
-    fs::copy_file(source, fs::path(outputDir) / record.FileName, fs::copy_options::overwrite_existing);
-    std::printf("registered\t%s\n", record.FileName.c_str());
+  return choice;
+}
+
+// Registers the chosen waves as profiles (files in the project's profile folder) and copies those
+// files into the output folder.
+bool RegisterWaves(workbench::Workbench& bench, const RegisterChoice& choice, const std::string& outputDir) {
+  if (!choice.Any()) return true;
+  const workbench::RegisteredWaves registered = workbench::RegisterStudyWaves(bench, choice.Waves, choice.Ideal);
+  for (const std::string& name : registered.FileNames) {
+    fs::copy_file(fs::path(ProjectProfileFolder()) / name, fs::path(outputDir) / name,
+                  fs::copy_options::overwrite_existing);
+    std::printf("registered\t%s\n", name.c_str());
   }
-  return ok;
+  return registered.Ok;
 }
 
 int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
   try {
+    const RegisterChoice registerChoice = ParseRegister(o.Register);
     std::vector<Adjustment> adjustments;
     if (!o.Adjust.empty()) adjustments = ReadAdjustments(o.Adjust);
     auto session = OpenSession(common, o.Files, workbench::tab::Profile);
@@ -209,7 +211,7 @@ int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
                                           {Kind::IdealShape, IdealShape}};
     for (const auto& [kind, tab] : kinds)
       ok = !workbench::MakeRepairResultFiles(bench, {kind, false, tab}, now).Files.empty() && ok;
-    ok = RegisterWaves(*session, o.Register, common.OutputDir) && ok;
+    ok = RegisterWaves(bench, registerChoice, common.OutputDir) && ok;
     return ok ? 0 : 1;
   } catch (const InputError& error) {
     std::fprintf(stderr, "velmora repair: %s\n", error.Text.c_str());

@@ -89,6 +89,14 @@ TEST_F(RepairCliTest, ABoundaryTheChecksRefuseStopsWithItsMessageAndNoFile) {
   EXPECT_EQ(Repair(Road() + " --short ''"), 1);
   EXPECT_NE(Err().find("短波側境界値が指定されていません。"), std::string::npos) << Err();
   EXPECT_TRUE(Written().empty());
+  // Options of the command line itself are checked before any work.
+  EXPECT_EQ(Repair(Road() + " --register L,X"), 2);
+  EXPECT_NE(Err().find("--register: \"X\" is none of L, M, S, ideal"), std::string::npos) << Err();
+  EXPECT_EQ(Repair(Road() + " --lines 1,2,3"), 2);
+  EXPECT_NE(Err().find("--lines: nine limits are needed (mm), got 3"), std::string::npos) << Err();
+  EXPECT_EQ(Repair(Road() + " --plan-range 0.1"), 2);
+  EXPECT_NE(Err().find("--plan-range: two KP values in km are needed"), std::string::npos) << Err();
+  EXPECT_TRUE(Written().empty());
 }
 
 TEST_F(RepairCliTest, BadAdjustmentFileIsNamedWithItsLineAndNothingIsWritten) {

@@ -6,6 +6,7 @@
 
 #include "analysis/iri.h"
 #include "app/app_paths.h"
+#include "app/workbench/repair_register.h"
 #include "app/workbench/workbench.h"
 #include "repair/ideal_shape.h"
 #include "repair/study_fixture.h"
@@ -159,6 +160,23 @@ TEST_F(RepairTabsTest, BadBoundaryStopsTheGoWithItsMessage) {
   EXPECT_FALSE(Road().RepairStudy.MiddleValid);
   EXPECT_EQ(bench.ComputeCount(tab::MediumWave), 0);
   EXPECT_TRUE(ProgressTitles(ui).empty());
+}
+
+TEST_F(RepairTabsTest, RegisteredWavesBecomeNewRowsWithMarkedTitles) {
+  ASSERT_TRUE(RunAllFour());
+  const RegisteredWaves registered = RegisterStudyWaves(bench, WaveChoice{true, false, false}, true);
+  ASSERT_TRUE(registered.Ok);
+  ASSERT_EQ(registered.FileNames.size(), 2u);
+  ASSERT_EQ(bench.ProfileCount(), 3);
+  EXPECT_EQ(registered.FileNames[0].rfind("a_L波_", 0), 0u) << registered.FileNames[0];
+  EXPECT_EQ(registered.FileNames[1].rfind("a_理想形状案_", 0), 0u) << registered.FileNames[1];
+  const ProfileRecord& longWave = bench.Profile(2);
+  EXPECT_EQ(longWave.Erd.Title, "試験路(L)");
+  EXPECT_EQ(bench.Profile(3).Erd.Title, "試験路(理想形状案)");
+  // The registered elevations are the L wave as the ERD file holds it.
+  ASSERT_EQ(longWave.Erd.NumSamples, Road().WorkCount);
+  for (std::int32_t i = 1; i <= Road().WorkCount; i += 97)
+    EXPECT_NEAR(longWave.Erd.Elevation[i], Road().ThreeWave.LongWave.Values[i], 1e-3) << i;
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 // The repair-shape study's tabs joined to their computations: the Go of each of tabs 10 to 13 runs
 // the study's driver over the stale rows, and a change of the study's values that cleared every
-// profile's study data is acted on in the tabs and lists.
+// profile's study data is acted on in the tabs and lists; the study's waves registered as profiles.
 #include <fmt/format.h>
 
 #include "app/common.h"
-#include "app/workbench/workbench.h"
+#include "app/workbench/file_export_name.h"
+#include "app/workbench/repair_register.h"
+#include "report/repair_export.h"
 #include "repair/ideal_shape.h"
 #include "repair/study_targets.h"
 
@@ -128,6 +130,35 @@ void InstallRepair(Workbench& bench) {
   InstallStudyTab(bench, tab::MediumWave, cmdGo_中波長, {tab::ThreeWave});
   InstallStudyTab(bench, tab::ShortWave, cmdGo_短波長, {tab::ThreeWave});
   InstallStudyTab(bench, tab::IdealShape, cmdGo_理想形状, {tab::ThreeWave, tab::MediumWave, tab::ShortWave});
+}
+
+}  // namespace velmora::workbench
+
+namespace velmora::workbench {
+
+RegisteredWaves RegisterStudyWaves(Workbench& bench, const WaveChoice& waves, bool idealShape) {
+  RegisteredWaves result;
+  const int count = bench.ProfileCount();
+  if (count == 0) return result;
+  RepairTabInputs& in = bench.Repair;
+  std::span<ProfileRecord> profiles(&bench.Profile(1), static_cast<std::size_t>(count));
+  const std::string pattern = FileExportPattern(kRepairExportSection);
+  ProfileList registered;
+  if (waves.Long || waves.Middle || waves.Short) {
+    const std::vector<std::int32_t> rows(bench.Selection(tab::ThreeWave).begin(), bench.Selection(tab::ThreeWave).end());
+    StudyRun run{profiles, rows, in.Form, &in.Stored, in.UsePlanRange};
+    result.Ok = cmdProfile登録_3波分解(run, registered, waves, pattern);
+  }
+  if (idealShape) {
+    const std::vector<std::int32_t> rows(bench.Selection(tab::IdealShape).begin(), bench.Selection(tab::IdealShape).end());
+    StudyRun run{profiles, rows, in.Form, &in.Stored, in.UsePlanRange};
+    result.Ok = cmdProfile登録_理想形状(run, registered, pattern) && result.Ok;
+  }
+  for (ProfileRecord& record : registered.Items) {
+    result.FileNames.push_back(record.FileName);
+    bench.AddProfile(std::move(record));
+  }
+  return result;
 }
 
 }  // namespace velmora::workbench
