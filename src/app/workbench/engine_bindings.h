@@ -1,0 +1,28 @@
+#pragma once
+// The workbench's hooks bound to the engines that exist for them: the profile tab's boxes (shown,
+// checked and stored on leaving tab 1, emptied by the form reset) and the repair-study part of the
+// project reset. The bindings hold for as long as this object lives.
+#include "app/workbench/workbench.h"
+#include "profile/profile_tab.h"
+
+namespace velmora::workbench {
+
+class EngineBindings {
+ public:
+  explicit EngineBindings(Workbench& bench);
+  ~EngineBindings();  // the project reset no longer reaches the workbench
+  EngineBindings(const EngineBindings&) = delete;
+  EngineBindings& operator=(const EngineBindings&) = delete;
+
+  ProfileTabBoxes ProfileBoxes;  // the boxes of tab 1, edited by the front end
+
+  // Fills the boxes from the profile of `row` (from 1) with LoadingProfile set, so that filling them
+  // starts no change event.
+  void ShowProfile(int row);
+
+ private:
+  void StoreBoxes(int row);
+  Workbench& bench_;
+};
+
+}  // namespace velmora::workbench

@@ -1,0 +1,76 @@
+// The profile tab's boxes and the project reset bound to the workbench.
+#include "app/workbench/engine_bindings.h"
+
+#include <gtest/gtest.h>
+
+#include "app/app_paths.h"
+#include "app/startup.h"
+#include "support/test_support.h"
+
+namespace velmora::workbench {
+namespace {
+
+using testing::TempDir;
+
+class EngineBindingsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    Paths().TempPath = temp.path().string();
+    CurrentConditions() = CalcConditions{};
+    bench.FormLoad();
+    ProfileRecord record;
+    record.FileName = "A.erd";
+    record.Erd.StepSize = 0.05;
+    record.Erd.NumSamples = 3;
+    record.Comment = "old";
+    bench.AddProfile(record);
+    bench.Select(tab::Profile, {1});
+    binding.ShowProfile(1);
+    bench.TabDirty.fill(false);
+  }
+  TempDir temp;
+  Workbench bench;
+  EngineBindings binding{bench};
+};
+
+TEST_F(EngineBindingsTest, LeavingTheProfileTabStoresTheBoxesAndANewPitchMarksEveryTab) {
+  EXPECT_EQ(binding.ProfileBoxes.txt緒元[3], "0.05000");
+  binding.ProfileBoxes.txt緒元[8] = "new comment";
+  bench.TabClick(tab::Statistics);
+  EXPECT_EQ(bench.Profile(1).Comment, "new comment");
+  EXPECT_FALSE(bench.TabDirty[tab::Iri]);  // a comment changes no result
+
+  bench.TabClick(tab::Profile);
+  binding.ProfileBoxes.txt緒元[3] = "0.1";
+  bench.TabClick(tab::Statistics);
+  EXPECT_EQ(bench.Profile(1).Erd.StepSize, 0.1);
+  EXPECT_TRUE(bench.TabDirty[tab::Iri]);
+  EXPECT_TRUE(bench.TabDirty[tab::Octave]);
+}
+
+TEST_F(EngineBindingsTest, LeavingColoursTheBadBoxesAndTheResetEmptiesThem) {
+  binding.ProfileBoxes.txt緒元[3] = "abc";
+  binding.ProfileBoxes.txt緒元[4] = "";
+  bench.TabClick(tab::Statistics);
+  EXPECT_EQ(binding.ProfileBoxes.Colours[3].Back, kBoxNotNumeric);
+  EXPECT_EQ(binding.ProfileBoxes.Colours[4].Back, kBoxEmpty);
+  bench.FormReset();
+  EXPECT_EQ(binding.ProfileBoxes.txt緒元[3], "");
+  EXPECT_EQ(binding.ProfileBoxes.opt上下, 2);  // なし
+}
+
+TEST_F(EngineBindingsTest, ProjectResetClearsTheRepairStudyOfEveryProfile) {
+  bench.Profile(1).Studies.emplace_back();
+  ASSERT_TRUE(ProjectHooks().ClearRepairStudy);
+  ProjectHooks().ClearRepairStudy();
+  EXPECT_TRUE(bench.Profile(1).Studies.empty());
+}
+
+TEST(EngineBindings, EndOfTheBindingReleasesTheProjectHook) {
+  Workbench bench;
+  { EngineBindings binding(bench); }
+  EXPECT_FALSE(ProjectHooks().ClearRepairStudy);
+}
+
+}  // namespace
+}  // namespace velmora::workbench
