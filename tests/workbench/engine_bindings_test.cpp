@@ -59,6 +59,24 @@ TEST_F(EngineBindingsTest, LeavingColoursTheBadBoxesAndTheResetEmptiesThem) {
   EXPECT_EQ(binding.ProfileBoxes.opt上下, 2);  // なし
 }
 
+TEST_F(EngineBindingsTest, ConditionsMenuAppliesTheDialogAndMarksTheTabs) {
+  binding.RunConditionsDialog = [](ConditionsDialog& dialog) {
+    dialog.Boxes.txt_IRI[0] = "60";  // speed, km/h
+    EXPECT_TRUE(dialog.Ok());
+  };
+  bench.MnuConditions();
+  EXPECT_EQ(CurrentConditions().Iri.Speed, 60.0);
+  EXPECT_TRUE(bench.TabDirty[tab::Iri]);
+
+  bench.TabDirty.fill(false);
+  binding.RunConditionsDialog = [](ConditionsDialog& dialog) { EXPECT_TRUE(dialog.Ok()); };  // nothing changed
+  bench.MnuConditions();
+  EXPECT_FALSE(bench.TabDirty[tab::Iri]);
+  binding.RunConditionsDialog = nullptr;  // closed at once
+  bench.MnuConditions();
+  EXPECT_FALSE(bench.TabDirty[tab::Iri]);
+}
+
 TEST_F(EngineBindingsTest, ProjectResetClearsTheRepairStudyOfEveryProfile) {
   bench.Profile(1).Studies.emplace_back();
   ASSERT_TRUE(ProjectHooks().ClearRepairStudy);

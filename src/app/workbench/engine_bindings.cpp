@@ -17,6 +17,14 @@ EngineBindings::EngineBindings(Workbench& bench) : bench_(bench) {
       earlier(code);
   };
   hooks.StoreProfileBoxes = [this](int row) { StoreBoxes(row); };
+  // The workbench marks its tabs and refills its boxes itself when this reports a change.
+  hooks.EditConditions = [this] {
+    bool changed = false;
+    ConditionsDialog dialog([&changed] { changed = true; });
+    if (RunConditionsDialog) RunConditionsDialog(dialog);
+    if (dialog.IsOpen()) dialog.Close();
+    return changed;
+  };
   ProjectHooks().ClearRepairStudy = [this] {
     for (int row = 1; row <= bench_.ProfileCount(); ++row) ClearRepairStudy(bench_.Profile(row));
   };
@@ -27,6 +35,7 @@ EngineBindings::~EngineBindings() {
   bench_.Hooks.ClearProfileBoxes = nullptr;
   bench_.Hooks.CheckTabInputs = nullptr;
   bench_.Hooks.StoreProfileBoxes = nullptr;
+  bench_.Hooks.EditConditions = nullptr;
 }
 
 void EngineBindings::ShowProfile(int row) {
