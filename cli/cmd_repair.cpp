@@ -208,6 +208,7 @@ int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
     const std::pair<Kind, int> kinds[] = {{Kind::ThreeWaveProfile, ThreeWave},
                                           {Kind::ThreeWaveIri, ThreeWave},
                                           {Kind::ShortWave, workbench::tab::ShortWave},
+                                          {Kind::ShortWaveIri, workbench::tab::ShortWave},
                                           {Kind::IdealShape, IdealShape}};
     for (const auto& [kind, tab] : kinds)
       ok = !workbench::MakeRepairResultFiles(bench, {kind, false, tab}, now).Files.empty() && ok;

@@ -4,9 +4,12 @@
 
 #include <fmt/format.h>
 
+#include "analysis/iri.h"
+#include "analysis/octave.h"
 #include "app/common.h"
 #include "app/legacy_error.h"
 #include "app/legacy_math.h"
+#include "profile/profile_list.h"
 #include "report/result_csv.h"
 #include "report/result_export.h"
 #include "repair/ideal_shape.h"
@@ -36,29 +39,71 @@ std::vector<std::string> ThreeWaveProfileLines(const ProfileRecord& record, cons
                         {"S波", split.ShortWave.Values.span()}});
 }
 
+// The sliding-window IRI (mm/m) of a wave of the record with the study's parameters.
+IriResults WindowIri(const ProfileRecord& record, const Array1<double>& wave, const IriParams& iri) {
+  StudyWave out;
+  if (!AnalyseStudyWave(wave, record.Erd.StepSize, &iri, false, 0, out))
+    throw LegacyError(ErrorNumber::InvalidData, ProfileList::NameOf(record) + ": IRIを計算できません");
+  return std::move(out.Iri);
+}
+
+// The same with the nine octave bands of the wave, split as the octave tab splits a profile.
+IriResults WindowIriWithBands(const ProfileRecord& record, const Array1<double>& wave, const IriParams& iri) {
+  ProfileRecord alone;
+  alone.Erd = record.Erd;
+  alone.WorkCount = static_cast<std::int32_t>(wave.size());
+  alone.WorkProfile = wave;
+  if (!DecomposeProfile(alone, false))
+    throw LegacyError(ErrorNumber::InvalidData, ProfileList::NameOf(record) + ": オクターブ分解できません");
+  CalcIriProfile(alone.Analysis, iri, true);
+  return std::move(alone.Analysis.Iri);
+}
+
 // One row per window position, as the IRI tab's continuous file: from the window's first sample over
-// the base length.
-std::vector<std::string> ThreeWaveIriLines(const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
-  const ThreeWaveSplit& split = record.ThreeWave;
-  const double pitch = record.Erd.StepSize;
-  std::array<StudyWave, 3> waves;
-  const WaveSeries* sources[] = {&split.LongWave, &split.MiddleWave, &split.ShortWave};
-  for (std::size_t w = 0; w < 3; ++w)
-    if (!AnalyseStudyWave(sources[w]->Values, pitch, &iri, false, 0, waves[w]))
-      throw LegacyError(ErrorNumber::InvalidData, "3波分解のIRIを計算できません");
+// the base length; `columns` are window series of equal length.
+std::vector<std::string> WindowLines(const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri,
+                                     const std::vector<std::string>& heads,
+                                     const std::vector<const WaveSeries*>& columns) {
   const ProfileGeometry geometry = GeometryOf(record);
+  const double pitch = geometry.StepSize;
   const double kp0 = IsNoValue(geometry.KpStart) ? 0.0 : geometry.KpStart;
   const double kmPerSample = (geometry.KpSign == 1 ? -pitch : pitch) / 1000.0;
   const double windowSamples = pitch > 0 ? RoundHalfAway(iri.IriBaseLength / pitch) : 0;
-  auto at = [](const WaveSeries& series, std::int32_t i) {
-    return i <= series.Values.size() ? series.Values[i] : kNoValue;
-  };
   std::vector<SectionRow> rows;
-  for (std::int32_t i = 1; i <= waves[0].Iri.IriWindowCount; ++i)
-    rows.push_back({kp0 + (i - 1) * kmPerSample, kp0 + (i - 1 + windowSamples) * kmPerSample,
-                    {at(waves[0].Iri.IriWindowWave, i), at(waves[1].Iri.IriWindowWave, i),
-                     at(waves[2].Iri.IriWindowWave, i)}});
-  return SectionCsvLines(axis, geometry, {"L波-IRI(mm/m)", "M波-IRI(mm/m)", "S波-IRI(mm/m)"}, rows);
+  const std::ptrdiff_t count = columns.empty() ? 0 : columns.front()->Values.size();
+  for (std::ptrdiff_t i = 1; i <= count; ++i) {
+    SectionRow row{kp0 + static_cast<double>(i - 1) * kmPerSample,
+                   kp0 + (static_cast<double>(i - 1) + windowSamples) * kmPerSample, {}};
+    for (const WaveSeries* column : columns) row.Values.push_back(i <= column->Values.size() ? column->Values[i] : kNoValue);
+    rows.push_back(std::move(row));
+  }
+  return SectionCsvLines(axis, geometry, heads, rows);
+}
+
+std::vector<std::string> ThreeWaveIriLines(const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
+  const ThreeWaveSplit& split = record.ThreeWave;
+  const IriResults l = WindowIri(record, split.LongWave.Values, iri);
+  const IriResults m = WindowIri(record, split.MiddleWave.Values, iri);
+  const IriResults s = WindowIri(record, split.ShortWave.Values, iri);
+  return WindowLines(record, axis, iri, {"L波-IRI(mm/m)", "M波-IRI(mm/m)", "S波-IRI(mm/m)"},
+                     {&l.IriWindowWave, &m.IriWindowWave, &s.IriWindowWave});
+}
+
+std::vector<std::string> ShortWaveIriLines(const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
+  const IriResults profile = WindowIri(record, record.WorkProfile, iri);
+  const IriResults shortWave = WindowIriWithBands(record, record.ThreeWave.ShortWave.Values, iri);
+  const IriResults reduced = WindowIri(record, record.RepairStudy.ShortReduced.Values, iri);
+  const std::string window = fmt::format("IRI({}m連続)", iri.IriBaseLength);
+  std::vector<std::string> heads{"Profile", "S波" + window};
+  std::vector<const WaveSeries*> columns{&profile.IriWindowWave, &shortWave.IriWindowWave};
+  for (std::size_t k = 1; k <= 9; ++k) {
+    heads.push_back(fmt::format("{}-OCT(S波)", k));
+    columns.push_back(&shortWave.IriWindowBand[k]);
+  }
+  // What the reduction achieves, beside what it started from.
+  heads.push_back("S'波" + window);
+  columns.push_back(&reduced.IriWindowWave);
+  return WindowLines(record, axis, iri, heads, columns);
 }
 
 std::vector<std::string> ShortWaveLines(const ProfileRecord& record, const PositionAxis& axis) {
@@ -107,6 +152,8 @@ std::string RepairKindWord(RepairExportKind kind) {
     case RepairExportKind::ThreeWaveProfile: return "3波分解(Profile)";
     case RepairExportKind::ThreeWaveIri: return "3波分解(IRI)";
     case RepairExportKind::ShortWave: return "S波";
+    // Named apart from the point form so that both may be written into one folder in one second.
+    case RepairExportKind::ShortWaveIri: return "S波(IRI)";
     case RepairExportKind::IdealShape: return "理想形状";
   }
   return {};
@@ -116,7 +163,8 @@ bool HasRepairResult(RepairExportKind kind, const ProfileRecord& record) {
   switch (kind) {
     case RepairExportKind::ThreeWaveProfile:
     case RepairExportKind::ThreeWaveIri: return record.ThreeWave.Valid;
-    case RepairExportKind::ShortWave: return record.ThreeWave.Valid && record.RepairStudy.ShortReducedValid;
+    case RepairExportKind::ShortWave:
+    case RepairExportKind::ShortWaveIri: return record.ThreeWave.Valid && record.RepairStudy.ShortReducedValid;
     case RepairExportKind::IdealShape: return record.RepairStudy.MiddleValid && record.RepairStudy.IdealValid;
   }
   return false;
@@ -132,6 +180,7 @@ std::vector<std::string> RepairKindLines(RepairExportKind kind, const ProfileRec
     case RepairExportKind::ThreeWaveProfile: return ThreeWaveProfileLines(record, axis);
     case RepairExportKind::ThreeWaveIri: return ThreeWaveIriLines(record, axis, iri);
     case RepairExportKind::ShortWave: return ShortWaveLines(record, axis);
+    case RepairExportKind::ShortWaveIri: return ShortWaveIriLines(record, axis, iri);
     case RepairExportKind::IdealShape: return IdealShapeLines(record, axis);
   }
   return {};

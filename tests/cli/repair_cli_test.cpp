@@ -45,14 +45,15 @@ class RepairCliTest : public ::testing::Test {
 
 bool StartsWith(const std::string& text, const std::string& head) { return text.rfind(head, 0) == 0; }
 
-TEST_F(RepairCliTest, WritesTheFourStudyFilesAndPrintsTheThreeIris) {
+TEST_F(RepairCliTest, WritesTheFiveStudyFilesAndPrintsTheThreeIris) {
   ASSERT_EQ(Repair(Road() + " --long 51.2 --short 4 --length 10"), 0) << Err();
   const auto names = Written();
-  ASSERT_EQ(names.size(), 4u);
+  ASSERT_EQ(names.size(), 5u);
   EXPECT_TRUE(StartsWith(names[0], "road_b_3波分解(IRI)_")) << names[0];
   EXPECT_TRUE(StartsWith(names[1], "road_b_3波分解(Profile)_")) << names[1];
-  EXPECT_TRUE(StartsWith(names[2], "road_b_S波_")) << names[2];
-  EXPECT_TRUE(StartsWith(names[3], "road_b_理想形状_")) << names[3];
+  EXPECT_TRUE(StartsWith(names[2], "road_b_S波(IRI)_")) << names[2];
+  EXPECT_TRUE(StartsWith(names[3], "road_b_S波_")) << names[3];
+  EXPECT_TRUE(StartsWith(names[4], "road_b_理想形状_")) << names[4];
   const std::string profile = FromSystemCodePage(ReadBytes(temp / "out" / names[1]));
   EXPECT_TRUE(StartsWith(profile, "Distance(m), Profile, L波, M波, S波\r\n0.00000, ")) << profile.substr(0, 80);
   // 5000 samples: a head line and one line per sample.

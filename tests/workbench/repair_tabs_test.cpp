@@ -6,7 +6,10 @@
 
 #include "analysis/iri.h"
 #include "app/app_paths.h"
+#include "app/common.h"
+#include "app/text_encoding.h"
 #include "app/workbench/repair_register.h"
+#include "app/workbench/repair_result_files.h"
 #include "app/workbench/workbench.h"
 #include "repair/ideal_shape.h"
 #include "repair/study_fixture.h"
@@ -160,6 +163,34 @@ TEST_F(RepairTabsTest, BadBoundaryStopsTheGoWithItsMessage) {
   EXPECT_FALSE(Road().RepairStudy.MiddleValid);
   EXPECT_EQ(bench.ComputeCount(tab::MediumWave), 0);
   EXPECT_TRUE(ProgressTitles(ui).empty());
+}
+
+TEST_F(RepairTabsTest, ShortWaveIriFileWithoutBandLinesHasEqualIriOfSAndSPrime) {
+  ASSERT_TRUE(RunAllFour());
+  std::filesystem::create_directories(temp / "out");
+  ui.Files.push_back({(temp / "out" / "x.Dummy").string()});
+  const ExportOutcome out = MakeRepairResultFiles(bench, {RepairExportKind::ShortWaveIri, false, tab::ShortWave}, {});
+  ASSERT_EQ(out.Files.size(), 1u);
+  const std::vector<std::string> lines = ReadSystemTextLines(out.Files[0]);
+  ASSERT_GT(lines.size(), 100u);
+  EXPECT_EQ(lines[0],
+            "Start(m), End(m), Mid(m), Profile, S波IRI(10m連続), 1-OCT(S波), 2-OCT(S波), 3-OCT(S波), 4-OCT(S波), "
+            "5-OCT(S波), 6-OCT(S波), 7-OCT(S波), 8-OCT(S波), 9-OCT(S波), S'波IRI(10m連続)");
+  // Windows of 10 m at 0.25 m: the first runs from 0 to 10 m.
+  EXPECT_EQ(lines[1].rfind("0.00000, 10.00000, 5.00000, ", 0), 0u) << lines[1];
+  for (std::size_t row = 1; row < lines.size(); row += 50) {
+    const std::vector<std::string> fields = uToken(lines[row], ", ");
+    ASSERT_EQ(fields.size(), 15u) << lines[row];
+    // S' is S up to rounding, and so are their IRIs.
+    EXPECT_NEAR(std::stod(fields[14]), std::stod(fields[4]), 1e-5) << row;
+    // S holds wavelengths below 4 m: octaves 1 to 4 (6.4 m and longer) carry next to none of its IRI,
+    // and the 2 m wave lies in octave 6 (1.6 to 3.2 m), which carries the most.
+    const double shortIri = std::stod(fields[4]);
+    for (std::size_t k = 1; k <= 4; ++k) EXPECT_LT(std::stod(fields[4 + k]), 0.01 * shortIri) << row << " OCT-" << k;
+    for (std::size_t k = 1; k <= 9; ++k) {
+      if (k != 6) EXPECT_LT(std::stod(fields[4 + k]), std::stod(fields[10])) << row << " OCT-" << k;
+    }
+  }
 }
 
 TEST_F(RepairTabsTest, RegisteredWavesBecomeNewRowsWithMarkedTitles) {
