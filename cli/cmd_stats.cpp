@@ -1,4 +1,5 @@
 // velmora stats: the statistics tab's run over the files and its pages saved as CSV files into -o.
+#include <algorithm>
 #include <cstdio>
 
 #include "app/common.h"
@@ -47,6 +48,10 @@ void SetOrder(workbench::Workbench& bench, const std::vector<std::string>& words
 }
 
 int RunStatsCommand(const CommonOptions& common, const StatsOptions& o) {
+  if (o.NoProfile && o.IriLengths.empty()) {
+    std::fprintf(stderr, "velmora stats: nothing to compute: --no-profile needs --iri-lengths\n");
+    return 2;
+  }
   auto session = OpenSession(common, o.Files, workbench::tab::Statistics);
   if (!session) return 1;
   workbench::Workbench& bench = session->Bench;

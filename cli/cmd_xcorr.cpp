@@ -1,5 +1,6 @@
 // velmora xcorr: verification of profilers against each other: the cross-correlation tab's run over
 // the files, its table on stdout, the six CSV files in -o and, on request, the shifted copies.
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 

@@ -32,7 +32,7 @@ bool ReadProfile(const std::string& path, ProfileRecord& profile) {
   profile.SamplesPerMetre = 1.0 / erd.StepSize;
   profile.WorkCount = erd.NumSamples;
   profile.WorkProfile = erd.Elevation;
-  // Statistics of WorkProfile are filled by the statistics module once the profile is registered.
+  profile.Statistics = CalcProfileStatistics(profile.WorkProfile.span());
   erd.KpDisplay = ComposeKpText(erd.KpStart, erd.KpSign, erd.Lane, /*displayForm=*/true);
   if (Settings().DebugLevel > 0) WriteDebugTable(path, profile);
   return true;

@@ -108,6 +108,8 @@ TEST_F(EvaluationCliTest, StatsWritesOnePagePerFileWithFiguresByHand) {
 TEST_F(EvaluationCliTest, StatsRefusesAnEmptySelectionOfStatistics) {
   const std::string a = Erd("A", 0.25, Ramp(400), 1.0);
   EXPECT_NE(Run("stats " + a + " --stats ''"), 0);
+  EXPECT_NE(Run("stats " + a + " --no-profile"), 0);
+  EXPECT_NE(ReadBytes(temp / "stderr.txt").find("nothing to compute"), std::string::npos);
   EXPECT_TRUE(Written().empty());
   EXPECT_NE(Run("stats --help"), 1);
   const std::string help = ReadBytes(temp / "stdout.txt");
