@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "app/settings.h"
-#include "app/workbench/repair_inputs.h"
 #include "app/workbench/evaluation_tabs.h"
+#include "app/workbench/repair_inputs.h"
 #include "app/workbench/tab_inputs.h"
 #include "app/workbench/tab_table.h"
 #include "profile/profile_list.h"
@@ -92,8 +92,8 @@ class Workbench {
   BandTabInputs Band;
   PsdTabInputs Psd;
   IriTabInputs Iri;
-  EvaluationTabs Evaluation;         // tabs 7 and 14: controls and last results
   RepairTabInputs Repair;  // tabs 10 to 13
+  EvaluationTabs Evaluation;         // tabs 7 and 14: controls and last results
 
   WorkbenchHooks Hooks;
 
