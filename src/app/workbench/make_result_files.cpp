@@ -16,7 +16,6 @@
 namespace velmora::workbench {
 namespace {
 
-constexpr const char* kDummyName = "フォルダ名の取得に使用され、ファイル名は無視されます";
 
 bool IsPsd(ExportKind kind) {
   return kind == ExportKind::PsdRaw || kind == ExportKind::PsdSmoothed || kind == ExportKind::PsdRatio;
@@ -49,22 +48,6 @@ bool Checked(const ExportRequest& request) {
 }
 
 // The folder from the save dialog, remembered under "CommonDialogPath"; empty when cancelled.
-std::string AskFolder(const ExportRequest& request) {
-  const std::string title = request.Erd ? "ERDファイル保存" : "CSVファイル保存";
-  FileDialogRequest dialog;
-  dialog.Title = title;
-  dialog.Filter = IsPsd(request.Kind) ? "データファイル (*.CSV)|*.CSV|すべてのファイル (*.*)|*.*"
-                                      : "データファイル (*.Dummy)|*.Dummy|";
-  dialog.InitialDirectory = GetPrevValue("CommonDialogPath", title);
-  dialog.DefaultName = kDummyName;
-  const std::string answer = Ui().SaveFile(dialog);
-  if (answer.empty()) return {};
-  std::string folder = std::filesystem::path(answer).parent_path().string();
-  if (folder.empty()) folder = ".";
-  SetPrevValue("CommonDialogPath", title, folder);
-  return folder;
-}
-
 class Writer {
  public:
   Writer(const ExportRequest& request, const std::tm& now, std::string folder, ExportOutcome& outcome)
@@ -188,7 +171,7 @@ ExportOutcome MakeResultFiles(Workbench& bench, const ExportRequest& request, co
                   "確認", MsgIcon::Information);
       profiles.resize(static_cast<std::size_t>(limit));
     }
-    const std::string folder = AskFolder(request);
+    const std::string folder = AskExportFolder(request.Erd, IsPsd(request.Kind));
     if (folder.empty()) return;
     outcome.Folder = folder;
     Writer writer(request, now, folder, outcome);
@@ -199,6 +182,20 @@ ExportOutcome MakeResultFiles(Workbench& bench, const ExportRequest& request, co
     Ui().Inform(done + "\r\n保存先：" + folder, "データ保存", MsgIcon::Information);
   });
   return outcome;
+}
+
+std::string AskExportFolder(bool erd, bool psd) {
+  FileDialogRequest dialog;
+  dialog.Title = erd ? "ERDファイル保存" : "CSVファイル保存";
+  dialog.Filter = psd ? "データファイル (*.CSV)|*.CSV|すべてのファイル (*.*)|*.*" : "データファイル (*.Dummy)|*.Dummy|";
+  dialog.InitialDirectory = GetPrevValue("CommonDialogPath", dialog.Title);
+  dialog.DefaultName = "フォルダ名の取得に使用され、ファイル名は無視されます";
+  const std::string answer = Ui().SaveFile(dialog);
+  if (answer.empty()) return {};
+  std::string folder = std::filesystem::path(answer).parent_path().string();
+  if (folder.empty()) folder = ".";
+  SetPrevValue("CommonDialogPath", dialog.Title, folder);
+  return folder;
 }
 
 }  // namespace velmora::workbench

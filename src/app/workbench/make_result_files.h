@@ -28,4 +28,8 @@ struct ExportOutcome {
 // logged under "cmdMakeErd_Click" and files already written stay.
 ExportOutcome MakeResultFiles(Workbench& bench, const ExportRequest& request, const std::tm& now);
 
+// The save dialog of the exports, which only asks for a folder: its answer's folder, remembered under
+// "CommonDialogPath" by the dialog's title; empty when cancelled. PSD files offer "*.CSV".
+std::string AskExportFolder(bool erd, bool psd);
+
 }  // namespace velmora::workbench

@@ -9,26 +9,12 @@
 #include "app/text_encoding.h"
 #include "app/user_interaction.h"
 #include "app/workbench/file_export_name.h"
+#include "app/workbench/make_result_files.h"
 #include "profile/erd_file.h"
 #include "repair/ideal_shape.h"
 
 namespace velmora::workbench {
 namespace {
-
-// The folder of the save dialog's answer, remembered under "CommonDialogPath"; empty when cancelled.
-std::string AskFolder(bool erd) {
-  FileDialogRequest dialog;
-  dialog.Title = erd ? "ERDファイル保存" : "CSVファイル保存";
-  dialog.Filter = "データファイル (*.Dummy)|*.Dummy|";
-  dialog.InitialDirectory = GetPrevValue("CommonDialogPath", dialog.Title);
-  dialog.DefaultName = "フォルダ名の取得に使用され、ファイル名は無視されます";
-  const std::string answer = Ui().SaveFile(dialog);
-  if (answer.empty()) return {};
-  std::string folder = std::filesystem::path(answer).parent_path().string();
-  if (folder.empty()) folder = ".";
-  SetPrevValue("CommonDialogPath", dialog.Title, folder);
-  return folder;
-}
 
 void WriteOne(const RepairExportRequest& request, const ProfileRecord& record, const std::string& path,
               const PositionAxis& axis, const IriParams& iri) {
@@ -57,7 +43,7 @@ ExportOutcome MakeRepairResultFiles(Workbench& bench, const RepairExportRequest&
       Ui().Inform("該当する件数がありません。", "案内", MsgIcon::Information);
       return;
     }
-    const std::string folder = AskFolder(request.Erd);
+    const std::string folder = AskExportFolder(request.Erd, false);
     if (folder.empty()) return;
     outcome.Folder = folder;
     const std::string pattern = FileExportPattern(kRepairExportSection);
