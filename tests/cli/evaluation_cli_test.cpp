@@ -10,6 +10,7 @@
 
 #include "app/text_encoding.h"
 #include "profile/erd_file.h"
+#include "cli_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -19,22 +20,8 @@ namespace fs = std::filesystem;
 using testing::ReadBytes;
 using testing::TempDir;
 
-class EvaluationCliTest : public ::testing::Test {
+class EvaluationCliTest : public testing::CliTest {
  protected:
-  int Run(const std::string& arguments) {
-    const std::string command = "VELMORA_HOME='" + (temp / "home").string() + "' '" VELMORA_BIN_DIR "/velmora' -o '" +
-                                (temp / "out").string() + "' --quiet " + arguments + " >'" +
-                                (temp / "stdout.txt").string() + "' 2>'" + (temp / "stderr.txt").string() + "'";
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  std::vector<std::string> Written() const {
-    std::vector<std::string> names;
-    if (fs::exists(temp / "out"))
-      for (const auto& entry : fs::directory_iterator(temp / "out")) names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
   // An ERD file of one channel in mm; its quoted path.
   std::string Erd(const std::string& name, double pitch, const std::vector<double>& samples, double kp) {
     ErdRecord rec;
@@ -57,7 +44,6 @@ class EvaluationCliTest : public ::testing::Test {
     return {};
   }
 
-  TempDir temp;
 };
 
 std::vector<double> Ramp(int n, bool falling = false) {

@@ -9,6 +9,7 @@
 
 #include "app/text_encoding.h"
 #include "profile/erd_file.h"
+#include "cli_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -19,28 +20,13 @@ using testing::ReadBytes;
 using testing::SourceDir;
 using testing::TempDir;
 
-class RepairCliTest : public ::testing::Test {
+class RepairCliTest : public testing::CliTest {
  protected:
   // Runs `velmora -o <temp>/out --quiet repair <arguments>`; returns the exit status.
-  int Repair(const std::string& arguments) {
-    const std::string command = "VELMORA_HOME='" + (temp / "home").string() + "' '" VELMORA_BIN_DIR "/velmora' -o '" +
-                                (temp / "out").string() + "' --quiet repair " + arguments + " >'" +
-                                (temp / "stdout.txt").string() + "' 2>'" + (temp / "stderr.txt").string() + "'";
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  std::vector<std::string> Written() const {
-    std::vector<std::string> names;
-    if (fs::exists(temp / "out"))
-      for (const auto& entry : fs::directory_iterator(temp / "out")) names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-  std::string Out() const { return ReadBytes(temp / "stdout.txt"); }
-  std::string Err() const { return ReadBytes(temp / "stderr.txt"); }
+  int Repair(const std::string& arguments) { return Run("repair " + arguments); }
+  std::string Out() const { return Stdout(); }
+  std::string Err() const { return Stderr(); }
   static std::string Road() { return "'" + (SourceDir() / "examples" / "road_b.erd").string() + "'"; }
-
-  TempDir temp;
 };
 
 bool StartsWith(const std::string& text, const std::string& head) { return text.rfind(head, 0) == 0; }
