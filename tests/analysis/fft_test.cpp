@@ -125,6 +125,26 @@ TEST(FftTest, ImpulseConstantAndCosineHaveTheirKnownSpectra) {
   }
 }
 
+TEST(FftTest, AgreesWithADirectDftOnSmallSizes) {
+  // X(k) = sum over j of x(j) exp(sign i 2 pi (j-1)(k-1) / n), the definition summed term by term.
+  for (std::int32_t n : {2, 4, 8, 16, 32, 64}) {
+    for (std::int32_t sign : {-1, 1}) {
+      const Array1<Complex> x = RandomSignal(n, static_cast<unsigned>(n * 10 + sign + 1));
+      Array1<Complex> fast = x;
+      Fft(n, fast, sign);
+      for (std::int32_t k = 1; k <= n; ++k) {
+        double re = 0, im = 0;
+        for (std::int32_t j = 1; j <= n; ++j) {
+          const double angle = sign * kTwoPi * (j - 1) * (k - 1) / n;
+          re += x[j].Re * std::cos(angle) - x[j].Im * std::sin(angle);
+          im += x[j].Re * std::sin(angle) + x[j].Im * std::cos(angle);
+        }
+        ExpectNear(fast[k], {re, im}, 1e-9 * n * 50, "direct DFT", k);
+      }
+    }
+  }
+}
+
 TEST(FftTest, ForwardThenInverseGivesNTimesTheInput) {
   for (std::int32_t n = 1; n <= (1 << 16); n *= 2) {
     const Array1<Complex> input = RandomSignal(n, static_cast<unsigned>(n));

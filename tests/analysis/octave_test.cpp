@@ -188,6 +188,21 @@ TEST_F(OctaveTest, SineOfOneOctaveLandsInThatBand) {
   EXPECT_LT(worst, 0.03 * amplitude);
 }
 
+TEST_F(OctaveTest, TenMetreSineHoldsItsEnergyInOctaveFour) {
+  // 10 m lies in octave 4 (6.4..12.8 m); 8192 samples at 0.05 m (409.6 m, about 41 wavelengths).
+  const double dx = 0.05, amplitude = 3;
+  std::vector<double> y(8192);
+  for (int i = 0; i < 8192; ++i) y[static_cast<std::size_t>(i)] = amplitude * std::sin(2 * kPi * i * dx / 10.0);
+  ProfileRecord record = MakeRecord(y, dx);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  const OctaveBandSet& set = record.Analysis.Octave;
+  double total = 0;
+  for (int k = 1; k <= 9; ++k) total += std::pow(set.Band[static_cast<std::size_t>(k)].Stats.StdDev, 2);
+  // Energy as variance: octave 4 holds nearly all of it, and its deviation is the sine's rms.
+  EXPECT_GT(std::pow(set.Band[4].Stats.StdDev, 2), 0.95 * total);
+  EXPECT_NEAR(set.Band[4].Stats.StdDev, amplitude / std::sqrt(2.0), 0.02 * amplitude);
+}
+
 TEST_F(OctaveTest, ShortTransformLeavesOctaveOneEmpty) {
   // 100 samples at 0.1 m: FftLength2 = 256, 25.6 m, below 51.2 m; the mean goes to octave 2.
   std::vector<double> y(100, 7.0);
