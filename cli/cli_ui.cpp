@@ -31,9 +31,11 @@ const char* AnswerWord(MsgAnswer answer) {
 
 CliUi::CliUi(const CommonOptions& options) : options_(options), terminal_(::isatty(STDERR_FILENO) != 0) {}
 
-MsgAnswer CliUi::Message(const std::string& text, const std::string& title, MsgIcon, MsgButtons buttons,
+MsgAnswer CliUi::Message(const std::string& text, const std::string& title, MsgIcon icon, MsgButtons buttons,
                          MsgAnswer defaultAnswer) {
   ++messages_;
+  // --quiet drops confirmations ("saved to ..."); warnings, errors and questions are always shown.
+  if (options_.Quiet && icon == MsgIcon::Information && buttons == MsgButtons::Ok) return MsgAnswer::Ok;
   if (lastPercent_ >= 0 && terminal_) std::fputc('\n', stderr);
   MsgAnswer answer = defaultAnswer;
   if (buttons != MsgButtons::Ok) {

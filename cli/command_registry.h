@@ -18,7 +18,7 @@ struct CommonOptions {
   bool Yes = false;              // --yes: answer questions with Yes/OK
   bool No = false;               // --no: answer questions with No/Cancel
   bool Debug = false;            // --debug: DebugLevel 1 and SWDEBUG
-  bool Quiet = false;            // --quiet: no progress bar, messages still to stderr
+  bool Quiet = false;            // --quiet: no progress bar, no confirmations; warnings still to stderr
 };
 
 // Sets up the subcommand's own options and returns the function that runs it (exit status).

@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
   auto* yes = app.add_flag("--yes", common.Yes, "answer every question with Yes/OK");
   app.add_flag("--no", common.No, "answer every question with No/Cancel")->excludes(yes);
   app.add_flag("--debug", common.Debug, "write debug tables (DebugLevel 1, SWDEBUG)");
-  app.add_flag("--quiet", common.Quiet, "no progress bar");
+  app.add_flag("--quiet", common.Quiet, "no progress bar and no confirmations of saved files");
 
   auto& commands = velmora::cli::Commands();
   std::sort(commands.begin(), commands.end(), [](const auto& a, const auto& b) { return a.Name < b.Name; });
