@@ -44,34 +44,34 @@ LegacyError NamingFile(const ProfileRecord& record, const std::exception& error)
   return LegacyError(legacy ? legacy->Number() : ErrorNumber::InvalidData, record.FileName + ": " + error.what());
 }
 
-bool UpToDate(const FilterResults& results, const FilterSpec& spec, const IriParams& iri) {
-  return results.FilterWave.Calculated && results.Spec == spec &&
-         (spec.CalcType != FilterCalcType::Iri || results.Iri == iri);
+bool UpToDate(const FilterResults& results, const FilterSpec& filterSpec, const IriParams& iri) {
+  return results.FilterWave.Calculated && results.Request == filterSpec &&
+         (filterSpec.CalcType != FilterCalcType::Iri || results.Iri == iri);
 }
 
 // Filters one prepared profile into `out`; false when a procedure that logs its own errors failed.
-bool FilterOne(AnalysisBlock& block, const FilterSpec& spec, const IriParams& iri, FilterResults& out) {
+bool FilterOne(AnalysisBlock& block, const FilterSpec& filterSpec, const IriParams& iri, FilterResults& out) {
   const std::int32_t n = block.Count;
   if (n < 1 || block.SamplesPerMetre <= 0)
     throw LegacyError(ErrorNumber::InvalidData, "the profile has not been prepared for analysis");
   const double dx = 1 / block.SamplesPerMetre;
   const Array1<double>& profile = block.Profile.Values;
-  switch (spec.CalcType) {
+  switch (filterSpec.CalcType) {
     case FilterCalcType::MovingAverage:
-      StoreWave(out.FilterWave, MovingAverageFilter(n, profile, dx, spec.Band, spec.LongCut, spec.ShortCut));
+      StoreWave(out.FilterWave, MovingAverageFilter(n, profile, dx, filterSpec.Band, filterSpec.LongCut, filterSpec.ShortCut));
       out.FilterCount = n;
       return true;
     case FilterCalcType::Fourier: {
       WaveSeries result;
       bool ok;
-      if (spec.Converge) {
-        ok = Cal_FFTフィルタ_収束計算(n, block.FftLength1, block.FftLength2, dx, spec.Band, spec.LongCut,
-                                 spec.ShortCut, profile, result);
+      if (filterSpec.Converge) {
+        ok = Cal_FFTフィルタ_収束計算(n, block.FftLength1, block.FftLength2, dx, filterSpec.Band, filterSpec.LongCut,
+                                 filterSpec.ShortCut, profile, result);
       } else {
         WaveSeries other;
         std::int32_t debugSeq = 0;
-        ok = Cal_FFTフィルタ_単体処理(debugSeq, 0, n, block.FftLength1, block.FftLength2, dx, spec.Band,
-                                 spec.LongCut, spec.ShortCut, profile, result, other);
+        ok = Cal_FFTフィルタ_単体処理(debugSeq, 0, n, block.FftLength1, block.FftLength2, dx, filterSpec.Band,
+                                 filterSpec.LongCut, filterSpec.ShortCut, profile, result, other);
       }
       if (!ok) return false;
       out.FilterWave = std::move(result);
@@ -88,7 +88,7 @@ bool FilterOne(AnalysisBlock& block, const FilterSpec& spec, const IriParams& ir
       return true;
     }
     case FilterCalcType::Slope:
-      SlopeFilter(block, spec.SlopeMode, spec.SlopeCut);
+      SlopeFilter(block, filterSpec.SlopeMode, filterSpec.SlopeCut);
       out.SlopeWave = block.Filter.SlopeWave;
       // The graph and the export read FilterWave whatever the type, so the slope result goes there too.
       out.FilterWave = block.Filter.SlopeWave;
@@ -96,7 +96,7 @@ bool FilterOne(AnalysisBlock& block, const FilterSpec& spec, const IriParams& ir
       return true;
   }
   throw LegacyError(ErrorNumber::InvalidData, "calculation type " +
-                                                  std::to_string(static_cast<std::int32_t>(spec.CalcType)) +
+                                                  std::to_string(static_cast<std::int32_t>(filterSpec.CalcType)) +
                                                   " is not 0 to 3");
 }
 
@@ -112,56 +112,56 @@ std::string FilterKindName(FilterKind kind) {
   return {};
 }
 
-std::string FilterShortName(const FilterSpec& spec) {
+std::string FilterShortName(const FilterSpec& filterSpec) {
   static const char* const kSuffix[] = {"HP", "LP", "BP", "BC"};
-  const auto band = static_cast<std::size_t>(spec.Band);
-  switch (spec.CalcType) {
+  const auto band = static_cast<std::size_t>(filterSpec.Band);
+  switch (filterSpec.CalcType) {
     case FilterCalcType::MovingAverage: return band < 4 ? std::string("MA") + kSuffix[band] : std::string();
     case FilterCalcType::Fourier: return band < 4 ? std::string("FT") + kSuffix[band] : std::string();
     case FilterCalcType::Iri: return "IRI";
-    case FilterCalcType::Slope: return spec.SlopeMode ? "SLHC" : "Slope";
+    case FilterCalcType::Slope: return filterSpec.SlopeMode ? "SLHC" : "Slope";
   }
   return {};
 }
 
-std::string FilterLegendText(const FilterSpec& spec) {
-  return UsesPassKind(spec.CalcType) ? FilterKindName(spec.Band) : std::string();
+std::string FilterLegendText(const FilterSpec& filterSpec) {
+  return UsesPassKind(filterSpec.CalcType) ? FilterKindName(filterSpec.Band) : std::string();
 }
 
-FilterField CheckFilterSpec(const FilterSpec& spec) {
+FilterField CheckFilterSpec(const FilterSpec& filterSpec) {
   const auto fault = [](FilterField field, const char* text) {
     Ui().Inform(text, "エラー", MsgIcon::Exclamation);
     return field;
   };
-  if (UsesPassKind(spec.CalcType)) {
-    if (spec.Band == FilterKind::HiPass && spec.LongCut <= 0)
+  if (UsesPassKind(filterSpec.CalcType)) {
+    if (filterSpec.Band == FilterKind::HiPass && filterSpec.LongCut <= 0)
       return fault(FilterField::LongCut, "Long CutOff wavelength > 0.0 で指定して下さい。");
-    if (spec.Band != FilterKind::HiPass && spec.ShortCut <= 0)
+    if (filterSpec.Band != FilterKind::HiPass && filterSpec.ShortCut <= 0)
       return fault(FilterField::ShortCut, "Short CutOff wavelength > 0.0 で指定して下さい。");
-    if ((spec.Band == FilterKind::BandPass || spec.Band == FilterKind::BandCut) && spec.LongCut <= spec.ShortCut)
+    if ((filterSpec.Band == FilterKind::BandPass || filterSpec.Band == FilterKind::BandCut) && filterSpec.LongCut <= filterSpec.ShortCut)
       return fault(FilterField::LongCut, "Long CutOff > Short CutOff で指定して下さい。");
   }
-  if (spec.CalcType == FilterCalcType::Slope && spec.SlopeMode && spec.SlopeCut <= 0)
+  if (filterSpec.CalcType == FilterCalcType::Slope && filterSpec.SlopeMode && filterSpec.SlopeCut <= 0)
     return fault(FilterField::SlopeCut, "Slope のCut値は > 0.0 で指定して下さい。");
   return FilterField::None;
 }
 
-FilterRunOutcome RunFilter(const FilterSpec& spec, bool force, const std::vector<ProfileRecord*>& profiles,
+FilterRunOutcome RunFilter(const FilterSpec& filterSpec, bool force, const std::vector<ProfileRecord*>& profiles,
                            const IriParams& iri) {
   FilterRunOutcome outcome;
-  outcome.Focus = CheckFilterSpec(spec);
+  outcome.Focus = CheckFilterSpec(filterSpec);
   if (outcome.Focus != FilterField::None) return outcome;
 
   Ui().ProgressStart(kProgressTitle, kPleaseWait);
   std::size_t done = 0;
   for (ProfileRecord* record : profiles) {
-    Ui().ProgressStart(kProgressTitle, ProgressCaption(spec.CalcType) + ProfileName(*record));
+    Ui().ProgressStart(kProgressTitle, ProgressCaption(filterSpec.CalcType) + ProfileName(*record));
     FilterResults& stored = record->Analysis.Filter;
-    if (force || !UpToDate(stored, spec, iri)) {
+    if (force || !UpToDate(stored, filterSpec, iri)) {
       FilterResults fresh = stored;
       bool ok = false;
       try {
-        ok = FilterOne(record->Analysis, spec, iri, fresh);
+        ok = FilterOne(record->Analysis, filterSpec, iri, fresh);
       } catch (const std::exception& error) {
         ErrorLog(kModule, kGoProc, NamingFile(*record, error));
       }
@@ -169,7 +169,7 @@ FilterRunOutcome RunFilter(const FilterSpec& spec, bool force, const std::vector
         Ui().ProgressExit();
         return outcome;
       }
-      fresh.Spec = spec;
+      fresh.Request = filterSpec;
       fresh.Iri = iri;
       stored = std::move(fresh);
     }

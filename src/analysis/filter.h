@@ -16,12 +16,12 @@ struct ProfileRecord;
 enum class FilterField { None, LongCut, ShortCut, SlopeCut };
 
 // Short name in file names: "MAHP".."MABC", "FTHP".."FTBC", "IRI", "Slope", "SLHC".
-std::string FilterShortName(const FilterSpec& spec);
+std::string FilterShortName(const FilterSpec& filterSpec);
 // Text for files and legends: the pass kind name for moving average and Fourier, empty otherwise.
-std::string FilterLegendText(const FilterSpec& spec);
+std::string FilterLegendText(const FilterSpec& filterSpec);
 
 // The cut-off checks of the tab. On a fault shows its message (title "エラー") and names the field.
-FilterField CheckFilterSpec(const FilterSpec& spec);
+FilterField CheckFilterSpec(const FilterSpec& filterSpec);
 
 struct FilterRunOutcome {
   FilterField Focus = FilterField::None;  // a check failed: nothing was calculated
@@ -30,9 +30,9 @@ struct FilterRunOutcome {
 
 // "実行" of the filter tab over `profiles` (the selected ones, or the current one). Each must have
 // been prepared for analysis. Without `force` a profile whose FilterWave was calculated with the same
-// spec (and, for the IRI type, the same `iri`) is left alone. A run-time error is logged and ends the
+// filterSpec (and, for the IRI type, the same `iri`) is left alone. A run-time error is logged and ends the
 // run; the profile being filtered then keeps its previous result.
-FilterRunOutcome RunFilter(const FilterSpec& spec, bool force, const std::vector<ProfileRecord*>& profiles,
+FilterRunOutcome RunFilter(const FilterSpec& filterSpec, bool force, const std::vector<ProfileRecord*>& profiles,
                            const IriParams& iri);
 
 }  // namespace velmora

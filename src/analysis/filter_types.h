@@ -30,7 +30,7 @@ struct FilterResults {
   WaveSeries FilterWave;         // the filtered profile (mm) or the slopes (mm/m), 1..FilterCount
   std::int32_t FilterCount = 0;  // the profile's count; shorter by the base length for the IRI type
   WaveSeries SlopeWave;          // the Slope type's output, also copied to FilterWave
-  FilterSpec Spec;               // the settings FilterWave was calculated with
+  FilterSpec Request;  // the settings FilterWave was calculated with
   IriParams Iri;                 // and the IRI parameters, for the IRI type
 };
 

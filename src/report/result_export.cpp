@@ -52,13 +52,13 @@ void RequireOctave(int octave) {
 
 }  // namespace
 
-std::string FilterWord(const FilterSpec& spec) {
-  std::string word = FilterShortName(spec);
-  if (spec.CalcType != FilterCalcType::MovingAverage && spec.CalcType != FilterCalcType::Fourier) return word;
-  switch (spec.Band) {
-    case FilterKind::HiPass: return word + "_" + CutText(spec.LongCut) + "m";
-    case FilterKind::LowPass: return word + "_" + CutText(spec.ShortCut) + "m";
-    default: return word + "_" + CutText(spec.LongCut) + "-" + CutText(spec.ShortCut) + "m";
+std::string FilterWord(const FilterSpec& filterSpec) {
+  std::string word = FilterShortName(filterSpec);
+  if (filterSpec.CalcType != FilterCalcType::MovingAverage && filterSpec.CalcType != FilterCalcType::Fourier) return word;
+  switch (filterSpec.Band) {
+    case FilterKind::HiPass: return word + "_" + CutText(filterSpec.LongCut) + "m";
+    case FilterKind::LowPass: return word + "_" + CutText(filterSpec.ShortCut) + "m";
+    default: return word + "_" + CutText(filterSpec.LongCut) + "-" + CutText(filterSpec.ShortCut) + "m";
   }
 }
 

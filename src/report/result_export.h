@@ -44,7 +44,7 @@ struct ExportOptions {
 };
 
 // "MAHP_50m", "MABP_50-10m", "FTLP_10m", "IRI", "Slope", "SLHC": the filter word with its cut-offs.
-std::string FilterWord(const FilterSpec& spec);
+std::string FilterWord(const FilterSpec& filterSpec);
 
 // The built-in name pattern of a kind (macros "$(PROFILENAME)$", "$(CUTOFF)$", "$(OctaveNum)$",
 // "$(IRI種別)$", date macros) and the section of the settings key "FileExportName" that may replace it.

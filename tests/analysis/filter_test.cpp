@@ -41,13 +41,13 @@ ProfileRecord Prepared(const std::string& fileName, const Array1<double>& profil
   return record;
 }
 
-FilterSpec Spec(FilterCalcType type, FilterKind band, double longCut, double shortCut) {
-  FilterSpec spec;
-  spec.CalcType = type;
-  spec.Band = band;
-  spec.LongCut = longCut;
-  spec.ShortCut = shortCut;
-  return spec;
+FilterSpec MakeFilter(FilterCalcType type, FilterKind band, double longCut, double shortCut) {
+  FilterSpec filterSpec;
+  filterSpec.CalcType = type;
+  filterSpec.Band = band;
+  filterSpec.LongCut = longCut;
+  filterSpec.ShortCut = shortCut;
+  return filterSpec;
 }
 
 using FilterTest = testing::ScratchPathsTest;
@@ -155,25 +155,25 @@ TEST_F(FilterTest, ShortNamesAndLegendTexts) {
   const char* text[] = {"HiPass", "LowPass", "BandPass", "BandCut"};
   for (int k = 0; k < 4; ++k) {
     const auto band = static_cast<FilterKind>(k);
-    EXPECT_EQ(FilterShortName(Spec(FilterCalcType::MovingAverage, band, 1, 1)), ma[k]);
-    EXPECT_EQ(FilterShortName(Spec(FilterCalcType::Fourier, band, 1, 1)), ft[k]);
-    EXPECT_EQ(FilterLegendText(Spec(FilterCalcType::Fourier, band, 1, 1)), text[k]);
+    EXPECT_EQ(FilterShortName(MakeFilter(FilterCalcType::MovingAverage, band, 1, 1)), ma[k]);
+    EXPECT_EQ(FilterShortName(MakeFilter(FilterCalcType::Fourier, band, 1, 1)), ft[k]);
+    EXPECT_EQ(FilterLegendText(MakeFilter(FilterCalcType::Fourier, band, 1, 1)), text[k]);
   }
-  FilterSpec slope = Spec(FilterCalcType::Slope, FilterKind::HiPass, 1, 1);
+  FilterSpec slope = MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 1, 1);
   EXPECT_EQ(FilterShortName(slope), "Slope");
   slope.SlopeMode = true;
   EXPECT_EQ(FilterShortName(slope), "SLHC");
-  EXPECT_EQ(FilterShortName(Spec(FilterCalcType::Iri, FilterKind::BandCut, 1, 1)), "IRI");
+  EXPECT_EQ(FilterShortName(MakeFilter(FilterCalcType::Iri, FilterKind::BandCut, 1, 1)), "IRI");
   EXPECT_EQ(FilterLegendText(slope), "");
 }
 
 TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {
   struct Case {
-    FilterSpec spec;
+    FilterSpec filterSpec;
     FilterField focus;
     const char* message;  // nullptr: passes the checks
   };
-  FilterSpec slopeCut = Spec(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
+  FilterSpec slopeCut = MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
   slopeCut.SlopeMode = true;
   slopeCut.SlopeCut = 0;
   FilterSpec slopeOnly = slopeCut;
@@ -182,23 +182,23 @@ TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {
   const char* kShort = "Short CutOff wavelength > 0.0 で指定して下さい。";
   const char* kOrder = "Long CutOff > Short CutOff で指定して下さい。";
   const std::vector<Case> cases{
-      {Spec(FilterCalcType::MovingAverage, FilterKind::HiPass, 0, 5), FilterField::LongCut, kLong},
-      {Spec(FilterCalcType::Fourier, FilterKind::HiPass, -1, 5), FilterField::LongCut, kLong},
-      {Spec(FilterCalcType::MovingAverage, FilterKind::HiPass, 5, 0), FilterField::None, nullptr},
-      {Spec(FilterCalcType::MovingAverage, FilterKind::LowPass, 5, 0), FilterField::ShortCut, kShort},
-      {Spec(FilterCalcType::Fourier, FilterKind::LowPass, 0, 5), FilterField::None, nullptr},  // long not looked at
-      {Spec(FilterCalcType::Fourier, FilterKind::BandPass, 10, 0), FilterField::ShortCut, kShort},
-      {Spec(FilterCalcType::MovingAverage, FilterKind::BandCut, 0, -2), FilterField::ShortCut, kShort},
-      {Spec(FilterCalcType::MovingAverage, FilterKind::BandPass, 5, 5), FilterField::LongCut, kOrder},
-      {Spec(FilterCalcType::Fourier, FilterKind::BandCut, 4, 5), FilterField::LongCut, kOrder},
-      {Spec(FilterCalcType::Fourier, FilterKind::BandCut, 5, 4), FilterField::None, nullptr},
-      {Spec(FilterCalcType::Iri, FilterKind::BandPass, 0, 0), FilterField::None, nullptr},
+      {MakeFilter(FilterCalcType::MovingAverage, FilterKind::HiPass, 0, 5), FilterField::LongCut, kLong},
+      {MakeFilter(FilterCalcType::Fourier, FilterKind::HiPass, -1, 5), FilterField::LongCut, kLong},
+      {MakeFilter(FilterCalcType::MovingAverage, FilterKind::HiPass, 5, 0), FilterField::None, nullptr},
+      {MakeFilter(FilterCalcType::MovingAverage, FilterKind::LowPass, 5, 0), FilterField::ShortCut, kShort},
+      {MakeFilter(FilterCalcType::Fourier, FilterKind::LowPass, 0, 5), FilterField::None, nullptr},  // long not looked at
+      {MakeFilter(FilterCalcType::Fourier, FilterKind::BandPass, 10, 0), FilterField::ShortCut, kShort},
+      {MakeFilter(FilterCalcType::MovingAverage, FilterKind::BandCut, 0, -2), FilterField::ShortCut, kShort},
+      {MakeFilter(FilterCalcType::MovingAverage, FilterKind::BandPass, 5, 5), FilterField::LongCut, kOrder},
+      {MakeFilter(FilterCalcType::Fourier, FilterKind::BandCut, 4, 5), FilterField::LongCut, kOrder},
+      {MakeFilter(FilterCalcType::Fourier, FilterKind::BandCut, 5, 4), FilterField::None, nullptr},
+      {MakeFilter(FilterCalcType::Iri, FilterKind::BandPass, 0, 0), FilterField::None, nullptr},
       {slopeCut, FilterField::SlopeCut, "Slope のCut値は > 0.0 で指定して下さい。"},
       {slopeOnly, FilterField::None, nullptr},
   };
   for (std::size_t i = 0; i < cases.size(); ++i) {
     ui_.Log.clear();
-    EXPECT_EQ(CheckFilterSpec(cases[i].spec), cases[i].focus) << "case " << i;
+    EXPECT_EQ(CheckFilterSpec(cases[i].filterSpec), cases[i].focus) << "case " << i;
     const auto messages = ui_.Messages();
     if (cases[i].message == nullptr) {
       EXPECT_TRUE(messages.empty()) << "case " << i;
@@ -212,7 +212,7 @@ TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {
 
 TEST_F(FilterTest, ARefusedCheckCalculatesNothing) {
   ProfileRecord record = Prepared("a.erd", A({1, 2, 4, 7, 11}), 0.5);
-  const auto outcome = RunFilter(Spec(FilterCalcType::MovingAverage, FilterKind::BandPass, 1, 2), true,
+  const auto outcome = RunFilter(MakeFilter(FilterCalcType::MovingAverage, FilterKind::BandPass, 1, 2), true,
                                  {&record}, IriParams{});
   EXPECT_EQ(outcome.Focus, FilterField::LongCut);
   EXPECT_FALSE(outcome.Completed);
@@ -223,14 +223,14 @@ TEST_F(FilterTest, ARefusedCheckCalculatesNothing) {
 TEST_F(FilterTest, RunFilterStoresEachProfileAndSkipsUpToDateOnes) {
   ProfileRecord a = Prepared("a.erd", A({1, 2, 4, 7, 11}), 0.5);
   ProfileRecord b = Prepared("b.erd", A({3, 3, 3, 3, 3}), 0.5);
-  const FilterSpec spec = Spec(FilterCalcType::MovingAverage, FilterKind::HiPass, 2, 1.5);
-  const auto outcome = RunFilter(spec, false, {&a, &b}, IriParams{});
+  const FilterSpec filterSpec = MakeFilter(FilterCalcType::MovingAverage, FilterKind::HiPass, 2, 1.5);
+  const auto outcome = RunFilter(filterSpec, false, {&a, &b}, IriParams{});
   EXPECT_TRUE(outcome.Completed);
   ExpectValues(a.Analysis.Filter.FilterWave.Values, {0.75, 0.25, 0.5, 1, 1.75});
   EXPECT_EQ(a.Analysis.Filter.FilterCount, 5);
   EXPECT_TRUE(b.Analysis.Filter.FilterWave.Calculated);
   EXPECT_NEAR(b.Analysis.Filter.FilterWave.Stats.Maximum, 0.0, 1e-12);
-  EXPECT_EQ(a.Analysis.Filter.Spec, spec);
+  EXPECT_EQ(a.Analysis.Filter.Request, filterSpec);
 
   std::vector<std::string> captions;
   for (const auto& entry : ui_.Log)
@@ -242,9 +242,9 @@ TEST_F(FilterTest, RunFilterStoresEachProfileAndSkipsUpToDateOnes) {
 
   // Same settings, no force: the stored result is not touched; with force it is recalculated.
   a.Analysis.Filter.FilterWave.Values[1] = 99;
-  RunFilter(spec, false, {&a}, IriParams{});
+  RunFilter(filterSpec, false, {&a}, IriParams{});
   EXPECT_EQ(a.Analysis.Filter.FilterWave.Values[1], 99);
-  RunFilter(spec, true, {&a}, IriParams{});
+  RunFilter(filterSpec, true, {&a}, IriParams{});
   EXPECT_NEAR(a.Analysis.Filter.FilterWave.Values[1], 0.75, 1e-12);
 }
 
@@ -252,8 +252,8 @@ TEST_F(FilterTest, FourierTypeStoresTheSingleOrTheConvergentPass) {
   Array1<double> profile(300);
   for (int i = 1; i <= 300; ++i) profile[i] = (i % 7) * 0.3 + 0.01 * i;
   ProfileRecord record = Prepared("f.erd", profile, 0.25);
-  FilterSpec spec = Spec(FilterCalcType::Fourier, FilterKind::LowPass, 0, 2);
-  ASSERT_TRUE(RunFilter(spec, true, {&record}, IriParams{}).Completed);
+  FilterSpec filterSpec = MakeFilter(FilterCalcType::Fourier, FilterKind::LowPass, 0, 2);
+  ASSERT_TRUE(RunFilter(filterSpec, true, {&record}, IriParams{}).Completed);
 
   WaveSeries single, other;
   std::int32_t seq = 0;
@@ -261,8 +261,8 @@ TEST_F(FilterTest, FourierTypeStoresTheSingleOrTheConvergentPass) {
   EXPECT_EQ(record.Analysis.Filter.FilterWave.Values, single.Values);
   EXPECT_EQ(record.Analysis.Filter.FilterCount, 300);
 
-  spec.Converge = true;
-  ASSERT_TRUE(RunFilter(spec, false, {&record}, IriParams{}).Completed);  // a changed spec recalculates
+  filterSpec.Converge = true;
+  ASSERT_TRUE(RunFilter(filterSpec, false, {&record}, IriParams{}).Completed);  // a changed filterSpec recalculates
   WaveSeries converged;
   ASSERT_TRUE(Cal_FFTフィルタ_収束計算(300, 512, 1024, 0.25, FilterKind::LowPass, 0, 2, profile, converged));
   EXPECT_EQ(record.Analysis.Filter.FilterWave.Values, converged.Values);
@@ -270,10 +270,10 @@ TEST_F(FilterTest, FourierTypeStoresTheSingleOrTheConvergentPass) {
 
 TEST_F(FilterTest, SlopeTypeFillsBothWaves) {
   ProfileRecord record = Prepared("s.erd", A({0, 1, 3, 3, 2}), 0.5);
-  FilterSpec spec = Spec(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
-  spec.SlopeMode = true;
-  spec.SlopeCut = 3;
-  ASSERT_TRUE(RunFilter(spec, true, {&record}, IriParams{}).Completed);
+  FilterSpec filterSpec = MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
+  filterSpec.SlopeMode = true;
+  filterSpec.SlopeCut = 3;
+  ASSERT_TRUE(RunFilter(filterSpec, true, {&record}, IriParams{}).Completed);
   ExpectValues(record.Analysis.Filter.SlopeWave.Values, {0, 1, 1, 1, 0});
   ExpectValues(record.Analysis.Filter.FilterWave.Values, {0, 1, 1, 1, 0});
   EXPECT_DOUBLE_EQ(record.Analysis.Filter.SlopeWave.Stats.Mean, 0.6);
@@ -283,8 +283,8 @@ TEST_F(FilterTest, AnErrorIsLoggedAndLeavesThePreviousResult) {
   ProfileRecord good = Prepared("good.erd", A({0, 1, 3, 3, 2}), 0.5);
   ProfileRecord longOne = Prepared("long.erd", Array1<double>(40000), 0.1);
   longOne.Analysis.Filter.FilterWave.Values = A({42});
-  const FilterSpec spec = Spec(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
-  const auto outcome = RunFilter(spec, true, {&good, &longOne}, IriParams{});
+  const FilterSpec filterSpec = MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
+  const auto outcome = RunFilter(filterSpec, true, {&good, &longOne}, IriParams{});
   EXPECT_FALSE(outcome.Completed);
   EXPECT_TRUE(good.Analysis.Filter.FilterWave.Calculated);
   EXPECT_EQ(longOne.Analysis.Filter.FilterWave.Values, A({42}));
@@ -298,7 +298,7 @@ TEST_F(FilterTest, IriTypeIsShorterThanTheProfile) {
   Array1<double> profile(400);
   for (int i = 1; i <= 400; ++i) profile[i] = (i % 5) * 0.5;
   ProfileRecord record = Prepared("i.erd", profile, 0.05);
-  ASSERT_TRUE(RunFilter(Spec(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&record}, IriParams{}).Completed);
+  ASSERT_TRUE(RunFilter(MakeFilter(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&record}, IriParams{}).Completed);
   // The slope base of 0.25 m spans 5 samples at 0.05 m.
   EXPECT_EQ(record.Analysis.Filter.FilterCount, 395);
   EXPECT_EQ(record.Analysis.Filter.FilterWave.Values.size(), 395);

@@ -20,23 +20,23 @@ ProfileRecord Road() {
 }
 
 TEST(ResultExport, FilterWordCarriesTheCutOffs) {
-  FilterSpec spec;
-  spec.CalcType = FilterCalcType::MovingAverage;
-  spec.Band = FilterKind::BandPass;
-  spec.LongCut = 50;
-  spec.ShortCut = 10;
-  EXPECT_EQ(FilterWord(spec), "MABP_50-10m");
-  spec.CalcType = FilterCalcType::Fourier;
-  spec.Band = FilterKind::LowPass;
-  spec.ShortCut = 2.5;
-  EXPECT_EQ(FilterWord(spec), "FTLP_2.5m");
-  spec.Band = FilterKind::HiPass;
-  EXPECT_EQ(FilterWord(spec), "FTHP_50m");
-  spec.CalcType = FilterCalcType::Slope;
-  spec.SlopeMode = true;
-  EXPECT_EQ(FilterWord(spec), "SLHC");
-  spec.CalcType = FilterCalcType::Iri;
-  EXPECT_EQ(FilterWord(spec), "IRI");
+  FilterSpec filterSpec;
+  filterSpec.CalcType = FilterCalcType::MovingAverage;
+  filterSpec.Band = FilterKind::BandPass;
+  filterSpec.LongCut = 50;
+  filterSpec.ShortCut = 10;
+  EXPECT_EQ(FilterWord(filterSpec), "MABP_50-10m");
+  filterSpec.CalcType = FilterCalcType::Fourier;
+  filterSpec.Band = FilterKind::LowPass;
+  filterSpec.ShortCut = 2.5;
+  EXPECT_EQ(FilterWord(filterSpec), "FTLP_2.5m");
+  filterSpec.Band = FilterKind::HiPass;
+  EXPECT_EQ(FilterWord(filterSpec), "FTHP_50m");
+  filterSpec.CalcType = FilterCalcType::Slope;
+  filterSpec.SlopeMode = true;
+  EXPECT_EQ(FilterWord(filterSpec), "SLHC");
+  filterSpec.CalcType = FilterCalcType::Iri;
+  EXPECT_EQ(FilterWord(filterSpec), "IRI");
 }
 
 TEST(ResultExport, FilteredProfileGoesByItsCountWithTheNullRule) {

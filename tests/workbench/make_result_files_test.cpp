@@ -30,8 +30,8 @@ ProfileRecord Filtered(const std::string& name) {
   r.Analysis.Filter.FilterWave.Values = Array1<double>{1.0, kNoValue};
   r.Analysis.Filter.FilterWave.Calculated = true;
   r.Analysis.Filter.FilterCount = 2;
-  r.Analysis.Filter.Spec.Band = FilterKind::HiPass;
-  r.Analysis.Filter.Spec.LongCut = 50;
+  r.Analysis.Filter.Request.Band = FilterKind::HiPass;
+  r.Analysis.Filter.Request.LongCut = 50;
   r.Analysis.Iri.IriWholeProfile = 2.0;
   return r;
 }

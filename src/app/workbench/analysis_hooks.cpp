@@ -26,15 +26,15 @@ std::string IriKey(const IriParams& p) {
 }
 
 FilterSpec SpecOf(const FilterTabInputs& in) {
-  FilterSpec spec;
-  spec.CalcType = static_cast<FilterCalcType>(in.CalcType);
-  spec.Band = static_cast<FilterKind>(in.Band);
-  spec.SlopeMode = in.SlopeMode;
-  spec.LongCut = uDblVal(in.LongCut);
-  spec.ShortCut = uDblVal(in.ShortCut);
-  spec.SlopeCut = uDblVal(in.SlopeCut);
-  spec.Converge = in.Converge;
-  return spec;
+  FilterSpec filterSpec;
+  filterSpec.CalcType = static_cast<FilterCalcType>(in.CalcType);
+  filterSpec.Band = static_cast<FilterKind>(in.Band);
+  filterSpec.SlopeMode = in.SlopeMode;
+  filterSpec.LongCut = uDblVal(in.LongCut);
+  filterSpec.ShortCut = uDblVal(in.ShortCut);
+  filterSpec.SlopeCut = uDblVal(in.SlopeCut);
+  filterSpec.Converge = in.Converge;
+  return filterSpec;
 }
 
 std::string FilterKey(const FilterSpec& s) {

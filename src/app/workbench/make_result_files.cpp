@@ -105,7 +105,7 @@ void WriteAll(Workbench& bench, const ExportRequest& request, const std::vector<
     const std::string name = ProfileList::NameOf(*record);
     switch (kind) {
       case ExportKind::Profile: {
-        const std::vector<NameMacro> macros{{"$(CUTOFF)$", FilterWord(record->Analysis.Filter.Spec)}};
+        const std::vector<NameMacro> macros{{"$(CUTOFF)$", FilterWord(record->Analysis.Filter.Request)}};
         if (request.Erd)
           writer.Erd(writer.Name(name, macros), *record, PointKindValues(kind, *record));
         else
