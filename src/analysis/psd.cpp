@@ -200,10 +200,6 @@ bool PsdRatioRaw(std::int32_t countA, const Array1<double>& psdA, std::int32_t c
   });
 }
 
-std::int32_t PsdLength(std::int32_t n) {
-  std::int64_t length = 1;
-  while (length < n) length *= 2;
-  return CheckedI32(length);
-}
+std::int32_t PsdLength(std::int32_t n) { return FftLength1(n); }
 
 }  // namespace velmora

@@ -9,8 +9,8 @@
 
 namespace velmora {
 
-// The transform length of the PSD: the smallest power of two not below n (1 for one sample, so that
-// a profile of one sample still gets its own arithmetic error from the window).
+// The transform length of the PSD: the profile's FftLength1, never below 4. A profile of one sample
+// cannot be folded out to that length and ends through the error path.
 std::int32_t PsdLength(std::int32_t n);
 
 // Raw PSD of x(1..n) (mm) at pitch dx (m): the profile brought to n2 = PsdLength(n) points by the
