@@ -1,5 +1,7 @@
 // Octave masks, the preparation of a profile, the single and the repeated split, and the sums.
 #include "analysis/octave.h"
+#include "analysis/mirror_extend.h"
+#include "analysis/fft.h"
 
 #include <gtest/gtest.h>
 
@@ -186,6 +188,35 @@ TEST_F(OctaveTest, SineOfOneOctaveLandsInThatBand) {
   for (int i = 1024; i <= 3072; ++i)
     worst = std::max(worst, std::abs(RealAt(set, 5, i) - y[static_cast<std::size_t>(i - 1)]));
   EXPECT_LT(worst, 0.03 * amplitude);
+}
+
+TEST_F(OctaveTest, EveryBandHasTheBitsOfTheStepsRunOneAfterAnother) {
+  // The bands are transformed back side by side; each must equal the literal sequence: fold, forward
+  // transform, scale, mask, inverse transform.
+  ProfileRecord record = MakeRecord(RoughProfile(3000, 0.1), 0.1);
+  ASSERT_TRUE(DecomposeProfile(record, false));
+  const AnalysisBlock& block = record.Analysis;
+  const std::int32_t n = block.Count, length2 = block.FftLength2;
+  Array1<double> extended;
+  std::int32_t offset = 0;
+  ASSERT_TRUE(subFFT計算用_観音開き作成(n, block.FftLength1, length2, block.Profile.Values, offset, extended));
+  Array1<Complex> spectrum(static_cast<std::size_t>(length2));
+  for (std::int32_t i = 1; i <= length2; ++i) spectrum[i] = Complex{extended[i], 0.0};
+  Fft(length2, spectrum, -1);
+  for (std::int32_t i = 1; i <= length2; ++i)
+    spectrum[i] = Complex{spectrum[i].Re / length2, spectrum[i].Im / length2};
+  for (int k = 1; k <= 9; ++k) {
+    Array1<Complex> band(static_cast<std::size_t>(length2));
+    for (std::int32_t i = 1; i <= length2; ++i) {
+      const double m = block.Masks[static_cast<std::size_t>(k)][i];
+      band[i] = Complex{spectrum[i].Re * m, spectrum[i].Im * m};
+    }
+    Fft(length2, band, +1);
+    const auto& values = block.Octave.Band[static_cast<std::size_t>(k)].Values;
+    ASSERT_EQ(values.size(), n);
+    for (std::int32_t i = 1; i <= n; ++i)
+      ASSERT_TRUE(values[i] == band[i + offset]) << "octave " << k << " sample " << i;
+  }
 }
 
 TEST_F(OctaveTest, TenMetreSineHoldsItsEnergyInOctaveFour) {
