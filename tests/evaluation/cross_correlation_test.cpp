@@ -8,32 +8,16 @@
 #include "app/app_paths.h"
 #include "app/text_encoding.h"
 #include "evaluation/correlation_tables.h"
+#include "support/profile_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
 namespace {
 
+using testing::MakeProfile;
 using testing::ScriptedUi;
 using testing::TempDir;
 
-ProfileRecord Profile(const std::string& name, double pitch, std::vector<double> samples, double kp = kNoValue,
-                      int kpSign = 0) {
-  ProfileRecord p;
-  p.FileName = name + ".erd";
-  p.Erd.StepSize = pitch;
-  p.Erd.KpStart = kp;
-  p.Erd.KpSign = kpSign;
-  p.Erd.NumChannels = 1;
-  p.Erd.FormatCode = 5;
-  p.Erd.NumSamples = p.Erd.NumSamplesHeader = static_cast<std::int32_t>(samples.size());
-  p.Erd.IsMetric = true;
-  p.Erd.Title = name;
-  p.Erd.Elevation = Array1<double>(samples);
-  p.WorkCount = static_cast<std::int32_t>(samples.size());
-  p.WorkProfile = Array1<double>(std::move(samples));
-  p.SamplesPerMetre = 1.0 / pitch;
-  return p;
-}
 
 std::vector<double> Ramp(int n) {
   std::vector<double> v;
@@ -73,7 +57,7 @@ TEST(CheckCorrelationOptions, MessagesInOrderAndTheShiftBoxSelected) {
   CorrelationSelection selection;
   CorrelationOptions options;
   options.MaxShiftText = "abc";  // also wrong, but the pitch is checked first
-  const ProfileList mixed = ListOf({Profile("A", 0.25, Ramp(50)), Profile("B", 0.3, Ramp(50))});
+  const ProfileList mixed = ListOf({MakeProfile("A", 0.25, Ramp(50)), MakeProfile("B", 0.3, Ramp(50))});
   const std::vector<std::int32_t> both = {2, 1};
   EXPECT_FALSE(CheckCorrelationOptions(mixed, both, options, selection));
   EXPECT_EQ(ui.OnlyMessageText(),
@@ -84,13 +68,13 @@ TEST(CheckCorrelationOptions, MessagesInOrderAndTheShiftBoxSelected) {
   // KP ranges 1.000-1.01225 km and 2.000-2.01225 km share nothing.
   ScriptedUi apart;
   options.Alignment = 2;
-  const ProfileList far = ListOf({Profile("A", 0.25, Ramp(50), 1.0), Profile("B", 0.25, Ramp(50), 2.0)});
+  const ProfileList far = ListOf({MakeProfile("A", 0.25, Ramp(50), 1.0), MakeProfile("B", 0.25, Ramp(50), 2.0)});
   EXPECT_FALSE(CheckCorrelationOptions(far, both, options, selection));
   EXPECT_EQ(apart.OnlyMessageText(), "全プロファイルで共通なプロファイル部がありませんでした。\r\n\r\n確認してください。");
 
   // Common count 50: the shift must lie in 1..48.
   options.Alignment = 0;
-  const ProfileList same = ListOf({Profile("A", 0.25, Ramp(50)), Profile("B", 0.25, Ramp(60))});
+  const ProfileList same = ListOf({MakeProfile("A", 0.25, Ramp(50)), MakeProfile("B", 0.25, Ramp(60))});
   for (const char* text : {"abc", "0", "49", "-1", "2.5"}) {
     ScriptedUi range;
     options.MaxShiftText = text;
@@ -117,7 +101,7 @@ TEST(AlignedSamples, HeadCentreAndKpWithADownwardProfileReversed) {
   // A: 1.000 to 1.100 km upward; B: KP falls from 1.150 to 1.050 km. At 0.25 m the common part
   // 1.050-1.100 km holds 0.05 / 0.00025 + 1 = 201 samples: A from its sample 201, B from its
   // sample 401 (KP 1.050) backwards.
-  const ProfileList list = ListOf({Profile("A", 0.25, Ramp(401), 1.0), Profile("B", 0.25, Ramp(401), 1.15, 1)});
+  const ProfileList list = ListOf({MakeProfile("A", 0.25, Ramp(401), 1.0), MakeProfile("B", 0.25, Ramp(401), 1.15, 1)});
   const std::vector<std::int32_t> rows = {1, 2};
   CorrelationOptions options;
   options.Alignment = 2;
@@ -135,7 +119,7 @@ TEST(AlignedSamples, HeadCentreAndKpWithADownwardProfileReversed) {
   EXPECT_EQ(b.back(), 201);
 
   // Centre: 11 samples against a common 6 leave 5, half of it 2.5, rounded to even 2: from sample 3.
-  const ProfileList centre = ListOf({Profile("A", 0.25, Ramp(11)), Profile("B", 0.25, Ramp(6))});
+  const ProfileList centre = ListOf({MakeProfile("A", 0.25, Ramp(11)), MakeProfile("B", 0.25, Ramp(6))});
   options.Alignment = 1;
   ASSERT_TRUE(CheckCorrelationOptions(centre, rows, options = CorrelationOptions{.MaxShiftText = "4", .Alignment = 1},
                                       selection));
@@ -151,7 +135,7 @@ TEST(RunCrossCorrelation, LagScaleAndDiagonalOverAllPairs) {
   // B holds A's road 3 samples later in its own index; C is A doubled (exact in binary).
   std::vector<double> a = Road(n, 3), b = Road(n, 0), c = Road(n, 3);
   for (double& x : c) x *= 2;
-  const ProfileList list = ListOf({Profile("A", 0.25, a), Profile("B", 0.25, b), Profile("C", 0.25, c)});
+  const ProfileList list = ListOf({MakeProfile("A", 0.25, a), MakeProfile("B", 0.25, b), MakeProfile("C", 0.25, c)});
   const std::vector<std::int32_t> rows = {1, 2, 3};
   CorrelationOptions options;
   options.FilterMode = 0;
@@ -186,7 +170,7 @@ TEST(RunCrossCorrelation, LagScaleAndDiagonalOverAllPairs) {
 TEST(RunCrossCorrelation, FailuresGoThroughTheErrorPathAndKeepTheResults) {
   Workplace place;
   ScriptedUi ui;
-  const ProfileList flat = ListOf({Profile("A", 0.25, std::vector<double>(100, 1.0)), Profile("B", 0.25, Road(100))});
+  const ProfileList flat = ListOf({MakeProfile("A", 0.25, std::vector<double>(100, 1.0)), MakeProfile("B", 0.25, Road(100))});
   const std::vector<std::int32_t> rows = {1, 2};
   CorrelationOptions options;
   options.FilterMode = 0;
@@ -200,7 +184,7 @@ TEST(RunCrossCorrelation, FailuresGoThroughTheErrorPathAndKeepTheResults) {
 
   // "MAX/2" on 70000 samples: 70001 shifts pass the 16-bit counter.
   ScriptedUi overflow;
-  const ProfileList longer = ListOf({Profile("A", 0.25, Road(70000)), Profile("B", 0.25, Road(70000, 1))});
+  const ProfileList longer = ListOf({MakeProfile("A", 0.25, Road(70000)), MakeProfile("B", 0.25, Road(70000, 1))});
   options.MaxShiftMode = 0;
   EXPECT_FALSE(RunCrossCorrelation(longer, rows, options, CurrentConditions().Iri, results));
   EXPECT_NE(overflow.OnlyMessageText().find("オーバーフロー"), std::string::npos);
@@ -209,7 +193,7 @@ TEST(RunCrossCorrelation, FailuresGoThroughTheErrorPathAndKeepTheResults) {
 TEST(SaveCrossCorrelation, SixFilesNamedByMeasureWithTheClosingBox) {
   Workplace place;
   ScriptedUi ui;
-  const ProfileList list = ListOf({Profile("A", 0.25, Road(300, 3)), Profile("B", 0.25, Road(300))});
+  const ProfileList list = ListOf({MakeProfile("A", 0.25, Road(300, 3)), MakeProfile("B", 0.25, Road(300))});
   const std::vector<std::int32_t> rows = {1, 2};
   CorrelationOptions options;
   options.FilterMode = 0;
@@ -246,7 +230,7 @@ TEST(SaveCrossCorrelation, SixFilesNamedByMeasureWithTheClosingBox) {
 TEST(SaveCrossCorrelation, FilteredResultsAreWrittenFromARunWithoutTheFilter) {
   Workplace place;
   ScriptedUi ui;
-  const ProfileList list = ListOf({Profile("A", 0.25, Road(300, 3)), Profile("B", 0.25, Road(300))});
+  const ProfileList list = ListOf({MakeProfile("A", 0.25, Road(300, 3)), MakeProfile("B", 0.25, Road(300))});
   const std::vector<std::int32_t> rows = {1, 2};
   CorrelationOptions options;
   options.FilterMode = 0;
@@ -266,8 +250,8 @@ TEST(SaveCrossCorrelation, FilteredResultsAreWrittenFromARunWithoutTheFilter) {
 TEST(RegisterShiftedProfiles, ALagOfThreeGivesMinusThreePAndMovesTheKp) {
   Workplace place;
   ScriptedUi ui;
-  ProfileList list = ListOf({Profile("A", 0.25, Road(400, 3), 1.0), Profile("B", 0.25, Road(400), 1.0),
-                             Profile("C", 0.25, Road(400, 3), 1.0)});
+  ProfileList list = ListOf({MakeProfile("A", 0.25, Road(400, 3), 1.0), MakeProfile("B", 0.25, Road(400), 1.0),
+                             MakeProfile("C", 0.25, Road(400, 3), 1.0)});
   const std::vector<std::int32_t> rows = {1, 2, 3};
   CorrelationOptions options;
   options.FilterMode = 0;

@@ -9,31 +9,17 @@
 #include "app/text_encoding.h"
 #include "app/workbench/workbench.h"
 #include "evaluation/correlation_tables.h"
+#include "support/profile_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora::workbench {
 namespace {
 
+using testing::MakeProfile;
 using testing::ScriptedUi;
 using testing::TempDir;
 using Row = std::vector<std::string>;
 
-ProfileRecord Profile(const std::string& name, double pitch, std::vector<double> samples, double kp) {
-  ProfileRecord p;
-  p.FileName = name + ".erd";
-  p.Erd.StepSize = pitch;
-  p.Erd.KpStart = kp;
-  p.Erd.NumChannels = 1;
-  p.Erd.FormatCode = 5;
-  p.Erd.NumSamples = p.Erd.NumSamplesHeader = static_cast<std::int32_t>(samples.size());
-  p.Erd.IsMetric = true;
-  p.Erd.Title = name;
-  p.Erd.Elevation = Array1<double>(samples);
-  p.WorkCount = static_cast<std::int32_t>(samples.size());
-  p.WorkProfile = Array1<double>(std::move(samples));
-  p.SamplesPerMetre = 1.0 / pitch;
-  return p;
-}
 
 // 1, 2, ..., n or, falling, 1000 - 1, 1000 - 2, ...
 std::vector<double> Ramp(int n, bool falling = false) {
@@ -68,8 +54,8 @@ class EvaluationTabsTest : public ::testing::Test {
 
 TEST_F(EvaluationTabsTest, StatisticsGoFillsThePagesInTheOrderOfTheSortListsAndSaves) {
   ScriptedUi ui;
-  bench.AddProfile(Profile("A", 0.25, Ramp(400), 1.0));
-  bench.AddProfile(Profile("B", 0.25, Ramp(400, true), 1.0));
+  bench.AddProfile(MakeProfile("A", 0.25, Ramp(400), 1.0));
+  bench.AddProfile(MakeProfile("B", 0.25, Ramp(400, true), 1.0));
   StatisticsSelection& s = bench.Evaluation.Statistics.Selection;
   s.ProfileBands[0] = true;
   s.ProfileMeasures = {true, true, false, false, false};
@@ -126,7 +112,7 @@ TEST_F(EvaluationTabsTest, StatisticsGoFillsThePagesInTheOrderOfTheSortListsAndS
 
 TEST_F(EvaluationTabsTest, StatisticsOfTheIriMakeTheOctaveSplitFirst) {
   ScriptedUi ui;
-  bench.AddProfile(Profile("A", 0.25, Road(2000), 0.0));
+  bench.AddProfile(MakeProfile("A", 0.25, Road(2000), 0.0));
   bench.SelectAll(tab::Statistics);
   StatisticsSelection& s = bench.Evaluation.Statistics.Selection;
   s.IriBands[3] = true;  // 1-OCT
@@ -144,9 +130,9 @@ TEST_F(EvaluationTabsTest, StatisticsOfTheIriMakeTheOctaveSplitFirst) {
 TEST_F(EvaluationTabsTest, VerificationGoTableSaveAndShiftedRegistration) {
   ScriptedUi ui;
   // A's feature at index k lies at k + 3 in B: the shift against A is 3. C equals A.
-  bench.AddProfile(Profile("A", 0.25, Road(400, 3), 1.0));
-  bench.AddProfile(Profile("B", 0.25, Road(400), 1.0));
-  bench.AddProfile(Profile("C", 0.25, Road(400, 3), 1.0));
+  bench.AddProfile(MakeProfile("A", 0.25, Road(400, 3), 1.0));
+  bench.AddProfile(MakeProfile("B", 0.25, Road(400), 1.0));
+  bench.AddProfile(MakeProfile("C", 0.25, Road(400, 3), 1.0));
   bench.SelectAll(tab::Verification);
   CorrelationOptions& o = bench.Evaluation.Verification.Options;
   o.FilterMode = 0;
@@ -185,9 +171,9 @@ TEST_F(EvaluationTabsTest, VerificationGoTableSaveAndShiftedRegistration) {
 
 TEST_F(EvaluationTabsTest, VerificationRefusesMixedPitchesAndLogsAConstantProfile) {
   ScriptedUi ui;
-  bench.AddProfile(Profile("A", 0.25, Road(100), 1.0));
-  bench.AddProfile(Profile("B", 0.1, Road(100), 1.0));
-  bench.AddProfile(Profile("F", 0.25, std::vector<double>(100, 5.0), 1.0));
+  bench.AddProfile(MakeProfile("A", 0.25, Road(100), 1.0));
+  bench.AddProfile(MakeProfile("B", 0.1, Road(100), 1.0));
+  bench.AddProfile(MakeProfile("F", 0.25, std::vector<double>(100, 5.0), 1.0));
   bench.Evaluation.Verification.Options.FilterMode = 0;
   bench.Select(tab::Verification, {1, 2});
   EXPECT_FALSE(bench.Go(tab::Verification));
