@@ -9,13 +9,16 @@
 #include "app/text_encoding.h"
 #include "evaluation/correlation_tables.h"
 #include "support/profile_fixture.h"
+#include "evaluation_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
 namespace {
 
 using testing::MakeProfile;
+using testing::ListOf;
 using testing::ScriptedUi;
+using testing::Workplace;
 using testing::TempDir;
 
 
@@ -31,26 +34,6 @@ std::vector<double> Road(int n, int from = 0) {
   for (int i = from; i < from + n; ++i) v.push_back(3 * std::sin(0.21 * i) + std::sin(1.3 * i + 0.4 * std::cos(0.05 * i)));
   return v;
 }
-
-ProfileList ListOf(std::vector<ProfileRecord> profiles) {
-  ProfileList list;
-  list.Items.resize(static_cast<std::ptrdiff_t>(profiles.size()));
-  for (std::size_t k = 0; k < profiles.size(); ++k) list.Items[static_cast<std::ptrdiff_t>(k + 1)] = std::move(profiles[k]);
-  return list;
-}
-
-// A temporary user-local tree for the error log, the remembered folder and the project's profiles.
-struct Workplace {
-  TempDir dir;
-  AppPaths saved = Paths();
-  Workplace() {
-    Paths().UserLocalPath = dir.path().string();
-    Paths().TempPath = (dir / "Temp").string();
-    std::filesystem::create_directories(dir / "Temp");
-    std::filesystem::create_directories(dir / "Resource");
-  }
-  ~Workplace() { Paths() = saved; }
-};
 
 TEST(CheckCorrelationOptions, MessagesInOrderAndTheShiftBoxSelected) {
   ScriptedUi ui;

@@ -6,12 +6,15 @@
 
 #include "app/app_paths.h"
 #include "app/text_encoding.h"
+#include "evaluation_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
 namespace {
 
+using testing::ListOf;
 using testing::ScriptedUi;
+using testing::Workplace;
 using testing::TempDir;
 using Row = std::vector<std::string>;
 
@@ -35,31 +38,12 @@ ProfileRecord PlainRamp(const std::string& name, int n, double kp, int kpSign = 
   return p;
 }
 
-ProfileList ListOf(std::vector<ProfileRecord> profiles) {
-  ProfileList list;
-  list.Items.resize(static_cast<std::ptrdiff_t>(profiles.size()));
-  for (std::size_t k = 0; k < profiles.size(); ++k) list.Items[static_cast<std::ptrdiff_t>(k + 1)] = std::move(profiles[k]);
-  return list;
-}
-
 StatisticsSelection MeanOfFullWave() {
   StatisticsSelection s;
   s.ProfileBands[0] = true;
   s.ProfileMeasures[0] = true;
   return s;
 }
-
-struct Workplace {
-  TempDir dir;
-  AppPaths saved = Paths();
-  Workplace() {
-    Paths().UserLocalPath = dir.path().string();
-    Paths().TempPath = (dir / "Temp").string();
-    std::filesystem::create_directories(dir / "Temp");
-    std::filesystem::create_directories(dir / "Resource");
-  }
-  ~Workplace() { Paths() = saved; }
-};
 
 TEST(CheckStatisticsSelection, MessagesInOrderAndSidesTurnedOffQuietly) {
   auto refused = [](std::int32_t count, StatisticsSelection s) {
