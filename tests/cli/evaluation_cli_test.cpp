@@ -11,10 +11,14 @@
 #include "app/text_encoding.h"
 #include "profile/erd_file.h"
 #include "cli_fixture.h"
+#include "support/profile_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
 namespace {
+
+using testing::Ramp;
+using testing::Road;
 
 namespace fs = std::filesystem;
 using testing::ReadBytes;
@@ -45,19 +49,6 @@ class EvaluationCliTest : public testing::CliTest {
   }
 
 };
-
-std::vector<double> Ramp(int n, bool falling = false) {
-  std::vector<double> v;
-  for (int i = 1; i <= n; ++i) v.push_back(falling ? 1000 - i : i);
-  return v;
-}
-
-// A rough profile in mm: f(i) for i from `from`.
-std::vector<double> Road(int n, int from = 0) {
-  std::vector<double> v;
-  for (int i = from; i < from + n; ++i) v.push_back(3 * std::sin(0.21 * i) + std::sin(1.3 * i + 0.4 * std::cos(0.05 * i)));
-  return v;
-}
 
 TEST_F(EvaluationCliTest, StatsWritesOnePagePerFileWithFiguresByHand) {
   const std::string a = Erd("A", 0.25, Ramp(400), 1.0);

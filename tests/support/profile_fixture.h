@@ -1,6 +1,7 @@
 #pragma once
 // A registered profile built in memory: one channel of `samples` (mm) at `pitch` (m), its working copy
 // filled as reading an ERD file would fill it.
+#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,6 +28,20 @@ inline ProfileRecord MakeProfile(const std::string& name, double pitch, std::vec
   p.WorkProfile = Array1<double>(std::move(samples));
   p.SamplesPerMetre = 1.0 / pitch;
   return p;
+}
+
+// 1, 2, ..., n mm or, falling, 1000 - 1, 1000 - 2, ...
+inline std::vector<double> Ramp(int n, bool falling = false) {
+  std::vector<double> v;
+  for (int i = 1; i <= n; ++i) v.push_back(falling ? 1000 - i : i);
+  return v;
+}
+
+// A rough profile in mm: f(i) for i from `from`, so Road(n, 3)[k] = Road(n)[k + 3] (a lag of 3 samples).
+inline std::vector<double> Road(int n, int from = 0) {
+  std::vector<double> v;
+  for (int i = from; i < from + n; ++i) v.push_back(3 * std::sin(0.21 * i) + std::sin(1.3 * i + 0.4 * std::cos(0.05 * i)));
+  return v;
 }
 
 }  // namespace velmora::testing

@@ -15,25 +15,14 @@
 namespace velmora::workbench {
 namespace {
 
+using testing::Ramp;
+using testing::Road;
+
 using testing::MakeProfile;
 using testing::ScriptedUi;
 using testing::TempDir;
 using Row = std::vector<std::string>;
 
-
-// 1, 2, ..., n or, falling, 1000 - 1, 1000 - 2, ...
-std::vector<double> Ramp(int n, bool falling = false) {
-  std::vector<double> v;
-  for (int i = 1; i <= n; ++i) v.push_back(falling ? 1000 - i : i);
-  return v;
-}
-
-// A rough profile in mm: f(i) for i from `from`; Road(n, 3)[k] = Road(n)[k + 3].
-std::vector<double> Road(int n, int from = 0) {
-  std::vector<double> v;
-  for (int i = from; i < from + n; ++i) v.push_back(3 * std::sin(0.21 * i) + std::sin(1.3 * i + 0.4 * std::cos(0.05 * i)));
-  return v;
-}
 
 class EvaluationTabsTest : public ::testing::Test {
  protected:
