@@ -30,7 +30,7 @@ AnalysisBlock LongProfile() {
     auto& band = block.Octave.Band[static_cast<std::size_t>(k)].Values;
     band.assign_zero(kSamples);
     const double wavelength = 76.8 / std::pow(2.0, k);  // samples per metre times the band's middle
-    for (std::int32_t i = 1; i <= kSamples; ++i) band[i].Re = std::sin(2 * M_PI * i * kPitch / wavelength);
+    for (std::int32_t i = 1; i <= kSamples; ++i) band[i] = std::sin(2 * M_PI * i * kPitch / wavelength);
   }
   block.Octave.LongSum.Values = profile;
   block.Octave.ShortSum.Values = profile;

@@ -85,12 +85,12 @@ bool Cal_バンド別低減(const std::array<double, 10>& limits, std::int32_t n
   return Guarded("bas計算共通", "Cal_バンド別低減", [&] {
     BandReductionResult out;
     for (std::size_t k = 1; k <= 9; ++k) {
-      const Array1<Complex>& band = bands.Band[k].Values;
+      const Array1<double>& band = bands.Band[k].Values;
       if (band.size() < n)
         RaiseSubscriptOutOfRange("octave " + std::to_string(k) + " holds " + std::to_string(band.size()) +
                                  " samples, " + std::to_string(n) + " asked");
-      Array1<double> original(static_cast<std::size_t>(n));
-      for (std::int32_t i = 1; i <= n; ++i) original[i] = band[i].Re;
+      Array1<double> original = band;
+      original.resize(n);
       Array1<double> reduced = original;
       double minimum = 0, maximum = 0;
       ReduceHalfWaves(limits[k], reduced.span(), minimum, maximum);

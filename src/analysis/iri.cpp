@@ -81,13 +81,11 @@ std::vector<double> CheckedWave(const Array1<double>& values, std::int32_t n, co
   return std::vector<double>(values.begin(), values.begin() + n);
 }
 
-std::vector<double> RealParts(const Array1<Complex>& values, std::int32_t n, int octave) {
+std::vector<double> BandWave(const Array1<double>& values, std::int32_t n, int octave) {
   if (values.size() < n)
     throw LegacyError(ErrorNumber::InvalidData, "IRI of octave " + std::to_string(octave) +
                                                     ": the octave split of the profile is not calculated");
-  std::vector<double> out(static_cast<std::size_t>(n));
-  for (std::int32_t i = 1; i <= n; ++i) out[static_cast<std::size_t>(i - 1)] = values[i].Re;
-  return out;
+  return std::vector<double>(values.begin(), values.begin() + n);
 }
 
 }  // namespace
@@ -174,7 +172,7 @@ void CalcIriProfile(AnalysisBlock& block, const IriParams& params, bool withBand
 
   const OctaveBandSet& octave = block.Octave;
   for (int k = 1; k <= 9; ++k)
-    BandResponseAndWindow(RealParts(octave.Band[static_cast<std::size_t>(k)].Values, n, k), n, dx, params,
+    BandResponseAndWindow(BandWave(octave.Band[static_cast<std::size_t>(k)].Values, n, k), n, dx, params,
                           windowEnd, r.IriWindowCount, r.IriResponseBand[static_cast<std::size_t>(k)],
                           r.IriWindowBand[static_cast<std::size_t>(k)]);
 

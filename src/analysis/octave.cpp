@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "analysis/debug_table.h"
-#include "analysis/fft.h"
+#include "analysis/real_fft.h"
 #include "analysis/mirror_extend.h"
 #include "analysis/octave_bands.h"
 #include "analysis/prepare_profile.h"
@@ -29,27 +29,51 @@ constexpr const char* kProgressTitle = "プロファイル分解計算";
 
 std::string Seq(std::int32_t& debugSeq) { return FormatNumber(++debugSeq, "000"); }
 
-// Extremes (each part on its own, starting from element 1) and statistics of the real part.
-void Summarise(std::int32_t n, OctaveBand& band, Array1<double>& realScratch) {
-  realScratch.assign_zero(n);
-  if (n >= 1) {
-    band.MinReal = band.MaxReal = band.Values[1].Re;
-    band.MinImag = band.MaxImag = band.Values[1].Im;
-  }
+// Extremes and statistics of a band's wave.
+void Summarise(std::int32_t n, OctaveBand& band) {
+  band.MinReal = band.MaxReal = n >= 1 ? band.Values[1] : 0.0;
   for (std::int32_t i = 1; i <= n; ++i) {
-    const Complex v = band.Values[i];
-    band.MinReal = std::min(band.MinReal, v.Re);
-    band.MaxReal = std::max(band.MaxReal, v.Re);
-    band.MinImag = std::min(band.MinImag, v.Im);
-    band.MaxImag = std::max(band.MaxImag, v.Im);
-    realScratch[i] = v.Re;
+    band.MinReal = std::min(band.MinReal, band.Values[i]);
+    band.MaxReal = std::max(band.MaxReal, band.Values[i]);
   }
-  CalcSeriesStats(n, realScratch, band.Stats);
+  CalcSeriesStats(n, band.Values, band.Stats);
   band.Calculated = true;
 }
 
-// The work of one pass, with its arrays kept from pass to pass: the spectrum of the folded profile is
-// taken once, scaled once, and only the masking and the inverse transform are repeated per octave.
+// The buffers of one core: the half spectrum transformed back, and a wave of the profile's length.
+struct Workspace {
+  Array1<Complex> Spectrum;
+  Array1<double> Wave;
+};
+
+// Runs job(index, workspace) for index = 0 .. count − 1: the even indices here, the odd ones on a
+// second core when there is one. Jobs must touch disjoint results.
+template <class Job>
+void OnTwoCores(int count, std::array<Workspace, 2>& spaces, const Job& job) {
+  if (std::thread::hardware_concurrency() < 2) {
+    for (int index = 0; index < count; ++index) job(index, spaces[0]);
+    return;
+  }
+  std::exception_ptr workerFailure;
+  std::thread worker([&] {
+    try {
+      for (int index = 1; index < count; index += 2) job(index, spaces[1]);
+    } catch (...) {
+      workerFailure = std::current_exception();
+    }
+  });
+  try {
+    for (int index = 0; index < count; index += 2) job(index, spaces[0]);
+  } catch (...) {
+    worker.join();
+    throw;
+  }
+  worker.join();
+  if (workerFailure) std::rethrow_exception(workerFailure);
+}
+
+// The work of one pass. The folded-out profile is real and every mask is symmetric, so only the
+// lower half of the spectrum is kept and each band comes back through a real inverse transform.
 class OctaveSplitter {
  public:
   OctaveSplitter(std::int32_t n, std::int32_t length1, std::int32_t length2, const OctaveMasks& masks)
@@ -58,68 +82,54 @@ class OctaveSplitter {
       if (masks_[static_cast<std::size_t>(k)].size() < length2_)
         RaiseSubscriptOutOfRange("octave mask " + std::to_string(k) + " shorter than " +
                                  std::to_string(length2_));
+    for (Workspace& space : spaces_) space.Wave.resize(n_);
   }
 
-  void Split(const Array1<double>& source, OctaveBands& bands) {
-    std::int32_t offset = 0;
-    if (!subFFT計算用_観音開き作成(n_, length1_, length2_, source, offset, extended_))
-      throw LegacyError(ErrorNumber::InvalidData, "the fold of the profile failed (see the log)");
-    spectrum_.assign_zero(length2_);
-    for (std::int32_t i = 1; i <= length2_; ++i) spectrum_[i] = Complex{extended_[i], 0.0};
-    Fft(length2_, spectrum_, -1);
-    const double scale = static_cast<double>(length2_);
-    for (std::int32_t i = 1; i <= length2_; ++i)
-      spectrum_[i] = Complex{spectrum_[i].Re / scale, spectrum_[i].Im / scale};
+  std::int32_t Count() const { return n_; }
+  std::array<Workspace, 2>& Spaces() { return spaces_; }
 
-    // The nine inverse transforms are independent of one another: the odd octaves run here, the even
-    // ones on a second core. Each band gets exactly the operations of a serial run.
-    if (std::thread::hardware_concurrency() < 2) {
-      for (int k = 1; k <= kOctaveCount; ++k) InverseBand(k, offset, band_, realScratch_, bands);
-      return;
+  // Folds source(1..n) out to length2 and takes its spectrum, divided by length2.
+  void Analyse(const Array1<double>& source) {
+    Array1<double> extended;
+    if (!subFFT計算用_観音開き作成(n_, length1_, length2_, source, offset_, extended))
+      throw LegacyError(ErrorNumber::InvalidData, "the fold of the profile failed (see the log)");
+    RealForwardFft(length2_, extended, spectrum_);
+    const double scale = static_cast<double>(length2_);
+    for (Complex& bin : spectrum_) bin = Complex{bin.Re / scale, bin.Im / scale};
+  }
+
+  // Octaves first..last of the analysed profile together (one octave when first = last), at the
+  // profile's samples: out[0 .. n).
+  void Synthesise(int first, int last, Workspace& space, double* out) const {
+    const std::int32_t half = length2_ / 2 + 1;
+    space.Spectrum.resize(half);
+    for (std::int32_t p = 1; p <= half; ++p) {
+      std::uint8_t keep = 0;
+      for (int k = first; k <= last; ++k) keep |= masks_[static_cast<std::size_t>(k)][p];
+      const double m = keep;
+      space.Spectrum[p] = Complex{spectrum_[p].Re * m, spectrum_[p].Im * m};
     }
-    std::exception_ptr workerFailure;
-    std::thread worker([&] {
-      try {
-        Array1<Complex> work;
-        Array1<double> scratch;
-        for (int k = 2; k <= kOctaveCount; k += 2) InverseBand(k, offset, work, scratch, bands);
-      } catch (...) {
-        workerFailure = std::current_exception();
-      }
+    RealInverseFft(length2_, space.Spectrum);
+    UnpackReal(space.Spectrum, offset_, n_, out);
+  }
+
+  // All nine octaves of source, each with its extremes and statistics.
+  void Split(const Array1<double>& source, OctaveBands& bands) {
+    Analyse(source);
+    OnTwoCores(kOctaveCount, spaces_, [&](int index, Workspace& space) {
+      OctaveBand& band = bands[static_cast<std::size_t>(index + 1)];
+      band.Values.assign_zero(n_);
+      Synthesise(index + 1, index + 1, space, band.Values.data());
+      Summarise(n_, band);
     });
-    try {
-      for (int k = 1; k <= kOctaveCount; k += 2) InverseBand(k, offset, band_, realScratch_, bands);
-    } catch (...) {
-      worker.join();
-      throw;
-    }
-    worker.join();
-    if (workerFailure) std::rethrow_exception(workerFailure);
   }
 
  private:
-  // Octave k of the scaled spectrum back in the profile's domain, with its extremes and statistics.
-  void InverseBand(int k, std::int32_t offset, Array1<Complex>& work, Array1<double>& scratch,
-                   OctaveBands& bands) const {
-    const Array1<std::uint8_t>& mask = masks_[static_cast<std::size_t>(k)];
-    work.resize(length2_);
-    for (std::int32_t i = 1; i <= length2_; ++i) {
-      const double m = mask[i];
-      work[i] = Complex{spectrum_[i].Re * m, spectrum_[i].Im * m};
-    }
-    Fft(length2_, work, +1);
-    OctaveBand& out = bands[static_cast<std::size_t>(k)];
-    out.Values.resize(n_);
-    for (std::int32_t i = 1; i <= n_; ++i) out.Values[i] = work[i + offset];
-    Summarise(n_, out, scratch);
-  }
-
   std::int32_t n_, length1_, length2_;
   const OctaveMasks& masks_;
-  Array1<double> extended_;
+  std::int32_t offset_ = 0;
   Array1<Complex> spectrum_;
-  Array1<Complex> band_;
-  Array1<double> realScratch_;
+  std::array<Workspace, 2> spaces_;
 };
 
 void WritePassTables(std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
@@ -136,7 +146,7 @@ void WritePassTables(std::int32_t& debugSeq, std::int32_t iteration, std::int32_
     std::string line = std::to_string(i) + "," + FormatNumber(source[i], "0.000000000000000");
     double sum = 0;
     for (int k = 1; k <= kOctaveCount; ++k) {
-      const double v = bands[static_cast<std::size_t>(k)].Values[i].Re;
+      const double v = bands[static_cast<std::size_t>(k)].Values[i];
       sum += v;
       line += "," + FormatNumber(v, "0.000000000000000");
     }
@@ -169,7 +179,7 @@ void WriteStageTable(std::int32_t& debugSeq, int stage, std::int32_t pass, std::
   std::vector<std::string> lines{kStageHead[stage]};
   for (std::int32_t i = 1; i <= n; ++i) {
     std::string line = std::to_string(i);
-    for (int k : columns) line += "," + FormatNumber(acc[static_cast<std::size_t>(k)].Values[i].Re, "0.000000");
+    for (int k : columns) line += "," + FormatNumber(acc[static_cast<std::size_t>(k)].Values[i], "0.000000");
     line += "," + FormatNumber(rest[i], "0.000000");
     lines.push_back(std::move(line));
   }
@@ -184,16 +194,15 @@ void WriteFinalBandTables(std::int32_t n, double dx, const OctaveBands& bands) {
     // The second column gives the position of the sample along the profile, m.
     for (std::int32_t i = 1; i <= n; ++i)
       lines.push_back(std::to_string(i) + "," + FormatNumber((i - 1) * dx, "0.000") + "," +
-                      FormatNumber(band.Values[i].Re, "0.000000") + "," + FormatNumber(band.Values[i].Im, "0.000000"));
+                      FormatNumber(band.Values[i], "0.000000") + ",0.000000");  // the wave is real
     WriteDebugTable("ProfBand_" + FormatNumber(k, "00") + ".csv", lines);
   }
 }
 
 // prev / current standard deviation; a band with nothing in it cannot be judged.
-double StdRatio(double previous, const OctaveBand& band, int octave) {
-  if (band.Stats.StdDev == 0)
-    RaiseDivisionByZero("standard deviation of octave " + std::to_string(octave) + " is 0");
-  return previous / band.Stats.StdDev;
+double StdRatio(double previous, double deviation, int octave) {
+  if (deviation == 0) RaiseDivisionByZero("standard deviation of octave " + std::to_string(octave) + " is 0");
+  return previous / deviation;
 }
 
 class PeelingProgress {
@@ -210,6 +219,57 @@ class PeelingProgress {
   int value_ = 0;
 };
 
+struct PassDeviations {
+  double Low = 0;   // of octave `stage` in this pass
+  double High = 0;  // of octave 10 − stage
+};
+
+// One pass of a peeling stage over `rest`: the outer octaves (1..stage and 10 − stage..9) of this pass
+// are added to their accumulators, and rest becomes the octaves between. With the debug tables on, all
+// nine octaves are made one by one and written out; otherwise the octaves between come back together
+// through one transform, which saves most of the work of the early stages.
+PassDeviations PeelPass(int stage, std::int32_t pass, std::int32_t& debugSeq, OctaveSplitter& splitter,
+                        OctaveBands& acc, Array1<double>& rest) {
+  const int low = stage, high = 10 - stage;
+  const std::int32_t n = splitter.Count();
+  std::vector<int> outer;
+  for (int k = 1; k <= kOctaveCount; ++k)
+    if (k <= low || k >= high) outer.push_back(k);
+
+  PassDeviations deviations;
+  const auto take = [&](int k, const Array1<double>& wave) {
+    Array1<double>& into = acc[static_cast<std::size_t>(k)].Values;
+    for (std::int32_t j = 1; j <= n; ++j) into[j] += wave[j];
+    if (k != low && k != high) return;
+    SeriesStats stats;
+    CalcSeriesStats(n, wave, stats);
+    (k == low ? deviations.Low : deviations.High) = stats.StdDev;
+  };
+
+  if (DebugTablesOn()) {
+    OctaveBands bands;
+    SplitOnce(1, debugSeq, pass, n, splitter, rest, bands);
+    for (int k : outer) take(k, bands[static_cast<std::size_t>(k)].Values);
+    for (std::int32_t j = 1; j <= n; ++j) {
+      rest[j] = 0;
+      for (int k = low + 1; k <= high - 1; ++k) rest[j] += bands[static_cast<std::size_t>(k)].Values[j];
+    }
+    return deviations;
+  }
+  splitter.Analyse(rest);
+  const int jobs = static_cast<int>(outer.size()) + 1;
+  OnTwoCores(jobs, splitter.Spaces(), [&](int index, Workspace& space) {
+    if (index == jobs - 1) {
+      splitter.Synthesise(low + 1, high - 1, space, rest.data());
+      return;
+    }
+    const int k = outer[static_cast<std::size_t>(index)];
+    splitter.Synthesise(k, k, space, space.Wave.data());
+    take(k, space.Wave);
+  });
+  return deviations;
+}
+
 void Peel(const AnalysisBlock& block, const FilterConvergence& limits, OctaveBands& result) {
   const std::int32_t n = block.Count;
   const double dx = 1.0 / block.SamplesPerMetre;
@@ -222,7 +282,6 @@ void Peel(const AnalysisBlock& block, const FilterConvergence& limits, OctaveBan
   for (int k = 1; k <= kOctaveCount; ++k) acc[static_cast<std::size_t>(k)].Values.assign_zero(n);
   Array1<double> rest = block.Profile.Values;
   rest.resize(n);
-  OctaveBands pass;
 
   for (int stage = 1; stage <= 4; ++stage) {
     const int low = stage, high = 10 - stage;
@@ -230,35 +289,22 @@ void Peel(const AnalysisBlock& block, const FilterConvergence& limits, OctaveBan
     bool lowDone = false, highDone = false;
     for (std::int32_t i = 1; i <= limits.MaxPasses; ++i) {
       progress.Pass(stage, i, limits.MaxPasses);
-      SplitOnce(1, debugSeq, i, n, splitter, rest, pass);
-      for (int k = 1; k <= kOctaveCount; ++k) {
-        if (k > low && k < high) continue;
-        Array1<Complex>& into = acc[static_cast<std::size_t>(k)].Values;
-        const Array1<Complex>& from = pass[static_cast<std::size_t>(k)].Values;
-        for (std::int32_t j = 1; j <= n; ++j) into[j].Re += from[j].Re;
-      }
-      for (std::int32_t j = 1; j <= n; ++j) {
-        rest[j] = 0;
-        for (int k = low + 1; k <= high - 1; ++k) rest[j] += pass[static_cast<std::size_t>(k)].Values[j].Re;
-      }
+      const PassDeviations deviations = PeelPass(stage, i, debugSeq, splitter, acc, rest);
       if (DebugTablesOn()) WriteStageTable(debugSeq, stage, i, n, acc, rest);
 
-      const double ratioLow = StdRatio(prevLow, pass[static_cast<std::size_t>(low)], low);
-      if (ratioLow < limits.StdRatio) lowDone = true;
-      prevLow = pass[static_cast<std::size_t>(low)].Stats.StdDev;
-      const double ratioHigh = StdRatio(prevHigh, pass[static_cast<std::size_t>(high)], high);
-      if (ratioHigh < limits.StdRatio) highDone = true;
-      prevHigh = pass[static_cast<std::size_t>(high)].Stats.StdDev;
+      if (StdRatio(prevLow, deviations.Low, low) < limits.StdRatio) lowDone = true;
+      prevLow = deviations.Low;
+      if (StdRatio(prevHigh, deviations.High, high) < limits.StdRatio) highDone = true;
+      prevHigh = deviations.High;
       if (lowDone && highDone) break;
     }
   }
 
   // The middle octave is what the last pass of the last stage left, as it stands.
-  Array1<double> scratch;
   for (int k = 1; k <= kOctaveCount; ++k) {
     OctaveBand& band = result[static_cast<std::size_t>(k)];
-    band = k == 5 ? std::move(pass[5]) : std::move(acc[static_cast<std::size_t>(k)]);
-    Summarise(n, band, scratch);
+    band.Values = k == 5 ? std::move(rest) : std::move(acc[static_cast<std::size_t>(k)].Values);
+    Summarise(n, band);
   }
   if (DebugTablesOn()) WriteFinalBandTables(n, dx, result);
 }
@@ -274,7 +320,7 @@ void BuildSums(std::int32_t n, OctaveBandSet& set) {
   for (std::int32_t i = 1; i <= n; ++i) {
     double l = 0, s = 0;
     for (int k = 1; k <= kOctaveCount; ++k) {
-      const double v = set.Band[static_cast<std::size_t>(k)].Values[i].Re;
+      const double v = set.Band[static_cast<std::size_t>(k)].Values[i];
       if (InList(settings.LongOctaves, k)) l += v;
       if (InList(settings.ShortOctaves, k)) s += v;
     }

@@ -17,8 +17,8 @@ using OctaveMasks = std::array<Array1<std::uint8_t>, 11>;
 using OctaveBands = std::array<OctaveBand, 10>;
 
 // One pass: folds source(1..n) out to length2 (length1, length2 from FftLength1/2 of n), one forward
-// transform, then for each octave k the spectrum / length2 times masks[k] and an inverse transform;
-// bands[k] gets elements 1..n (complex), extremes and statistics of the real part. Debug tables when
+// transform, then for each octave k the spectrum / length2 times masks[k] and an inverse transform
+// (real: the masks are symmetric); bands[k] gets elements 1..n, extremes and statistics. Debug tables when
 // writeDebug is not 0 and DebugLevel > 0, numbered by debugSeq (raised before each file).
 // Errors are logged under the procedure's name; returns false then, with `bands` undefined.
 bool Cal_プロファイル分解_単体処理(std::int32_t writeDebug, std::int32_t& debugSeq, std::int32_t iteration,
@@ -27,7 +27,8 @@ bool Cal_プロファイル分解_単体処理(std::int32_t writeDebug, std::int
 
 // The peeling: stages s = 1..4 take the octave pairs (s, 10 − s) out of what is left, pass after pass,
 // until the standard deviation of both stops shrinking by `limits.StdRatio` or `limits.MaxPasses` is
-// reached; octave 5 is what remains. Reads the prepared profile of `block`, fills `bands` (only on
+// reached; octave 5 is what remains. Without debug tables, the octaves between a stage's pair come back
+// together through one transform. Reads the prepared profile of `block`, fills `bands` (only on
 // success; errors are logged and give false). Progress captions go through Ui().
 bool Cal_プロファイル分解_収束計算(const AnalysisBlock& block, OctaveBands& bands,
                          const FilterConvergence& limits = ReadFilterConvergence());

@@ -2,21 +2,19 @@
 #include <array>
 #include <cstdint>
 
-#include "analysis/complex.h"
 #include "app/one_based.h"
 #include "profile/wave_series.h"
 
 namespace velmora {
 
-// One octave band of a profile: the real part is the wave (mm), the imaginary part what the inverse
-// transform left in it (about 0). Extremes and statistics are over elements 1..n.
+// One octave band of a profile (mm). Its spectrum is symmetric, so the inverse transform gives a
+// real wave: the imaginary part is 0 everywhere and is not kept. Extremes and statistics are over
+// elements 1..n.
 struct OctaveBand {
-  Array1<Complex> Values;  // 1..n
+  Array1<double> Values;  // 1..n
   double MinReal = 0;
-  double MinImag = 0;
   double MaxReal = 0;
-  double MaxImag = 0;
-  SeriesStats Stats;       // of the real part
+  SeriesStats Stats;
   bool Calculated = false;
 };
 

@@ -109,10 +109,8 @@ std::vector<double> BandSeries(const AnalysisBlock& block, std::size_t band) {
   if (band == 0) return {block.Profile.Values.begin(), block.Profile.Values.begin() + block.Count};
   if (band == 1) return {block.Octave.LongSum.Values.begin(), block.Octave.LongSum.Values.begin() + block.Count};
   if (band == 2) return {block.Octave.ShortSum.Values.begin(), block.Octave.ShortSum.Values.begin() + block.Count};
-  std::vector<double> real(n);
   const auto& values = block.Octave.Band[band - 2].Values;
-  for (std::size_t i = 0; i < n; ++i) real[i] = values[static_cast<std::ptrdiff_t>(i + 1)].Re;
-  return real;
+  return {values.begin(), values.begin() + static_cast<std::ptrdiff_t>(n)};
 }
 
 // The IRI results of one band: its 10 m window series and its fixed sections.

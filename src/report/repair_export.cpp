@@ -17,11 +17,11 @@
 namespace velmora {
 namespace {
 
-// Real parts of the nine bands of an octave split, each 1..n as a plain vector.
+// The nine bands of an octave split, each 1..n as a plain vector.
 std::array<std::vector<double>, 10> BandWaves(const OctaveBandSet& octave) {
   std::array<std::vector<double>, 10> waves;
   for (std::size_t k = 1; k <= 9; ++k)
-    for (const Complex& c : octave.Band[k].Values) waves[k].push_back(c.Re);
+    waves[k] = octave.Band[k].Values.vector();
   return waves;
 }
 

@@ -23,18 +23,11 @@ std::span<const double> Head(const Array1<double>& values, std::int32_t count) {
   return std::span<const double>(values.data(), n);
 }
 
-std::vector<double> RealPart(const OctaveBand& band) {
-  std::vector<double> out;
-  out.reserve(band.Values.vector().size());
-  for (const Complex& c : band.Values) out.push_back(c.Re);
-  return out;
-}
-
 std::vector<double> NineBandSum(const OctaveBandSet& octave) {
   std::vector<double> sum(octave.Band[1].Values.vector().size(), 0.0);
   for (int k = 1; k <= 9; ++k) {
     const auto& values = octave.Band[static_cast<std::size_t>(k)].Values.vector();
-    for (std::size_t i = 0; i < sum.size() && i < values.size(); ++i) sum[i] += values[i].Re;
+    for (std::size_t i = 0; i < sum.size() && i < values.size(); ++i) sum[i] += values[i];
   }
   return sum;
 }
@@ -167,7 +160,7 @@ Array1<double> PointKindValues(ExportKind kind, const ProfileRecord& record, int
     }
     case ExportKind::OctaveBand:
       RequireOctave(octave);
-      return Array1<double>(RealPart(block.Octave.Band[static_cast<std::size_t>(octave)]));
+      return block.Octave.Band[static_cast<std::size_t>(octave)].Values;
     case ExportKind::OctaveSum: return Array1<double>(NineBandSum(block.Octave));
     case ExportKind::OctaveLong: return block.Octave.LongSum.Values;
     case ExportKind::OctaveShort: return block.Octave.ShortSum.Values;
@@ -188,7 +181,7 @@ std::vector<std::string> PointKindLines(ExportKind kind, const ProfileRecord& re
   if (kind == ExportKind::OctaveAll) {
     const OctaveBandSet& octaveSet = record.Analysis.Octave;
     std::vector<std::vector<double>> waves;
-    for (int k = 1; k <= 9; ++k) waves.push_back(RealPart(octaveSet.Band[static_cast<std::size_t>(k)]));
+    for (int k = 1; k <= 9; ++k) waves.push_back(octaveSet.Band[static_cast<std::size_t>(k)].Values.vector());
     waves.push_back(NineBandSum(octaveSet));
     std::vector<PointColumn> columns;
     for (int k = 1; k <= 9; ++k) columns.push_back({fmt::format("OCT-{}(mm)", k), waves[static_cast<std::size_t>(k - 1)]});

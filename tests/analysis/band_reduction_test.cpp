@@ -82,8 +82,7 @@ OctaveBandSet BandsOf(const std::vector<std::vector<double>>& waves) {
   OctaveBandSet set;
   for (std::size_t k = 1; k <= 9; ++k) {
     const std::vector<double>& wave = waves[k - 1];
-    set.Band[k].Values.assign_zero(static_cast<std::ptrdiff_t>(wave.size()));
-    for (std::size_t i = 0; i < wave.size(); ++i) set.Band[k].Values[static_cast<std::ptrdiff_t>(i + 1)] = {wave[i], 0.25};
+    set.Band[k].Values = Array1<double>(wave);
   }
   return set;
 }

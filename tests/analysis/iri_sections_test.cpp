@@ -201,7 +201,7 @@ ProfileRecord Profile(double pitch, std::int32_t count, double kp = kNoValue) {
   for (int k = 1; k <= 9; ++k) {
     auto& band = p.Analysis.Octave.Band[static_cast<std::size_t>(k)].Values;
     band.assign_zero(count);
-    for (std::int32_t i = 1; i <= count; ++i) band[i].Re = wave[i] / 9;
+    for (std::int32_t i = 1; i <= count; ++i) band[i] = wave[i] / 9;
   }
   StoreWave(p.Analysis.Octave.LongSum, wave);
   StoreWave(p.Analysis.Octave.ShortSum, wave);

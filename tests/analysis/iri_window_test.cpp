@@ -115,7 +115,7 @@ AnalysisBlock MakeBlock(const std::vector<double>& profile, double dx, const std
   for (int k = 1; k <= 9; ++k) {
     auto& band = block.Octave.Band[static_cast<std::size_t>(k)].Values;
     band.assign_zero(block.Count);
-    for (std::int32_t i = 1; i <= block.Count; ++i) band[i] = {bandWave[static_cast<std::size_t>(i - 1)], 1e-17};
+    for (std::int32_t i = 1; i <= block.Count; ++i) band[i] = bandWave[static_cast<std::size_t>(i - 1)];
   }
   StoreWave(block.Octave.LongSum, Array1<double>(bandWave));
   StoreWave(block.Octave.ShortSum, Array1<double>(bandWave));

@@ -52,9 +52,9 @@ TEST(ResultExport, OctaveFilesOneBandAndAllInOne) {
   ProfileRecord r = Road();
   r.WorkCount = 2;
   OctaveBandSet& o = r.Analysis.Octave;
-  for (int k = 1; k <= 9; ++k) o.Band[static_cast<std::size_t>(k)].Values = Array1<Complex>{{0.0, 0.0}, {0.0, 0.0}};
-  o.Band[3].Values = Array1<Complex>{{0.5, 1e-17}, {-0.25, 0.0}};
-  o.Band[7].Values = Array1<Complex>{{1.0, 0.0}, {2.0, 0.0}};
+  for (int k = 1; k <= 9; ++k) o.Band[static_cast<std::size_t>(k)].Values = Array1<double>{0.0, 0.0};
+  o.Band[3].Values = Array1<double>{0.5, -0.25};
+  o.Band[7].Values = Array1<double>{1.0, 2.0};
   o.LongSum.Values = Array1<double>{0.5, -0.25};
   o.ShortSum.Values = Array1<double>{1.0, 2.0};
   EXPECT_EQ(PointKindLines(ExportKind::OctaveBand, r, PositionAxis{}, 3),
