@@ -56,7 +56,21 @@ void BM_PeelingSplit(benchmark::State& state) {
   }
   SetPerSample(state, n);
 }
-BENCHMARK(BM_PeelingSplit)->Args({100000, 2})->Args({100000, 10})->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PeelingSplit)->Args({100000, 10})->Args({1000000, 10})->Unit(benchmark::kMillisecond)->Iterations(1);
+
+// The peeling with the default limits (ratio 1.1, at most 10 passes a stage); the counter gives the
+// passes the stages took.
+void BM_PeelingSplitDefaultLimits(benchmark::State& state) {
+  const std::int64_t n = state.range(0);
+  ProfileRecord record = RoadOf(n, 0.01);
+  PrepareProfile(record);
+  for (auto _ : state) {
+    const bool ok = DecomposeProfile(record, true, true, FilterConvergence{});
+    benchmark::DoNotOptimize(ok);
+  }
+  SetPerSample(state, n);
+}
+BENCHMARK(BM_PeelingSplitDefaultLimits)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void BM_PrepareProfile(benchmark::State& state) {
   const std::int64_t n = state.range(0);

@@ -82,7 +82,6 @@ class OctaveSplitter {
       if (masks_[static_cast<std::size_t>(k)].size() < length2_)
         RaiseSubscriptOutOfRange("octave mask " + std::to_string(k) + " shorter than " +
                                  std::to_string(length2_));
-    for (Workspace& space : spaces_) space.Wave.resize(n_);
   }
 
   std::int32_t Count() const { return n_; }
@@ -264,6 +263,7 @@ PassDeviations PeelPass(int stage, std::int32_t pass, std::int32_t& debugSeq, Oc
       return;
     }
     const int k = outer[static_cast<std::size_t>(index)];
+    space.Wave.resize(n);
     splitter.Synthesise(k, k, space, space.Wave.data());
     take(k, space.Wave);
   });
