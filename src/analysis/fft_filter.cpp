@@ -6,7 +6,7 @@
 
 #include "analysis/complex.h"
 #include "analysis/debug_table.h"
-#include "analysis/fft.h"
+#include "analysis/real_fft.h"
 #include "analysis/mirror_extend.h"
 #include "app/common.h"
 #include "app/error_log.h"
@@ -83,18 +83,20 @@ void WriteResultTable(std::int32_t& debugSeq, std::int32_t n, double dx, FilterK
                   lines);
 }
 
-// Scales the spectrum by 1/length, keeps the bins the mask lets through, transforms back and stores
-// the real part of the elements where the profile stands.
+// Scales the lower half of the spectrum (bins 1..length/2 + 1) by 1/length, keeps the bins the mask
+// lets through, transforms back and stores the elements where the profile stands. The masks are
+// symmetric, so the upper half would only mirror the lower one and the wave comes back real.
 void MaskedInverse(const Array1<Complex>& spectrum, std::int32_t length, const Array1<std::uint8_t>& mask,
                    std::int32_t offset, std::int32_t n, Array1<Complex>& scratch, WaveSeries& out) {
   const double scale = length;
-  for (std::int32_t i = 1; i <= length; ++i) {
+  scratch.resize(length / 2 + 1);
+  for (std::int32_t i = 1; i <= length / 2 + 1; ++i) {
     const double keep = mask[i];
     scratch[i] = {spectrum[i].Re / scale * keep, spectrum[i].Im / scale * keep};
   }
-  Fft(length, scratch, +1);
+  RealInverseFft(length, scratch);
   Array1<double> values(static_cast<std::size_t>(n));
-  for (std::int32_t i = 1; i <= n; ++i) values[i] = scratch[i + offset].Re;
+  UnpackReal(scratch, offset, n, values.data());
   StoreWave(out, std::move(values));
 }
 
@@ -163,15 +165,14 @@ bool Cal_FFTフィルタ_単体処理(std::int32_t& debugSeq, std::int32_t itera
       throw LegacyError(ErrorNumber::InvalidData, "FFT length " + std::to_string(length2) + " does not hold " +
                                                       std::to_string(n) + " samples folded out");
 
-    Array1<Complex> spectrum(static_cast<std::size_t>(length2));
-    for (std::int32_t i = 1; i <= length2; ++i) spectrum[i] = {extended[i], 0.0};
-    Fft(length2, spectrum, -1);
+    Array1<Complex> spectrum;
+    RealForwardFft(length2, extended, spectrum);
 
     Array1<std::uint8_t> mask;
     MakeFilterMaskOfKind(length2, dx, kind, longCut, shortCut, mask);
     if (debug) WriteMaskTable(debugSeq, length2, dx, kind, longCut, shortCut, mask);
 
-    Array1<Complex> scratch(static_cast<std::size_t>(length2));
+    Array1<Complex> scratch;
     MaskedInverse(spectrum, length2, mask, offset, n, scratch, result);
     InvertFilterMask(length2, mask);
     MaskedInverse(spectrum, length2, mask, offset, n, scratch, other);
