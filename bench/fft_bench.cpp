@@ -6,6 +6,7 @@
 
 #include "analysis/fft.h"
 #include "analysis/fft_filter.h"
+#include "analysis/fft_kernels.h"
 #include "analysis/moving_average.h"
 
 namespace velmora {
@@ -36,6 +37,24 @@ void BM_Fft(benchmark::State& state) {
                                                                                benchmark::Counter::kInvert);
 }
 BENCHMARK(BM_Fft)->RangeMultiplier(16)->Range(1 << 12, 1 << 20)->Arg(1 << 21)->Unit(benchmark::kMillisecond);
+
+// The same transform with the butterflies every x86-64 runs, as on a processor without AVX2.
+void BM_FftPortable(benchmark::State& state) {
+  const auto n = static_cast<std::int32_t>(state.range(0));
+  int bits = 0;
+  while ((1 << bits) < n) ++bits;
+  Array1<Complex> x(static_cast<std::size_t>(n));
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> value(-1, 1);
+  for (auto& c : x) c = {value(random), 0};
+  detail::Transform(x.data(), bits, -1, detail::Vectors::Portable);
+  for (auto _ : state) {
+    detail::Transform(x.data(), bits, -1, detail::Vectors::Portable);
+    benchmark::DoNotOptimize(x.data());
+  }
+  state.SetItemsProcessed(state.iterations() * n);
+}
+BENCHMARK(BM_FftPortable)->RangeMultiplier(16)->Range(1 << 12, 1 << 20)->Arg(1 << 21)->Unit(benchmark::kMillisecond);
 
 // One single pass on a 1,000,000-sample profile at 0.1 m: fold to 2^21, one forward, two inverse.
 void BM_FftFilterSinglePass(benchmark::State& state) {

@@ -11,7 +11,9 @@ namespace velmora {
 // zero-frequency bin. sign −1 forward, +1 inverse; no scaling in either direction (callers divide by
 // n). n ≥ 1 a power of two and x.size() ≥ n, else LegacyError. Twiddles are computed once per stage
 // size by the same formula as the loop would use and then reused, so results do not depend on which
-// lengths were transformed before.
+// lengths were transformed before. The stages run two at a time on vectors of complex values, yet each
+// value goes through the very operations of the radix-2 loop, so the results keep its bits (only the
+// sign of a zero may differ). Safe to call from several threads at once: the tables are per thread.
 void Fft(std::int32_t n, Array1<Complex>& x, std::int32_t sign);
 
 // The transform length that holds `count` samples: start at 2, double once, go on doubling while
