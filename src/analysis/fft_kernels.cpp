@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 namespace velmora::detail {
@@ -17,33 +19,36 @@ constexpr double kPi = 3.14159265358979;
 // Twiddles of every stage of half-size m = 1, 2, 4, ...: w(m, k) = exp(i · (k−1) · sign · pi / m)
 // stands at position m + k − 1, a stage's values side by side as the vectorised stages load them. A
 // stage's twiddles do not depend on the transform length, so one table per direction, grown to the
-// largest length seen, serves every length (the nine octave bands and all convergence passes reuse it).
-class TwiddleTable {
- public:
-  const Complex* For(std::int32_t n, std::int32_t sign) {
-    std::vector<Complex>& table = sign < 0 ? forward_ : inverse_;
-    const auto needed = static_cast<std::size_t>(n);
-    if (table.size() < needed) {
-      std::size_t m = table.size() < 2 ? 1 : table.size();  // first stage not yet built
-      table.resize(needed);
-      for (; 2 * m <= needed; m *= 2) {
-        for (std::size_t k = 1; k <= m; ++k) {
-          const double theta = static_cast<double>(static_cast<std::int64_t>(k - 1) * sign) * kPi /
-                               static_cast<double>(m);
-          table[m + k - 1] = ComplexExp(Complex{0.0, theta});
-        }
-      }
-    }
-    return table.data();
+// largest length seen, serves every length. The tables are shared by all threads (the octave bands are
+// transformed back on a second thread started for each pass, which would otherwise rebuild its own):
+// a table, once built, is never changed, and a longer one replaces it for later calls while earlier
+// calls keep theirs.
+using Table = std::shared_ptr<const std::vector<Complex>>;
+
+Table Grown(const Table& old, std::size_t needed, std::int32_t sign) {
+  auto table = std::make_shared<std::vector<Complex>>(needed);
+  std::size_t m = 1;
+  if (old) {
+    std::copy(old->begin(), old->end(), table->begin());
+    m = old->size();
   }
+  for (; 2 * m <= needed; m *= 2) {
+    for (std::size_t k = 1; k <= m; ++k) {
+      const double theta =
+          static_cast<double>(static_cast<std::int64_t>(k - 1) * sign) * kPi / static_cast<double>(m);
+      (*table)[m + k - 1] = ComplexExp(Complex{0.0, theta});
+    }
+  }
+  return table;
+}
 
- private:
-  std::vector<Complex> forward_;
-  std::vector<Complex> inverse_;
-};
-
-TwiddleTable& Twiddles() {
-  thread_local TwiddleTable table;
+Table TwiddlesFor(std::int32_t n, std::int32_t sign) {
+  static std::mutex mutex;
+  static Table forward, inverse;
+  const std::lock_guard<std::mutex> lock(mutex);
+  Table& table = sign < 0 ? forward : inverse;
+  const auto needed = static_cast<std::size_t>(n);
+  if (!table || table->size() < needed) table = Grown(table, needed, sign);
   return table;
 }
 
@@ -280,7 +285,8 @@ void Butterflies(Complex* a, int bits, const Complex* twiddles, Vectors vectors)
 
 void Transform(Complex* a, int bits, std::int32_t sign, Vectors vectors) {
   BitReverse(a, bits);
-  Butterflies(a, bits, Twiddles().For(std::int32_t{1} << bits, sign), vectors);
+  const Table twiddles = TwiddlesFor(std::int32_t{1} << bits, sign);
+  Butterflies(a, bits, twiddles->data(), vectors);
 }
 
 }  // namespace velmora::detail

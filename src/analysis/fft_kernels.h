@@ -20,8 +20,8 @@ enum class Vectors { Best, Portable };
 // twiddles[m + k] = w(m, k) = exp(i · k · sign · pi / m), k = 0 .. m − 1, for every such m.
 void Butterflies(Complex* a, int bits, const Complex* twiddles, Vectors vectors = Vectors::Best);
 
-// Both on a[0 .. 2^bits), with this thread's twiddle table for sign −1 or +1 (built on first use of
-// a length and kept).
+// Both on a[0 .. 2^bits), with the shared twiddle table for sign −1 or +1 (built on first use of a
+// length and kept).
 void Transform(Complex* a, int bits, std::int32_t sign, Vectors vectors = Vectors::Best);
 
 }  // namespace velmora::detail

@@ -309,20 +309,23 @@ void Peel(const AnalysisBlock& block, const FilterConvergence& limits, OctaveBan
   if (DebugTablesOn()) WriteFinalBandTables(n, dx, result);
 }
 
-bool InList(const std::vector<std::int32_t>& list, int octave) {
-  return std::find(list.begin(), list.end(), octave) != list.end();
+// Which octaves a settings list names; an octave counts once even when listed twice.
+std::array<bool, 10> Named(const std::vector<std::int32_t>& list) {
+  std::array<bool, 10> named{};
+  for (int k = 1; k <= kOctaveCount; ++k) named[static_cast<std::size_t>(k)] = std::find(list.begin(), list.end(), k) != list.end();
+  return named;
 }
 
-// Sums of the octaves named in the settings lists; an octave counts once even when listed twice.
+// Sums of the octaves named in the settings lists, each in ascending octave order.
 void BuildSums(std::int32_t n, OctaveBandSet& set) {
-  const AppSettings& settings = Settings();
+  const std::array<bool, 10> inLong = Named(Settings().LongOctaves), inShort = Named(Settings().ShortOctaves);
   Array1<double> longSum(static_cast<std::size_t>(n)), shortSum(static_cast<std::size_t>(n));
   for (std::int32_t i = 1; i <= n; ++i) {
     double l = 0, s = 0;
-    for (int k = 1; k <= kOctaveCount; ++k) {
-      const double v = set.Band[static_cast<std::size_t>(k)].Values[i];
-      if (InList(settings.LongOctaves, k)) l += v;
-      if (InList(settings.ShortOctaves, k)) s += v;
+    for (std::size_t k = 1; k <= kOctaveCount; ++k) {
+      const double v = set.Band[k].Values[i];
+      if (inLong[k]) l += v;
+      if (inShort[k]) s += v;
     }
     longSum[i] = l;
     shortSum[i] = s;

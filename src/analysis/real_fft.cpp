@@ -2,6 +2,9 @@
 
 #include <cmath>
 #include <cstring>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -16,21 +19,25 @@ constexpr double kPi = 3.14159265358979;
 
 static_assert(sizeof(Complex) == 2 * sizeof(double), "a packed real sequence is plain doubles");
 
+using JoinTable = std::shared_ptr<const std::vector<Complex>>;
+
 // w(k) = exp(−2πi·k/n), k = 0 .. n/4: the twiddles that join the even and the odd samples (bins k
-// and n/2 − k are made together, so a quarter of the circle is enough). One table
-// per thread for the last length used (a profile's bands and passes all use the same length).
-const Complex* JoinTwiddles(std::int32_t n) {
-  thread_local std::int32_t length = 0;
-  thread_local std::vector<Complex> table;
-  if (length != n) {
-    table.resize(static_cast<std::size_t>(n / 4 + 1));
+// and n/2 − k are made together, so a quarter of the circle is enough). Built once per length and
+// shared by all threads; a table is never changed once built.
+JoinTable JoinTwiddles(std::int32_t n) {
+  static std::mutex mutex;
+  static std::map<std::int32_t, JoinTable> tables;
+  const std::lock_guard<std::mutex> lock(mutex);
+  JoinTable& table = tables[n];
+  if (!table) {
+    auto built = std::make_shared<std::vector<Complex>>(static_cast<std::size_t>(n / 4 + 1));
     for (std::int32_t k = 0; k <= n / 4; ++k) {
       const double theta = -2.0 * kPi * k / n;
-      table[static_cast<std::size_t>(k)] = {std::cos(theta), std::sin(theta)};
+      (*built)[static_cast<std::size_t>(k)] = {std::cos(theta), std::sin(theta)};
     }
-    length = n;
+    table = std::move(built);
   }
-  return table.data();
+  return table;
 }
 
 Complex Conj(Complex a) { return {a.Re, -a.Im}; }
@@ -57,7 +64,8 @@ void RealForwardFft(std::int32_t n, const Array1<double>& x, Array1<Complex>& ha
   // Z = E + i·O with E, O the spectra of the odd- and even-numbered samples; bin k of the whole is
   // E(k) + w(k)·O(k), and bin m − k its mirror, computed from the same pair of Z.
   Complex* z = half.data();  // z[k] is bin k (0-based) from here on
-  const Complex* w = JoinTwiddles(n);
+  const JoinTable table = JoinTwiddles(n);
+  const Complex* w = table->data();
   const Complex z0 = z[0];
   z[0] = {z0.Re + z0.Im, 0.0};
   z[m] = {z0.Re - z0.Im, 0.0};
@@ -75,7 +83,8 @@ void RealInverseFft(std::int32_t n, Array1<Complex>& half) {
   CheckLength("RealInverseFft", n, half.size(), n / 2 + 1);
   const std::int32_t m = n / 2;
   Complex* x = half.data();  // x[k] is bin k (0-based)
-  const Complex* w = JoinTwiddles(n);
+  const JoinTable table = JoinTwiddles(n);
+  const Complex* w = table->data();
 
   // The even samples have the spectrum E(k) = X(k) + X(k + m), the odd ones O(k) = (X(k) − X(k + m))
   // · conj(w(k)); X(k + m) = conj(X(m − k)). Z = E + i·O transforms back to the samples in pairs.
