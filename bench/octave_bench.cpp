@@ -58,8 +58,8 @@ void BM_PeelingSplit(benchmark::State& state) {
 }
 BENCHMARK(BM_PeelingSplit)->Args({100000, 10})->Args({1000000, 10})->Unit(benchmark::kMillisecond)->Iterations(1);
 
-// The peeling with the default limits (ratio 1.1, at most 10 passes a stage); the counter gives the
-// passes the stages took.
+// The peeling with the default limits (ratio 1.1, at most 10 passes a stage), which end most stages
+// after a few passes on a road like this one.
 void BM_PeelingSplitDefaultLimits(benchmark::State& state) {
   const std::int64_t n = state.range(0);
   ProfileRecord record = RoadOf(n, 0.01);
