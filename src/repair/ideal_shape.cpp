@@ -325,6 +325,7 @@ bool CalcStudyAdjustment(ProfileRecord& record, StudyTarget& target, const Three
     target.Recalculated = false;
     ComputeOutcome(record, params, std::move(mPrime), target.Outcome, [](int s) { Progress::Step(s, 5); });
     target.Recalculated = true;
+    ++target.Revision;
   });
 }
 

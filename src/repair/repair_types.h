@@ -87,6 +87,7 @@ struct StudyTarget {
   std::vector<double> Thickness;  // per adjusted point: the user's change of thickness, mm
   MWaveOutcome Outcome;           // Outcome.MPrime is M + UserAdjust, mm, 1..n
   bool Recalculated = false;      // MPrime rebuilt from the adjusted points
+  std::int32_t Revision = 0;      // raised by each rebuild, so that the ideal shape sees a new MPrime
 };
 
 // The results of the study steps kept per profile, besides the ThreeWaveSplit.

@@ -20,6 +20,7 @@ struct ThreeWaveForm {
   std::string ShortBoundary;  // "短波側境界値"
   std::string IriLength;      // "IRI算出基準長"
   std::array<std::string, 10> Lines;
+  friend bool operator==(const ThreeWaveForm&, const ThreeWaveForm&) = default;
 };
 
 // The box that gets the focus after a failed check.

@@ -12,6 +12,7 @@
 #include "app/workbench/repair_result_files.h"
 #include "app/workbench/workbench.h"
 #include "repair/ideal_shape.h"
+#include "repair/study_targets.h"
 #include "repair/study_fixture.h"
 #include "support/test_support.h"
 
@@ -209,6 +210,51 @@ TEST_F(RepairTabsTest, RegisteredWavesBecomeNewRowsWithMarkedTitles) {
   ASSERT_EQ(longWave.Erd.NumSamples, Road().WorkCount);
   for (std::int32_t i = 1; i <= Road().WorkCount; i += 97)
     EXPECT_NEAR(longWave.Erd.Elevation[i], Road().ThreeWave.LongWave.Values[i], 1e-3) << i;
+}
+
+TEST_F(RepairTabsTest, PickingAProfileShowsItsStudiesAndAChosenStudyIsANewInput) {
+  ASSERT_TRUE(RunAllFour());
+  ui.Inputs = {"案"};
+  const auto made = CreateStudy(Road().Studies, StudyForm::Thickness, Road().RepairStudy.PointTable);
+  ASSERT_TRUE(made);
+  bench.AddProfile(testing::ThreeSineProfile("b.ERD"));  // a second road without studies
+
+  ASSERT_TRUE(bench.ListClick(tab::IdealShape, {2}));
+  EXPECT_EQ(bench.Repair.MWaveChoices, (std::vector<std::string>{"----------【 調整なし 】----------"}));
+  ASSERT_TRUE(bench.ListClick(tab::MediumWave, {1}));
+  EXPECT_EQ(bench.Repair.MWaveChoices, (std::vector<std::string>{"----------【 調整なし 】----------", "案[厚]"}));
+  EXPECT_EQ(bench.Repair.StudyTargets, bench.Repair.MWaveChoices);
+
+  // The ideal shape of road a is current; choosing the study, then rebuilding it, each make it stale.
+  ASSERT_TRUE(bench.ListClick(tab::IdealShape, {1}));
+  const int ideals = bench.ComputeCount(tab::IdealShape);
+  ASSERT_TRUE(bench.Go(tab::IdealShape));
+  EXPECT_EQ(bench.ComputeCount(tab::IdealShape), ideals);
+  StudyTarget& target = Road().Studies[*made];
+  SetPointThickness(target, target.AdjPoints.size() / 2, 2.5);
+  ASSERT_TRUE(CalcStudyAdjustment(Road(), target, bench.Repair.Form));
+  Road().RepairStudy.ChosenStudy = 1;
+  ASSERT_TRUE(bench.Go(tab::IdealShape));
+  EXPECT_EQ(bench.ComputeCount(tab::IdealShape), ideals + 1);
+  const Array1<double> first = Road().RepairStudy.IdealShape.Wave.Values;
+  SetPointThickness(target, target.AdjPoints.size() / 2, 5.0);
+  ASSERT_TRUE(CalcStudyAdjustment(Road(), target, bench.Repair.Form));
+  ASSERT_TRUE(bench.Go(tab::IdealShape));
+  EXPECT_EQ(bench.ComputeCount(tab::IdealShape), ideals + 2);
+  // 2.5 mm more at the middle point of the study raises the ideal shape there by as much.
+  const auto at = static_cast<std::ptrdiff_t>(target.AdjPoints[target.AdjPoints.size() / 2]);
+  EXPECT_NEAR(Road().RepairStudy.IdealShape.Wave.Values[at] - first[at], 2.5, 1e-9);
+}
+
+TEST_F(RepairTabsTest, FormResetEmptiesTheStudyListsAndRefillsTheBoxesFromTheConditions) {
+  ASSERT_TRUE(RunAllFour());
+  ASSERT_FALSE(bench.Repair.MWaveChoices.empty());
+  bench.FormReset();
+  EXPECT_TRUE(bench.Repair.MWaveChoices.empty());
+  EXPECT_TRUE(bench.Repair.StudyTargets.empty());
+  for (bool on : bench.Repair.OutputEnabled) EXPECT_FALSE(on);
+  EXPECT_EQ(bench.Repair.Form, ThreeWaveFormFromConditions(CurrentConditions()));
+  EXPECT_EQ(bench.Repair.Stored, ThreeWaveParamsFromConditions(CurrentConditions()));
 }
 
 }  // namespace

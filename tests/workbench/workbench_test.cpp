@@ -60,7 +60,7 @@ TEST_F(WorkbenchTest, GoWithoutProfilesDoesNothingAndShowsNothing) {
   empty.FormLoad();
   int calls = 0;
   empty.SetComputation(tab::Iri, {"t", "m", nullptr, [] { return std::string("k"); },
-                                  [&](ProfileRecord&) { return ++calls > 0; }, nullptr, false});
+                                  [&](ProfileRecord&) { return ++calls > 0; }, nullptr, false, nullptr});
   EXPECT_FALSE(empty.Go(tab::Iri));
   EXPECT_TRUE(ui.Log.empty());
   EXPECT_EQ(calls, 0);

@@ -103,17 +103,36 @@ bool RunDriver(Workbench& bench, int tab, Driver driver, const std::vector<Profi
 
 bool ThreeWaveDriver(StudyRun& run) { return cmdGo_3波長分解(run); }
 
+// The ideal shape takes each profile's chosen study (its M' once rebuilt from the adjusted points):
+// another choice or a rebuild is a new input.
+std::string ChosenStudiesKey(Workbench& bench) {
+  std::string key;
+  for (int row = 1; row <= bench.ProfileCount(); ++row) {
+    const ProfileRecord& record = bench.Profile(row);
+    const std::int32_t chosen = record.RepairStudy.ChosenStudy;
+    key += fmt::format("|s{}", chosen);
+    if (chosen >= 1 && static_cast<std::size_t>(chosen) <= record.Studies.size()) {
+      const StudyTarget& target = record.Studies[static_cast<std::size_t>(chosen - 1)];
+      key += fmt::format(":{}:{}", target.Recalculated, target.Revision);
+    }
+  }
+  return key;
+}
+
 void InstallStudyTab(Workbench& bench, int tab, Driver driver, std::vector<int> inputsFrom) {
   TabComputation c;
   c.StoreInputs = [&bench] {
     ThreeWaveParams params;
     return getParam_補修形状検討_3波分解(bench.Repair.Form, params);
   };
-  c.InputKey = [&bench, inputsFrom] {
+  c.InputKey = [&bench, tab, inputsFrom] {
     std::string key = FormKey(bench.Repair);
     for (int t : inputsFrom) key += fmt::format("|r{}", bench.Repair.Revision[Slot(t)]);
+    if (tab == tab::IdealShape) key += ChosenStudiesKey(bench);
     return key;
   };
+  // Picking a profile in the lists of the M-wave and ideal-shape tabs shows that profile's studies.
+  if (tab == tab::MediumWave || tab == tab::IdealShape) c.AfterSelect = [&bench, tab] { RefillStudyLists(bench, tab); };
   // The drivers show their own progress captions and pass over rows whose earlier step has not run.
   c.ComputeRows = [&bench, tab, driver](const std::vector<ProfileRecord*>& records) {
     return RunDriver(bench, tab, driver, records);

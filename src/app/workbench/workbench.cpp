@@ -99,6 +99,13 @@ void Workbench::FormReset() {
   PrintForms = {"帳票形式(1)"};
   PsdLegend.clear();
   ReportProfileRows.clear();
+  // The study's lists and output buttons empty; no profile holds a split, so the stored values are
+  // those of the boxes and the first Go finds nothing to clear.
+  Repair.StudyTargets.clear();
+  Repair.MWaveChoices.clear();
+  Repair.OutputEnabled.fill(false);
+  Repair.LastRunReset = false;
+  Repair.Stored = ThreeWaveParamsFromConditions(CurrentConditions());
   TabDirty.fill(true);
   PreviousTab = CurrentTab;
   CurrentTab = tab::Profile;
@@ -117,6 +124,7 @@ void Workbench::InputsFromConditions() {
     const double line = conditions.BandLines.Value[static_cast<std::size_t>(k)];
     Band.Lines[static_cast<std::size_t>(k)] = IsNoValue(line) ? std::string() : fmt::format("{}", line);
   }
+  Repair.Form = ThreeWaveFormFromConditions(conditions);
 }
 
 void Workbench::MnuBunseki() {
@@ -167,6 +175,7 @@ bool Workbench::ListClick(int tab, std::vector<int> rows) {
   if (LoadingProfile) return false;
   Select(tab, std::move(rows));
   const TabComputation& computation = computations_[At(tab)];
+  if (computation.AfterSelect) computation.AfterSelect();
   if (computation.StoreInputs && !computation.StoreInputs()) return false;
   const bool ok = Redraw(tab, false);
   if (tab == tab::Psd) UpdatePsdLegend();

@@ -38,6 +38,7 @@ struct TabComputation {
   // its own failures (false).
   std::function<bool(const std::vector<ProfileRecord*>&)> ComputeRows;
   bool AllProfiles = false;                    // every registered profile, not only the selected rows
+  std::function<void()> AfterSelect;           // what else follows the rows picked in the tab's list
 };
 
 // The project as of the last load or save, to tell whether it has changed since.
