@@ -312,7 +312,7 @@ std::optional<std::vector<ToolOutput>> CompositeProfiles(const std::vector<ToolI
   return outputs;
 }
 
-bool RegisterToolOutputs(ProfileList& list, const std::vector<ToolOutput>& outputs) {
+bool RegisterToolOutputs(const std::vector<ToolOutput>& outputs, const RegisterPaths& add) {
   if (outputs.empty()) return false;
   if (!Ui().AskOkCancel("作成したプロファイルを登録します。\r\nよろしいですか？", "登録")) return false;
   bool registered = false;
@@ -322,9 +322,15 @@ bool RegisterToolOutputs(ProfileList& list, const std::vector<ToolOutput>& outpu
       paths.push_back(flAddDirSep(Paths().TempPath) + output.FileName);
       WriteERD(paths.back(), output.Erd);
     }
-    registered = AddProfileList(list, paths, true);
+    registered = add(paths);
   });
   return registered;
+}
+
+bool RegisterToolOutputs(ProfileList& list, const std::vector<ToolOutput>& outputs) {
+  return RegisterToolOutputs(outputs, [&list](const std::vector<std::string>& paths) {
+    return AddProfileList(list, paths, true);
+  });
 }
 
 }  // namespace velmora

@@ -3,6 +3,7 @@
 // from registered profiles (never changing them), and registration writes them into TempPath and adds
 // them to the list. Inputs are the dialogs' boxes as texts; a failed check shows its message under
 // "Error" and gives nullopt.
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -64,8 +65,13 @@ struct CompositeInput {
 std::optional<std::vector<ToolOutput>> CompositeProfiles(const std::vector<ToolItem>& targets,
                                                          const CompositeInput& input);
 
-// Asks under "登録", writes each output into TempPath and registers them. Nothing to register, or
-// the answer Cancel, does nothing and gives false.
+// Takes the paths of newly written ERD files into a profile list; true when they were registered.
+using RegisterPaths = std::function<bool(const std::vector<std::string>& paths)>;
+// Asks under "登録", writes each output into TempPath and registers them through `add` (the
+// workbench's own registration, so that its results and flags follow). Nothing to register, or the
+// answer Cancel, does nothing and gives false.
+bool RegisterToolOutputs(const std::vector<ToolOutput>& outputs, const RegisterPaths& add);
+// The same into a bare list, asking before a profile of the same name is replaced.
 bool RegisterToolOutputs(ProfileList& list, const std::vector<ToolOutput>& outputs);
 
 // Index (may lie outside 1..n) of the first sample whose KP reaches `kp`, walking from the KP start

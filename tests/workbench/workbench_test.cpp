@@ -286,6 +286,31 @@ TEST_F(WorkbenchTest, GoOfATabWithoutAnAnalysisReportsThroughTheErrorPath) {
   EXPECT_TRUE(bench.TabDirty[tab::Report]);
 }
 
+TEST_F(WorkbenchTest, ToolRegistrationKeepsTheResultsOfTheOtherRows) {
+  InstallCounting(tab::Iri);
+  bench.SelectAll(tab::Iri);
+  ASSERT_TRUE(bench.Go(tab::Iri));
+  computed.clear();
+  Paths().UserLocalPath = temp.path().string();  // registration copies into the project's folder
+  ToolOutput output{"D.ERD", {}};
+  output.Erd.NumChannels = 1;
+  output.Erd.FormatCode = 5;
+  output.Erd.StepSize = 0.25;
+  output.Erd.Elevation = Array1<double>{1, 2, 3};
+  output.Erd.NumSamples = output.Erd.NumSamplesHeader = 3;
+  ScriptedUi ui;
+  ASSERT_TRUE(bench.RegisterToolOutputs({output}));
+  EXPECT_EQ(ui.Messages().front().Title, "登録");
+  ASSERT_EQ(bench.ProfileCount(), 4);
+  EXPECT_EQ(ProfileList::NameOf(bench.Profile(4)), "D");
+  EXPECT_EQ(bench.Profile(4).Erd.Elevation, output.Erd.Elevation);
+  EXPECT_TRUE(bench.TabDirty[tab::Iri]);
+  // The new row is computed on the next Go; A, B and C keep their results.
+  bench.SelectAll(tab::Iri);
+  ASSERT_TRUE(bench.Go(tab::Iri));
+  EXPECT_EQ(computed, std::vector<std::string>{"D"});
+}
+
 TEST_F(WorkbenchTest, ToolsGetEveryProfileAndProjectSnapshotTellsChanges) {
   std::vector<std::string> names;
   bench.Hooks.OpenTool = [&](int tool, const Array1<ProfileRecord>& inputs) {

@@ -48,6 +48,12 @@ bool Workbench::RegisterFiles(const std::vector<std::string>& paths, bool ask) {
   return ok;
 }
 
+bool Workbench::RegisterToolOutputs(const std::vector<ToolOutput>& outputs) {
+  return velmora::RegisterToolOutputs(outputs, [this](const std::vector<std::string>& paths) {
+    return RegisterFiles(paths, true);
+  });
+}
+
 void Workbench::AddProfile(ProfileRecord record) {
   const std::string name = ProfileList::NameOf(record);
   for (auto& view : list_.Views) {

@@ -14,6 +14,7 @@
 #include "app/workbench/tab_table.h"
 #include "profile/profile_list.h"
 #include "profile/profile_record.h"
+#include "profile/profile_tools.h"
 #include "report/position_axis.h"
 
 namespace velmora::workbench {
@@ -105,6 +106,8 @@ class Workbench {
   // Registers ERD files through the profile list (AddProfileList); every tab becomes dirty and a
   // replaced profile loses its results. False when a file could not be registered.
   bool RegisterFiles(const std::vector<std::string>& paths, bool ask);
+  // A tool's "登録": asks, writes the new profiles into TempPath and registers them as RegisterFiles.
+  bool RegisterToolOutputs(const std::vector<ToolOutput>& outputs);
   // Registers a profile already read (tools, the repair study's results); all tabs become dirty.
   void AddProfile(ProfileRecord record);
   // The selected rows (from 1) of a tab's list, ascending.
