@@ -44,33 +44,27 @@ void BM_SinglePassSplit(benchmark::State& state) {
 }
 BENCHMARK(BM_SinglePassSplit)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
-// The peeling with a fixed number of passes per stage (a ratio of 0 never converges): 4 stages × passes.
+// The peeling of n samples with at most `passes` passes a stage, ending a stage when the deviations
+// stop shrinking by ratio / 10: a ratio of 0 never ends early (4 stages × passes, the worst case), 11
+// is the default limit, which ends most stages after a few passes on a road like this one.
 void BM_PeelingSplit(benchmark::State& state) {
   const std::int64_t n = state.range(0);
   ProfileRecord record = RoadOf(n, 0.01);
   PrepareProfile(record);
-  const FilterConvergence limits{0.0, static_cast<std::int32_t>(state.range(1))};
+  const FilterConvergence limits{static_cast<double>(state.range(2)) / 10, static_cast<std::int32_t>(state.range(1))};
   for (auto _ : state) {
     const bool ok = DecomposeProfile(record, true, true, limits);
     benchmark::DoNotOptimize(ok);
   }
   SetPerSample(state, n);
 }
-BENCHMARK(BM_PeelingSplit)->Args({100000, 10})->Args({1000000, 10})->Unit(benchmark::kMillisecond)->Iterations(1);
-
-// The peeling with the default limits (ratio 1.1, at most 10 passes a stage), which end most stages
-// after a few passes on a road like this one.
-void BM_PeelingSplitDefaultLimits(benchmark::State& state) {
-  const std::int64_t n = state.range(0);
-  ProfileRecord record = RoadOf(n, 0.01);
-  PrepareProfile(record);
-  for (auto _ : state) {
-    const bool ok = DecomposeProfile(record, true, true, FilterConvergence{});
-    benchmark::DoNotOptimize(ok);
-  }
-  SetPerSample(state, n);
-}
-BENCHMARK(BM_PeelingSplitDefaultLimits)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(BM_PeelingSplit)
+    ->ArgNames({"n", "passes", "ratio10"})
+    ->Args({100000, 10, 0})
+    ->Args({1000000, 10, 0})
+    ->Args({1000000, 10, 11})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
 void BM_PrepareProfile(benchmark::State& state) {
   const std::int64_t n = state.range(0);

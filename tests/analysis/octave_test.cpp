@@ -20,6 +20,7 @@
 #include "app/text_encoding.h"
 #include "profile/erd_file.h"
 #include "profile/profile_record.h"
+#include "support/literal_pass.h"
 #include "support/scratch_paths.h"
 #include "support/test_support.h"
 
@@ -67,28 +68,10 @@ double RealAt(const OctaveBandSet& set, int k, int i) { return set.Band[static_c
 
 using Waves = std::array<std::vector<double>, 10>;  // [1..9]
 
-// The split exactly as the steps are written: fold, complex transform of the whole length, scale, the
-// nine masks, nine complex inverse transforms, the real part where the profile stands.
+// The split exactly as the steps are written: nine literal masked passes.
 Waves LiteralSplit(const AnalysisBlock& block, const Array1<double>& source) {
-  const std::int32_t n = block.Count, length2 = block.FftLength2;
-  Array1<double> extended;
-  std::int32_t offset = 0;
-  EXPECT_TRUE(subFFT計算用_観音開き作成(n, block.FftLength1, length2, source, offset, extended));
-  Array1<Complex> spectrum(static_cast<std::size_t>(length2));
-  for (std::int32_t i = 1; i <= length2; ++i) spectrum[i] = Complex{extended[i], 0.0};
-  Fft(length2, spectrum, -1);
-  for (std::int32_t i = 1; i <= length2; ++i)
-    spectrum[i] = Complex{spectrum[i].Re / length2, spectrum[i].Im / length2};
   Waves waves;
-  for (int k = 1; k <= 9; ++k) {
-    Array1<Complex> band(static_cast<std::size_t>(length2));
-    for (std::int32_t i = 1; i <= length2; ++i) {
-      const double m = block.Masks[static_cast<std::size_t>(k)][i];
-      band[i] = Complex{spectrum[i].Re * m, spectrum[i].Im * m};
-    }
-    Fft(length2, band, +1);
-    for (std::int32_t i = 1; i <= n; ++i) waves[static_cast<std::size_t>(k)].push_back(band[i + offset].Re);
-  }
+  for (std::size_t k = 1; k <= 9; ++k) waves[k] = testing::LiteralMaskedPass(block.Count, source, block.Masks[k]);
   return waves;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 // Shared test helpers: a scripted user interaction that records every text, and a temporary folder.
+#include <ctime>
 #include <deque>
 #include <filesystem>
 #include <string>
@@ -63,6 +64,9 @@ class TempDir {
  private:
   std::filesystem::path path_;
 };
+
+// A fixed clock for names with a time stamp: 5 March 2024, 12:00:00.
+std::tm Noon();
 
 // Raw bytes of a file, and writing raw bytes (fixtures in Shift-JIS are written byte for byte).
 std::string ReadBytes(const std::filesystem::path& path);

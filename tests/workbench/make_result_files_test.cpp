@@ -9,18 +9,10 @@
 namespace velmora::workbench {
 namespace {
 
+using testing::Noon;
 using testing::ReadBytes;
 using testing::ScriptedUi;
 using testing::TempDir;
-
-std::tm Noon() {
-  std::tm t{};
-  t.tm_year = 124;
-  t.tm_mon = 2;
-  t.tm_mday = 5;
-  t.tm_hour = 12;
-  return t;
-}
 
 ProfileRecord Filtered(const std::string& name) {
   ProfileRecord r;

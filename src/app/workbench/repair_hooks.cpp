@@ -143,8 +143,7 @@ void InstallStudyTab(Workbench& bench, int tab, Driver driver, std::vector<int> 
 }  // namespace
 
 void InstallRepair(Workbench& bench) {
-  bench.Repair.Form = ThreeWaveFormFromConditions(CurrentConditions());
-  bench.Repair.Stored = ThreeWaveParamsFromConditions(CurrentConditions());
+  // The study's boxes and stored values come from the conditions at the form reset.
   InstallStudyTab(bench, tab::ThreeWave, ThreeWaveDriver, {});
   InstallStudyTab(bench, tab::MediumWave, cmdGo_中波長, {tab::ThreeWave});
   InstallStudyTab(bench, tab::ShortWave, cmdGo_短波長, {tab::ThreeWave});
