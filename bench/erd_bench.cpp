@@ -5,7 +5,7 @@
 #include <cmath>
 #include <filesystem>
 
-#include "app/user_interaction.h"
+#include "base/user_interaction.h"
 #include "profile/erd_file.h"
 
 namespace {

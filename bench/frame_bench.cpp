@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "app/common.h"
-#include "app/folders.h"
-#include "app/ini_file.h"
-#include "app/legacy_format.h"
+#include "base/common.h"
+#include "base/folders.h"
+#include "base/ini_file.h"
+#include "base/legacy_format.h"
 
 namespace velmora {
 namespace {

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "app/settings.h"
-#include "app/workbench/workbench.h"
+#include "base/settings.h"
+#include "workbench/workbench.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "app/user_interaction.h"
+#include "base/user_interaction.h"
 #include "evaluation/section_statistics.h"
 #include "evaluation/statistics.h"
 

@@ -2,7 +2,7 @@
 // The command line's user interaction: nothing waits for a person. Messages go to stderr with their
 // title, questions take the answer of --yes/--no or their default, input boxes their default value,
 // open dialogs are cancelled, save and folder dialogs answer with -o, and progress is a bar on a terminal.
-#include "app/user_interaction.h"
+#include "base/user_interaction.h"
 #include "command_registry.h"
 
 namespace velmora::cli {

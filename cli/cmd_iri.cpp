@@ -1,7 +1,7 @@
 // velmora iri: the IRI tab's Go over the files, the whole-profile IRI printed, the IRI files written.
 #include <cstdio>
 
-#include "app/settings.h"
+#include "base/settings.h"
 #include "profile/profile_list.h"
 #include "session.h"
 

@@ -2,12 +2,12 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
 #include "profile/erd_file.h"
 #include "profile/profile_export.h"
 #include "profile/profile_reader.h"
-#include "profile/wave_series.h"
+#include "results/wave_series.h"
 #include "command_registry.h"
 
 namespace velmora::cli {

@@ -1,5 +1,5 @@
 // velmora psd: the PSD of the files (raw, smoothed, and the ratio to the first file).
-#include "app/common.h"
+#include "base/common.h"
 #include "session.h"
 
 namespace velmora::cli {

@@ -2,8 +2,8 @@
 // a half-wave whose peak exceeds the limit is scaled down to it; the reduced bands are summed.
 #include <cstdio>
 
-#include "app/common.h"
-#include "app/settings.h"
+#include "base/common.h"
+#include "base/settings.h"
 #include "profile/profile_list.h"
 #include "session.h"
 

@@ -6,11 +6,11 @@
 #include <filesystem>
 #include <set>
 
-#include "app/common.h"
-#include "app/legacy_format.h"
-#include "app/text_encoding.h"
-#include "app/workbench/repair_register.h"
-#include "app/workbench/repair_result_files.h"
+#include "base/common.h"
+#include "base/legacy_format.h"
+#include "base/text_encoding.h"
+#include "workbench/repair_register.h"
+#include "workbench/repair_result_files.h"
 #include "profile/profile_list.h"
 #include "repair/ideal_shape.h"
 #include "repair/study_targets.h"

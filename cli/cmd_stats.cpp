@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "app/common.h"
+#include "base/common.h"
 #include "session.h"
 
 namespace velmora::cli {

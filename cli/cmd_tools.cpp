@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <optional>
 
-#include "app/app_paths.h"
-#include "app/path_helpers.h"
+#include "base/app_paths.h"
+#include "base/path_helpers.h"
 #include "profile/erd_file.h"
 #include "profile/profile_tools.h"
 #include "profile/text_import.h"

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "app/legacy_format.h"
-#include "app/settings.h"
+#include "base/legacy_format.h"
+#include "base/settings.h"
 
 namespace velmora::cli {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "app/startup.h"
-#include "app/workbench/make_result_files.h"
-#include "app/workbench/workbench.h"
+#include "base/startup.h"
+#include "workbench/make_result_files.h"
+#include "workbench/workbench.h"
 #include "command_registry.h"
 
 namespace velmora::cli {

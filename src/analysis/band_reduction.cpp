@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "app/common.h"
-#include "app/error_log.h"
-#include "app/legacy_error.h"
-#include "app/settings.h"
+#include "base/common.h"
+#include "base/error_log.h"
+#include "base/legacy_error.h"
+#include "base/settings.h"
 
 namespace velmora {
 namespace {

@@ -6,8 +6,9 @@
 #include <span>
 #include <string>
 
-#include "analysis/octave_types.h"
-#include "profile/wave_series.h"
+#include "results/band_reduction_types.h"
+#include "results/octave_types.h"
+#include "results/wave_series.h"
 
 namespace velmora {
 
@@ -18,12 +19,6 @@ inline constexpr double NoLimit = 99999.0;
 
 // The limit of one line text: trimmed, the value when numeric, NoLimit otherwise.
 double BandLimitFromText(std::string_view text);
-
-// The nine reduced bands ([1..9]) and their sum.
-struct BandReductionResult {
-  std::array<WaveSeries, 10> Reduced;
-  WaveSeries Total;
-};
 
 // Scales every half-wave of `wave` (mm; a run of samples of one sign, 0 counting as positive) whose
 // peak |value| exceeds `limit` by limit/peak, so that its peak becomes the limit; a half-wave within

@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <string>
 
-#include "app/app_paths.h"
-#include "app/settings.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/settings.h"
+#include "base/text_encoding.h"
 
 namespace velmora {
 

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "analysis/fft_kernels.h"
-#include "app/legacy_error.h"
-#include "app/legacy_math.h"
+#include "base/legacy_error.h"
+#include "base/legacy_math.h"
 
 namespace velmora {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "analysis/complex.h"
-#include "app/one_based.h"
+#include "base/one_based.h"
 
 namespace velmora {
 

@@ -3,9 +3,9 @@
 // pass repeated on its own output until what it takes away stops shrinking.
 #include <cstdint>
 
-#include "analysis/filter_types.h"
-#include "app/one_based.h"
-#include "profile/wave_series.h"
+#include "results/filter_types.h"
+#include "base/one_based.h"
+#include "results/wave_series.h"
 
 namespace velmora {
 

@@ -7,9 +7,9 @@
 #include "analysis/iri.h"
 #include "analysis/moving_average.h"
 #include "analysis/slope_filter.h"
-#include "app/error_log.h"
-#include "app/legacy_error.h"
-#include "app/user_interaction.h"
+#include "base/error_log.h"
+#include "base/legacy_error.h"
+#include "base/user_interaction.h"
 #include "profile/profile_record.h"
 
 namespace velmora {

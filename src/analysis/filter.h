@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "analysis/filter_types.h"
-#include "analysis/iri_types.h"
+#include "results/filter_types.h"
+#include "results/iri_types.h"
 
 namespace velmora {
 

@@ -10,10 +10,10 @@
 #include "analysis/debug_table.h"
 #include "analysis/iri_window.h"
 #include "analysis/quarter_car.h"
-#include "app/common.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
-#include "app/legacy_math.h"
+#include "base/common.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
+#include "base/legacy_math.h"
 
 namespace velmora {
 namespace {

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <span>
 
-#include "analysis/analysis_block.h"
-#include "analysis/iri_types.h"
+#include "results/analysis_block.h"
+#include "results/iri_types.h"
 
 namespace velmora {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "analysis/iri_types.h"
+#include "results/iri_types.h"
 #include "profile/profile_record.h"
 
 namespace velmora {

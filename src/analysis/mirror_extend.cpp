@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "analysis/debug_table.h"
-#include "app/error_log.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
-#include "app/legacy_math.h"
+#include "base/error_log.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
+#include "base/legacy_math.h"
 
 namespace velmora {
 namespace {

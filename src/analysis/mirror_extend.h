@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "app/one_based.h"
+#include "base/one_based.h"
 
 namespace velmora {
 

@@ -5,9 +5,9 @@
 
 #include "analysis/debug_table.h"
 #include "analysis/mirror_extend.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
-#include "app/legacy_math.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
+#include "base/legacy_math.h"
 
 namespace velmora {
 namespace {

@@ -2,8 +2,8 @@
 // The moving-average filter: a running mean over a point-symmetric fold of the profile.
 #include <cstdint>
 
-#include "analysis/filter_types.h"
-#include "app/one_based.h"
+#include "results/filter_types.h"
+#include "base/one_based.h"
 
 namespace velmora {
 

@@ -12,11 +12,11 @@
 #include "analysis/mirror_extend.h"
 #include "analysis/octave_bands.h"
 #include "analysis/prepare_profile.h"
-#include "app/error_log.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
-#include "app/settings.h"
-#include "app/user_interaction.h"
+#include "base/error_log.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
+#include "base/settings.h"
+#include "base/user_interaction.h"
 #include "profile/profile_record.h"
 
 namespace velmora {

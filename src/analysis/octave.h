@@ -4,10 +4,10 @@
 #include <array>
 #include <cstdint>
 
-#include "analysis/analysis_block.h"
+#include "results/analysis_block.h"
 #include "analysis/fft_filter.h"
-#include "analysis/octave_types.h"
-#include "app/one_based.h"
+#include "results/octave_types.h"
+#include "base/one_based.h"
 
 namespace velmora {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "app/one_based.h"
+#include "base/one_based.h"
 
 namespace velmora {
 

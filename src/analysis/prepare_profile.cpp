@@ -6,8 +6,8 @@
 #include "analysis/debug_table.h"
 #include "analysis/fft.h"
 #include "analysis/octave_bands.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
 #include "profile/profile_record.h"
 
 namespace velmora {

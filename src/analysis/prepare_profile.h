@@ -2,8 +2,8 @@
 // The preparation every frequency-domain analysis of a profile starts from.
 #include <cstdint>
 
-#include "analysis/analysis_block.h"
-#include "app/one_based.h"
+#include "results/analysis_block.h"
+#include "base/one_based.h"
 
 namespace velmora {
 

@@ -8,11 +8,11 @@
 #include "analysis/fft.h"
 #include "analysis/mirror_extend.h"
 #include "analysis/psd_window.h"
-#include "app/app_paths.h"
-#include "app/error_log.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
-#include "app/legacy_math.h"
+#include "base/app_paths.h"
+#include "base/error_log.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
+#include "base/legacy_math.h"
 
 namespace velmora {
 namespace {

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "analysis/psd_types.h"
-#include "app/one_based.h"
+#include "results/psd_types.h"
+#include "base/one_based.h"
 
 namespace velmora {
 

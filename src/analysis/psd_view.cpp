@@ -5,10 +5,10 @@
 #include <string>
 
 #include "analysis/psd.h"
-#include "app/error_log.h"
-#include "app/legacy_error.h"
-#include "app/legacy_math.h"
-#include "app/user_interaction.h"
+#include "base/error_log.h"
+#include "base/legacy_error.h"
+#include "base/legacy_math.h"
+#include "base/user_interaction.h"
 #include "profile/profile_record.h"
 
 namespace velmora {

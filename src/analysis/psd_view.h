@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "analysis/psd_types.h"
+#include "results/psd_types.h"
 #include "analysis/psd_window.h"
 
 namespace velmora {

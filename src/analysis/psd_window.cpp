@@ -4,7 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "app/legacy_error.h"
+#include "base/legacy_error.h"
 
 namespace velmora {
 

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <string>
 
-#include "app/legacy_error.h"
-#include "app/user_interaction.h"
+#include "base/legacy_error.h"
+#include "base/user_interaction.h"
 
 namespace velmora {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "analysis/fft.h"
-#include "app/legacy_error.h"
+#include "base/legacy_error.h"
 
 namespace velmora {
 namespace {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <string>
 
-#include "app/legacy_error.h"
+#include "base/legacy_error.h"
 
 namespace velmora {
 namespace {

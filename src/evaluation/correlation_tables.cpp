@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
-#include "app/common.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
+#include "base/common.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
 
 namespace velmora {
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "analysis/iri_types.h"
+#include "results/iri_types.h"
 #include "evaluation/cross_correlation_kernel.h"
 #include "profile/profile_list.h"
 

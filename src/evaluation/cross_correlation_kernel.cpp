@@ -10,8 +10,8 @@
 #include <fmt/format.h>
 
 #include "analysis/psd_window.h"
-#include "app/legacy_error.h"
-#include "app/legacy_math.h"
+#include "base/legacy_error.h"
+#include "base/legacy_math.h"
 
 namespace velmora {
 namespace detail {

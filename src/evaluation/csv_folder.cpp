@@ -1,10 +1,10 @@
 #include "evaluation/csv_folder.h"
 
-#include "app/common.h"
-#include "app/legacy_format.h"
-#include "app/macros.h"
-#include "app/settings_io.h"
-#include "app/user_interaction.h"
+#include "base/common.h"
+#include "base/legacy_format.h"
+#include "base/macros.h"
+#include "base/settings_io.h"
+#include "base/user_interaction.h"
 
 namespace velmora {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "app/common.h"
+#include "base/common.h"
 
 namespace velmora {
 

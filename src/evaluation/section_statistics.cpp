@@ -5,8 +5,8 @@
 
 #include <fmt/format.h>
 
-#include "app/legacy_error.h"
-#include "app/legacy_math.h"
+#include "base/legacy_error.h"
+#include "base/legacy_math.h"
 
 namespace velmora {
 namespace {

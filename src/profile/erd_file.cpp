@@ -6,11 +6,11 @@
 
 #include <fmt/format.h>
 
-#include "app/legacy_format.h"
-#include "app/legacy_math.h"
-#include "app/number_helpers.h"
-#include "app/text_encoding.h"
-#include "app/user_interaction.h"
+#include "base/legacy_format.h"
+#include "base/legacy_math.h"
+#include "base/number_helpers.h"
+#include "base/text_encoding.h"
+#include "base/user_interaction.h"
 
 namespace velmora {
 namespace {

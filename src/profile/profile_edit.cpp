@@ -4,14 +4,14 @@
 
 #include <fmt/format.h>
 
-#include "app/app_paths.h"
-#include "app/error_log.h"
-#include "app/file_helpers.h"
-#include "app/legacy_format.h"
-#include "app/macros.h"
-#include "app/path_helpers.h"
-#include "app/settings_io.h"
-#include "app/user_interaction.h"
+#include "base/app_paths.h"
+#include "base/error_log.h"
+#include "base/file_helpers.h"
+#include "base/legacy_format.h"
+#include "base/macros.h"
+#include "base/path_helpers.h"
+#include "base/settings_io.h"
+#include "base/user_interaction.h"
 #include "profile/profile_export.h"
 
 namespace velmora {

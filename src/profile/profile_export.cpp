@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "app/file_helpers.h"
-#include "app/legacy_format.h"
-#include "app/path_helpers.h"
-#include "app/settings.h"
-#include "app/text_encoding.h"
+#include "base/file_helpers.h"
+#include "base/legacy_format.h"
+#include "base/path_helpers.h"
+#include "base/settings.h"
+#include "base/text_encoding.h"
 #include "profile/erd_file.h"
 #include "profile/profile_list.h"
 

@@ -5,13 +5,13 @@
 
 #include <fmt/format.h>
 
-#include "app/app_paths.h"
-#include "app/error_log.h"
-#include "app/file_helpers.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
-#include "app/path_helpers.h"
-#include "app/user_interaction.h"
+#include "base/app_paths.h"
+#include "base/error_log.h"
+#include "base/file_helpers.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
+#include "base/path_helpers.h"
+#include "base/user_interaction.h"
 #include "profile/profile_reader.h"
 
 namespace velmora {

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "app/one_based.h"
-#include "app/settings.h"
+#include "base/one_based.h"
+#include "base/settings.h"
 #include "profile/profile_record.h"
 
 namespace velmora {

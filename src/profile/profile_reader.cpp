@@ -2,11 +2,12 @@
 
 #include <filesystem>
 
-#include "app/app_paths.h"
-#include "app/legacy_format.h"
-#include "app/settings.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/legacy_format.h"
+#include "base/settings.h"
+#include "base/text_encoding.h"
 #include "profile/erd_file.h"
+#include "profile/profile_statistics.h"
 
 namespace velmora {
 namespace {

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "analysis/analysis_block.h"
-#include "app/common.h"
-#include "app/one_based.h"
-#include "evaluation/statistics_types.h"
-#include "repair/repair_types.h"
+#include "results/analysis_block.h"
+#include "base/common.h"
+#include "base/one_based.h"
+#include "results/statistics_types.h"
+#include "results/repair_types.h"
 
 namespace velmora {
 

@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 
-#include "app/legacy_format.h"
-#include "app/number_helpers.h"
-#include "app/user_interaction.h"
+#include "base/legacy_format.h"
+#include "base/number_helpers.h"
+#include "base/user_interaction.h"
 #include "profile/erd_file.h"
 
 namespace velmora {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "app/settings.h"
+#include "base/settings.h"
 #include "profile/profile_list.h"
 #include "profile/profile_record.h"
 

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "app/app_paths.h"
-#include "app/common.h"
-#include "app/error_log.h"
-#include "app/legacy_format.h"
-#include "app/path_helpers.h"
-#include "app/settings_io.h"
-#include "app/text_encoding.h"
-#include "app/user_interaction.h"
+#include "base/app_paths.h"
+#include "base/common.h"
+#include "base/error_log.h"
+#include "base/legacy_format.h"
+#include "base/path_helpers.h"
+#include "base/settings_io.h"
+#include "base/text_encoding.h"
+#include "base/user_interaction.h"
 #include "profile/erd_file.h"
 
 namespace velmora {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "analysis/iri_types.h"
+#include "results/iri_types.h"
 #include "profile/profile_list.h"
 #include "profile/profile_record.h"
 #include "repair/m_wave.h"

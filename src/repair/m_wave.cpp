@@ -6,10 +6,10 @@
 
 #include <fmt/format.h>
 
-#include "app/error_log.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
-#include "app/legacy_math.h"
+#include "base/error_log.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
+#include "base/legacy_math.h"
 #include "analysis/debug_table.h"
 #include "repair/study_debug.h"
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/one_based.h"
-#include "profile/wave_series.h"
-#include "repair/repair_types.h"
+#include "base/one_based.h"
+#include "results/wave_series.h"
+#include "results/repair_types.h"
 
 namespace velmora {
 

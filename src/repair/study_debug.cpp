@@ -3,8 +3,8 @@
 #include <filesystem>
 
 #include "analysis/debug_table.h"
-#include "app/app_paths.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/text_encoding.h"
 
 namespace velmora::detail {
 

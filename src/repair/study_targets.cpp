@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "app/common.h"
-#include "app/user_interaction.h"
+#include "base/common.h"
+#include "base/user_interaction.h"
 #include "repair/m_wave.h"
 
 namespace velmora {

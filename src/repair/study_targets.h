@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "app/one_based.h"
-#include "repair/repair_types.h"
+#include "base/one_based.h"
+#include "results/repair_types.h"
 
 namespace velmora {
 

@@ -9,12 +9,12 @@
 #include "analysis/debug_table.h"
 #include "analysis/fft.h"
 #include "analysis/fft_filter.h"
-#include "app/common.h"
-#include "app/error_log.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
-#include "app/legacy_math.h"
-#include "app/user_interaction.h"
+#include "base/common.h"
+#include "base/error_log.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
+#include "base/legacy_math.h"
+#include "base/user_interaction.h"
 
 namespace velmora {
 namespace {

@@ -7,10 +7,10 @@
 #include <span>
 #include <string>
 
-#include "app/one_based.h"
-#include "app/settings.h"
+#include "base/one_based.h"
+#include "base/settings.h"
 #include "profile/profile_record.h"
-#include "repair/repair_types.h"
+#include "results/repair_types.h"
 
 namespace velmora {
 

@@ -1,6 +1,6 @@
 #include "report/position_axis.h"
 
-#include "app/common.h"
+#include "base/common.h"
 
 namespace velmora {
 

@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "app/common.h"
+#include "base/common.h"
 #include "profile/profile_list.h"
 
 namespace velmora {

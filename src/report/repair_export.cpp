@@ -6,9 +6,9 @@
 
 #include "analysis/iri.h"
 #include "analysis/octave.h"
-#include "app/common.h"
-#include "app/legacy_error.h"
-#include "app/legacy_math.h"
+#include "base/common.h"
+#include "base/legacy_error.h"
+#include "base/legacy_math.h"
 #include "profile/profile_list.h"
 #include "report/result_csv.h"
 #include "report/result_export.h"

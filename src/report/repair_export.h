@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "analysis/iri_types.h"
-#include "app/one_based.h"
+#include "results/iri_types.h"
+#include "base/one_based.h"
 #include "profile/profile_record.h"
 #include "report/position_axis.h"
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "app/common.h"
-#include "app/legacy_format.h"
+#include "base/common.h"
+#include "base/legacy_format.h"
 
 namespace velmora {
 

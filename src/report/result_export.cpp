@@ -7,10 +7,10 @@
 #include "analysis/filter.h"
 #include "analysis/iri_sections.h"
 #include "analysis/psd.h"
-#include "app/common.h"
-#include "app/legacy_error.h"
-#include "app/legacy_format.h"
-#include "app/legacy_math.h"
+#include "base/common.h"
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
+#include "base/legacy_math.h"
 #include "profile/profile_list.h"
 
 namespace velmora {

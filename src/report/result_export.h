@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "analysis/filter_types.h"
+#include "results/filter_types.h"
 #include "profile/profile_record.h"
 #include "report/result_csv.h"
 

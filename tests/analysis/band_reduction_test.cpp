@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "app/app_paths.h"
-#include "app/common.h"
-#include "app/settings.h"
+#include "base/app_paths.h"
+#include "base/common.h"
+#include "base/settings.h"
 #include "support/test_support.h"
 
 namespace velmora {

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "analysis/fft.h"
-#include "app/app_paths.h"
-#include "app/settings.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/settings.h"
+#include "base/text_encoding.h"
 #include "support/literal_pass.h"
 #include "support/scratch_paths.h"
 #include "support/test_support.h"

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "analysis/fft_kernels.h"
-#include "app/legacy_error.h"
+#include "base/legacy_error.h"
 
 namespace velmora {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "analysis/iri.h"
 #include "analysis/quarter_car.h"
-#include "profile/wave_series.h"
+#include "results/wave_series.h"
 #include "support/test_support.h"
 
 namespace velmora {

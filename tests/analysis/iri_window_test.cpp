@@ -9,9 +9,9 @@
 
 #include "analysis/iri.h"
 #include "analysis/iri_window.h"
-#include "app/app_paths.h"
-#include "app/settings.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/settings.h"
+#include "base/text_encoding.h"
 #include "support/test_support.h"
 
 namespace velmora {

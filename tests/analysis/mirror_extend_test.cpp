@@ -5,10 +5,10 @@
 #include <ostream>
 #include <vector>
 
-#include "app/app_paths.h"
-#include "app/legacy_error.h"
-#include "app/settings.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/legacy_error.h"
+#include "base/settings.h"
+#include "base/text_encoding.h"
 #include "support/scratch_paths.h"
 #include "support/test_support.h"
 

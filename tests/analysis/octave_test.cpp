@@ -15,9 +15,9 @@
 
 #include "analysis/octave_bands.h"
 #include "analysis/prepare_profile.h"
-#include "app/app_paths.h"
-#include "app/settings.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/settings.h"
+#include "base/text_encoding.h"
 #include "profile/erd_file.h"
 #include "profile/profile_record.h"
 #include "support/literal_pass.h"

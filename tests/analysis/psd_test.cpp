@@ -11,8 +11,8 @@
 
 #include "analysis/psd_view.h"
 #include "analysis/psd_window.h"
-#include "app/app_paths.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/text_encoding.h"
 #include "profile/profile_record.h"
 #include "support/test_support.h"
 

@@ -7,7 +7,7 @@
 #include <random>
 
 #include "analysis/fft.h"
-#include "app/legacy_error.h"
+#include "base/legacy_error.h"
 
 namespace velmora {
 namespace {

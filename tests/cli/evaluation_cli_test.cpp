@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "app/text_encoding.h"
+#include "base/text_encoding.h"
 #include "profile/erd_file.h"
 #include "cli_fixture.h"
 #include "support/profile_fixture.h"

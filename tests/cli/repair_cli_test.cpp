@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <regex>
 
-#include "app/text_encoding.h"
+#include "base/text_encoding.h"
 #include "profile/erd_file.h"
 #include "cli_fixture.h"
 #include "support/test_support.h"

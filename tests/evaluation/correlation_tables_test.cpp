@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/legacy_error.h"
+#include "base/legacy_error.h"
 
 namespace velmora {
 namespace {

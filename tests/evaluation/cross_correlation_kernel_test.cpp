@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "app/legacy_error.h"
+#include "base/legacy_error.h"
 
 namespace velmora {
 namespace {

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <regex>
 
-#include "app/app_paths.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/text_encoding.h"
 #include "evaluation/correlation_tables.h"
 #include "support/profile_fixture.h"
 #include "evaluation_fixture.h"

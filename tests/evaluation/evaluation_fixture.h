@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "app/app_paths.h"
+#include "base/app_paths.h"
 #include "profile/profile_list.h"
 #include "support/test_support.h"
 

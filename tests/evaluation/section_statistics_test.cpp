@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "app/legacy_error.h"
+#include "base/legacy_error.h"
 
 namespace velmora {
 namespace {

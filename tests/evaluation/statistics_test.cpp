@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <regex>
 
-#include "app/app_paths.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/text_encoding.h"
 #include "evaluation_fixture.h"
 #include "support/test_support.h"
 

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "app/legacy_error.h"
+#include "base/legacy_error.h"
 #include "list_fixture.h"
 #include "profile/erd_file.h"
 #include "profile/profile_list.h"

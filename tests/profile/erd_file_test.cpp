@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "app/legacy_error.h"
+#include "base/legacy_error.h"
 #include "support/test_support.h"
 
 namespace velmora {

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <string>
 
-#include "app/app_paths.h"
-#include "app/settings.h"
+#include "base/app_paths.h"
+#include "base/settings.h"
 #include "support/test_support.h"
 
 namespace velmora {

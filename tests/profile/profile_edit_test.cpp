@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-#include "app/settings_io.h"
+#include "base/settings_io.h"
 #include "profile/erd_file.h"
 #include "profile/list_fixture.h"
 #include "support/test_support.h"

@@ -7,7 +7,7 @@
 #include <ctime>
 #include <filesystem>
 
-#include "app/app_paths.h"
+#include "base/app_paths.h"
 #include "profile/erd_file.h"
 #include "profile/list_fixture.h"
 #include "support/test_support.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/text_encoding.h"
+#include "base/text_encoding.h"
 #include "list_fixture.h"
 #include "profile/erd_file.h"
 #include "support/test_support.h"

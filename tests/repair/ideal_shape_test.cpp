@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "analysis/iri.h"
-#include "app/app_paths.h"
+#include "base/app_paths.h"
 #include "repair/study_targets.h"
 #include "study_fixture.h"
 #include "support/test_support.h"

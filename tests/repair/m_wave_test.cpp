@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "app/app_paths.h"
+#include "base/app_paths.h"
 #include "support/test_support.h"
 
 // Every expected value below is worked out by hand from the small waves in the comments.

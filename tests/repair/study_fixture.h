@@ -4,7 +4,7 @@
 #include <numbers>
 #include <string>
 
-#include "app/settings.h"
+#include "base/settings.h"
 #include "profile/profile_record.h"
 #include "repair/three_wave.h"
 

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "app/app_paths.h"
+#include "base/app_paths.h"
 #include "study_fixture.h"
 #include "support/test_support.h"
 

@@ -1,7 +1,8 @@
 // Band-reduction result files and the profile summary, from records filled by hand.
 #include <gtest/gtest.h>
 
-#include "app/common.h"
+#include "analysis/band_reduction.h"
+#include "base/common.h"
 #include "report/profile_summary.h"
 #include "report/result_export.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/common.h"
+#include "base/common.h"
 
 namespace velmora {
 namespace {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/common.h"
+#include "base/common.h"
 #include "profile/profile_record.h"
 
 namespace velmora::testing {

@@ -6,8 +6,8 @@
 
 #include <filesystem>
 
-#include "app/app_paths.h"
-#include "app/settings.h"
+#include "base/app_paths.h"
+#include "base/settings.h"
 #include "support/test_support.h"
 
 namespace velmora::testing {

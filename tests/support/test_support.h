@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/user_interaction.h"
+#include "base/user_interaction.h"
 
 namespace velmora::testing {
 

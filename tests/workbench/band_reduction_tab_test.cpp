@@ -5,9 +5,10 @@
 #include <cmath>
 #include <numbers>
 
-#include "app/app_paths.h"
-#include "app/common.h"
-#include "app/workbench/workbench.h"
+#include "analysis/band_reduction.h"
+#include "base/app_paths.h"
+#include "base/common.h"
+#include "workbench/workbench.h"
 #include "support/test_support.h"
 
 namespace velmora::workbench {

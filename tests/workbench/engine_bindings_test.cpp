@@ -1,10 +1,10 @@
 // The profile tab's boxes and the project reset bound to the workbench.
-#include "app/workbench/engine_bindings.h"
+#include "workbench/engine_bindings.h"
 
 #include <gtest/gtest.h>
 
-#include "app/app_paths.h"
-#include "app/startup.h"
+#include "base/app_paths.h"
+#include "base/startup.h"
 #include "support/test_support.h"
 
 namespace velmora::workbench {

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <filesystem>
 
-#include "app/app_paths.h"
-#include "app/text_encoding.h"
-#include "app/workbench/workbench.h"
+#include "base/app_paths.h"
+#include "base/text_encoding.h"
+#include "workbench/workbench.h"
 #include "evaluation/correlation_tables.h"
 #include "support/profile_fixture.h"
 #include "support/test_support.h"

@@ -1,4 +1,4 @@
-#include "app/workbench/file_export_name.h"
+#include "workbench/file_export_name.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "app/workbench/make_result_files.h"
+#include "workbench/make_result_files.h"
 
 #include <gtest/gtest.h>
 
-#include "app/app_paths.h"
-#include "app/common.h"
+#include "base/app_paths.h"
+#include "base/common.h"
 #include "support/test_support.h"
 
 namespace velmora::workbench {

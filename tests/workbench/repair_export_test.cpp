@@ -1,12 +1,12 @@
 // The study's result files on small hand-made records: names, heads and rows written out by hand.
-#include "app/workbench/repair_result_files.h"
+#include "workbench/repair_result_files.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
-#include "app/app_paths.h"
-#include "app/text_encoding.h"
+#include "base/app_paths.h"
+#include "base/text_encoding.h"
 #include "profile/erd_file.h"
 #include "support/test_support.h"
 

@@ -5,12 +5,12 @@
 #include <cmath>
 
 #include "analysis/iri.h"
-#include "app/app_paths.h"
-#include "app/common.h"
-#include "app/text_encoding.h"
-#include "app/workbench/repair_register.h"
-#include "app/workbench/repair_result_files.h"
-#include "app/workbench/workbench.h"
+#include "base/app_paths.h"
+#include "base/common.h"
+#include "base/text_encoding.h"
+#include "workbench/repair_register.h"
+#include "workbench/repair_result_files.h"
+#include "workbench/workbench.h"
 #include "repair/ideal_shape.h"
 #include "repair/study_targets.h"
 #include "repair/study_fixture.h"

@@ -1,9 +1,9 @@
-#include "app/workbench/workbench.h"
+#include "workbench/workbench.h"
 
 #include <gtest/gtest.h>
 
-#include "app/app_paths.h"
-#include "app/legacy_error.h"
+#include "base/app_paths.h"
+#include "base/legacy_error.h"
 #include "support/test_support.h"
 
 namespace velmora::workbench {

@@ -1,0 +1,10 @@
+#include "base/app_paths.h"
+
+namespace velmora {
+
+AppPaths& Paths() {
+  static AppPaths paths;
+  return paths;
+}
+
+}  // namespace velmora

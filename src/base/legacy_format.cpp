@@ -1,0 +1,227 @@
+#include "base/legacy_format.h"
+
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+
+#include <fmt/format.h>
+
+#include "base/legacy_error.h"
+
+namespace velmora {
+namespace {
+
+struct NumberPattern {
+  int integerZeros = 0;   // '0' in the integer part: minimum digits shown
+  bool grouping = false;  // ',' in the integer part
+  int decimalZeros = 0;   // '0' after the point: always shown
+  int decimalHashes = 0;  // '#' after the point: shown when not zero
+  bool hasPoint = false;
+  bool scientific = false;
+  bool exponentPlus = false;  // "E+": sign always; "E-": only for negative exponents
+  char exponentLetter = 'E';
+  int exponentDigits = 0;
+};
+
+NumberPattern ParsePattern(std::string_view pattern) {
+  NumberPattern p;
+  std::size_t i = 0;
+  auto bad = [&] { throw LegacyError(ErrorNumber::InvalidData, fmt::format("書式が不正です: \"{}\"", pattern)); };
+  for (; i < pattern.size() && (pattern[i] == '0' || pattern[i] == '#' || pattern[i] == ','); ++i) {
+    if (pattern[i] == '0') ++p.integerZeros;
+    if (pattern[i] == ',') p.grouping = true;
+  }
+  if (i < pattern.size() && pattern[i] == '.') {
+    p.hasPoint = true;
+    for (++i; i < pattern.size() && (pattern[i] == '0' || pattern[i] == '#'); ++i) {
+      if (pattern[i] == '0') {
+        if (p.decimalHashes > 0) bad();
+        ++p.decimalZeros;
+      } else {
+        ++p.decimalHashes;
+      }
+    }
+  }
+  if (i < pattern.size() && (pattern[i] == 'E' || pattern[i] == 'e')) {
+    p.scientific = true;
+    p.exponentLetter = pattern[i];
+    if (++i >= pattern.size() || (pattern[i] != '+' && pattern[i] != '-')) bad();
+    p.exponentPlus = pattern[i] == '+';
+    for (++i; i < pattern.size() && pattern[i] == '0'; ++i) ++p.exponentDigits;
+    if (p.exponentDigits == 0) bad();
+  }
+  if (i != pattern.size()) bad();
+  return p;
+}
+
+// Decimal digits of |value| to 15 significant digits: value = 0.d1d2...d15 × 10^point.
+struct Decimal {
+  std::string digits;  // without leading zeros unless the value is zero
+  int point = 0;       // position of the decimal point relative to the digits
+};
+
+Decimal ToDecimal(double magnitude) {
+  Decimal d;
+  if (magnitude == 0) {
+    d.digits.assign(1, '0');
+    d.point = 1;
+    return d;
+  }
+  std::string s = fmt::format("{:.14e}", magnitude);  // d.dddddddddddddde±XX
+  const std::size_t e = s.find('e');
+  d.digits = s.substr(0, 1) + s.substr(2, e - 2);
+  d.point = std::atoi(s.c_str() + e + 1) + 1;
+  return d;
+}
+
+// Rounds to `keep` digits (half away from zero); keep may be <= 0. Adjusts point on carry.
+void RoundDigits(Decimal& d, int keep) {
+  if (keep >= static_cast<int>(d.digits.size())) return;
+  if (keep < 0) {
+    d.digits.assign(1, '0');
+    d.point = 1;
+    return;
+  }
+  const bool up = d.digits[static_cast<std::size_t>(keep)] >= '5';
+  d.digits.resize(static_cast<std::size_t>(keep));
+  if (up) {
+    int k = keep - 1;
+    for (; k >= 0; --k) {
+      if (d.digits[static_cast<std::size_t>(k)] == '9') {
+        d.digits[static_cast<std::size_t>(k)] = '0';
+      } else {
+        ++d.digits[static_cast<std::size_t>(k)];
+        break;
+      }
+    }
+    if (k < 0) {
+      d.digits.insert(d.digits.begin(), '1');
+      ++d.point;
+    }
+  }
+  if (d.digits.empty()) {
+    d.digits.assign(1, '0');
+    d.point = 1;
+  }
+}
+
+std::string Group(const std::string& integer) {
+  std::string out;
+  const int n = static_cast<int>(integer.size());
+  for (int i = 0; i < n; ++i) {
+    if (i > 0 && (n - i) % 3 == 0) out += ',';
+    out += integer[static_cast<std::size_t>(i)];
+  }
+  return out;
+}
+
+std::string Decimals(const std::string& fraction, const NumberPattern& p) {
+  std::string text = fraction;
+  std::size_t keep = text.size();
+  while (keep > static_cast<std::size_t>(p.decimalZeros) && text[keep - 1] == '0') --keep;
+  text.resize(keep);
+  if (!p.hasPoint) return "";
+  return "." + text;  // VB keeps the point even when no decimal follows ("0." for "0.##")
+}
+
+}  // namespace
+
+std::string FormatNumber(double value, std::string_view pattern) {
+  const NumberPattern p = ParsePattern(pattern);
+  if (std::isnan(value) || std::isinf(value)) RaiseOverflow(fmt::format("{}", value));
+  const bool negative = std::signbit(value) && value != 0;
+  Decimal d = ToDecimal(std::fabs(value));
+  const int decimals = p.decimalZeros + p.decimalHashes;
+  std::string body;
+
+  if (p.scientific) {
+    const int mantissaDigits = std::max(1, p.integerZeros) + decimals;
+    int exponent = 0;
+    if (d.digits != "0") {
+      RoundDigits(d, mantissaDigits);
+      exponent = d.point - std::max(1, p.integerZeros);
+    }
+    std::string all = d.digits;
+    all.resize(static_cast<std::size_t>(mantissaDigits), '0');
+    const std::size_t intDigits = static_cast<std::size_t>(std::max(1, p.integerZeros));
+    body = all.substr(0, intDigits) + Decimals(all.substr(intDigits), p);
+    body += p.exponentLetter;
+    if (exponent < 0) body += '-';
+    else if (p.exponentPlus) body += '+';
+    body += fmt::format("{:0{}d}", std::abs(exponent), p.exponentDigits);
+  } else {
+    RoundDigits(d, d.point + decimals);
+    std::string integer, fraction;
+    if (d.point > 0) {
+      std::string all = d.digits;
+      if (static_cast<int>(all.size()) < d.point) all.resize(static_cast<std::size_t>(d.point), '0');
+      integer = all.substr(0, static_cast<std::size_t>(d.point));
+      fraction = all.substr(static_cast<std::size_t>(d.point));
+    } else {
+      fraction = std::string(static_cast<std::size_t>(-d.point), '0') + d.digits;
+    }
+    fraction.resize(static_cast<std::size_t>(decimals), '0');
+    while (!integer.empty() && integer[0] == '0') integer.erase(0, 1);
+    if (static_cast<int>(integer.size()) < p.integerZeros)
+      integer.insert(0, static_cast<std::size_t>(p.integerZeros) - integer.size(), '0');
+    if (p.grouping) integer = Group(integer);
+    body = integer + Decimals(fraction, p);
+  }
+  return negative ? "-" + body : body;
+}
+
+std::string FormatDateTime(const std::tm& time, std::string_view pattern) {
+  std::string out;
+  bool afterHour = false;
+  auto starts = [&](std::size_t i, std::string_view token) {
+    if (i + token.size() > pattern.size()) return false;
+    for (std::size_t k = 0; k < token.size(); ++k)
+      if (std::toupper(static_cast<unsigned char>(pattern[i + k])) != token[k]) return false;
+    return true;
+  };
+  for (std::size_t i = 0; i < pattern.size();) {
+    if (starts(i, "YYYY")) {
+      out += fmt::format("{:04d}", time.tm_year + 1900);
+      i += 4;
+    } else if (starts(i, "YY")) {
+      out += fmt::format("{:02d}", (time.tm_year + 1900) % 100);
+      i += 2;
+    } else if (starts(i, "MM")) {
+      // Minutes when it follows the hour or precedes the seconds, as the legacy formatter reads it.
+      std::size_t next = i + 2;
+      while (next < pattern.size() && !std::isalpha(static_cast<unsigned char>(pattern[next]))) ++next;
+      const bool minutes = afterHour || starts(next, "SS");
+      out += fmt::format("{:02d}", minutes ? time.tm_min : time.tm_mon + 1);
+      afterHour = false;
+      i += 2;
+    } else if (starts(i, "DD")) {
+      out += fmt::format("{:02d}", time.tm_mday);
+      i += 2;
+    } else if (starts(i, "HH")) {
+      out += fmt::format("{:02d}", time.tm_hour);
+      afterHour = true;
+      i += 2;
+      continue;
+    } else if (starts(i, "NN")) {
+      out += fmt::format("{:02d}", time.tm_min);
+      i += 2;
+    } else if (starts(i, "SS")) {
+      out += fmt::format("{:02d}", time.tm_sec);
+      i += 2;
+    } else {
+      out += pattern[i++];
+      continue;
+    }
+    afterHour = false;
+  }
+  return out;
+}
+
+std::tm LocalNow() {
+  std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  return local;
+}
+
+}  // namespace velmora

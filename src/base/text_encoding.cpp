@@ -1,0 +1,169 @@
+#include "base/text_encoding.h"
+
+#include <iconv.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <random>
+
+#include <fmt/format.h>
+
+#include "base/legacy_error.h"
+
+namespace velmora {
+namespace {
+
+class Converter {
+ public:
+  Converter(const char* to, const char* from) : handle_(iconv_open(to, from)) {
+    if (handle_ == reinterpret_cast<iconv_t>(-1))
+      throw LegacyError(ErrorNumber::InvalidData, fmt::format("iconv: {} → {} is not available", from, to));
+  }
+  ~Converter() { iconv_close(handle_); }
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+
+  // Converts as much as it can; returns false at the first byte sequence that cannot be converted,
+  // leaving `consumed` at its offset.
+  bool Convert(std::string_view in, std::string& out, std::size_t& consumed) {
+    char* src = const_cast<char*>(in.data());
+    std::size_t left = in.size();
+    out.resize(in.size() * 2 + 16);
+    std::size_t produced = 0;
+    bool ok = true;
+    while (left > 0) {
+      char* dst = out.data() + produced;
+      std::size_t room = out.size() - produced;
+      std::size_t r = iconv(handle_, &src, &left, &dst, &room);
+      produced = out.size() - room;
+      if (r != static_cast<std::size_t>(-1)) break;
+      if (errno == E2BIG) {
+        out.resize(out.size() * 2);
+        continue;
+      }
+      ok = false;  // EILSEQ or EINVAL (truncated sequence at the end)
+      break;
+    }
+    out.resize(produced);
+    consumed = in.size() - left;
+    iconv(handle_, nullptr, nullptr, nullptr, nullptr);
+    return ok;
+  }
+
+ private:
+  iconv_t handle_;
+};
+
+std::size_t Utf8SequenceLength(unsigned char lead) {
+  if (lead < 0x80) return 1;
+  if ((lead >> 5) == 0x6) return 2;
+  if ((lead >> 4) == 0xE) return 3;
+  if ((lead >> 3) == 0x1E) return 4;
+  return 1;
+}
+
+std::string TempNameBeside(const std::filesystem::path& path) {
+  static thread_local std::mt19937_64 random{std::random_device{}()};
+  return path.string() + fmt::format(".tmp{:08x}", static_cast<unsigned>(random()));
+}
+
+}  // namespace
+
+std::string ToSystemCodePage(std::string_view utf8) {
+  Converter converter("CP932", "UTF-8");
+  std::string result;
+  while (!utf8.empty()) {
+    std::string part;
+    std::size_t consumed = 0;
+    bool ok = converter.Convert(utf8, part, consumed);
+    result += part;
+    if (ok) break;
+    result += '?';  // the platform's default character for what CP932 lacks
+    consumed += Utf8SequenceLength(static_cast<unsigned char>(utf8[consumed]));
+    utf8.remove_prefix(std::min(consumed, utf8.size()));
+  }
+  return result;
+}
+
+std::string FromSystemCodePage(std::string_view cp932, std::string_view source) {
+  Converter converter("UTF-8", "CP932");
+  std::string result;
+  std::size_t consumed = 0;
+  if (!converter.Convert(cp932, result, consumed)) {
+    throw LegacyError(ErrorNumber::InvalidData,
+                      fmt::format("{}: Shift-JIS として読めないバイトがあります (オフセット {}: 0x{:02X})",
+                                  source.empty() ? "(text)" : source, consumed,
+                                  static_cast<unsigned char>(cp932[consumed])));
+  }
+  return result;
+}
+
+std::string ReadFileBytes(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    std::error_code ec;
+    bool exists = std::filesystem::exists(path, ec);
+    RaiseFileError(exists ? ErrorNumber::PermissionDenied : ErrorNumber::FileNotFound, path.string(),
+                   exists ? "ファイルを開けません。" : "ファイルが見つかりません。");
+  }
+  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  if (in.bad()) RaiseFileError(ErrorNumber::InvalidData, path.string(), "ファイルを読めません。");
+  return bytes;
+}
+
+std::vector<std::string> ReadSystemTextLines(const std::filesystem::path& path) {
+  const std::string text = FromSystemCodePage(ReadFileBytes(path), path.string());
+  std::vector<std::string> lines;
+  std::size_t start = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\r' && text[i] != '\n') continue;
+    lines.emplace_back(text, start, i - start);
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
+    start = i + 1;
+  }
+  if (start < text.size()) lines.emplace_back(text, start);
+  return lines;
+}
+
+void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_view bytes) {
+  const std::string temp = TempNameBeside(path);
+  std::FILE* file = std::fopen(temp.c_str(), "wb");
+  if (!file) RaiseFileError(ErrorNumber::PathNotFound, path.string(), std::strerror(errno));
+  bool ok = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+  ok = (std::fflush(file) == 0) && ok;
+  ok = (::fsync(::fileno(file)) == 0) && ok;
+  const int saved = errno;
+  ok = (std::fclose(file) == 0) && ok;
+  if (!ok) {
+    std::remove(temp.c_str());
+    RaiseFileError(ErrorNumber::DiskFull, path.string(), std::strerror(saved));
+  }
+  if (std::rename(temp.c_str(), path.c_str()) != 0) {
+    const int err = errno;
+    std::remove(temp.c_str());
+    RaiseFileError(ErrorNumber::PermissionDenied, path.string(), std::strerror(err));
+  }
+}
+
+void WriteSystemTextFile(const std::filesystem::path& path, const std::vector<std::string>& lines) {
+  std::string utf8;
+  for (const auto& line : lines) {
+    utf8 += line;
+    utf8 += "\r\n";
+  }
+  WriteFileBytesAtomically(path, ToSystemCodePage(utf8));
+}
+
+void AppendSystemTextLine(const std::filesystem::path& path, std::string_view line) {
+  std::FILE* file = std::fopen(path.c_str(), "ab");
+  if (!file) RaiseFileError(ErrorNumber::PathNotFound, path.string(), std::strerror(errno));
+  const std::string bytes = ToSystemCodePage(line) + "\r\n";
+  bool ok = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+  ok = (std::fclose(file) == 0) && ok;
+  if (!ok) RaiseFileError(ErrorNumber::DiskFull, path.string(), "書き込めません。");
+}
+
+}  // namespace velmora

@@ -1,0 +1,21 @@
+#include "workbench/file_export_name.h"
+
+#include "base/common.h"
+#include "base/macros.h"
+#include "base/settings_io.h"
+
+namespace velmora::workbench {
+
+std::string FileExportName(std::string_view pattern, std::string_view builtIn, std::string_view profileName,
+                           const std::vector<NameMacro>& kindMacros, const std::tm& now) {
+  std::string name = uExpandDate(Trim(pattern).empty() ? builtIn : pattern, now);
+  name = uReplaceMacro(name, "$(PROFILENAME)$", profileName);
+  for (const auto& macro : kindMacros) name = uReplaceMacro(name, macro.Macro, macro.Value);
+  return name;
+}
+
+std::string FileExportPattern(std::string_view section) {
+  return GetIniValue(GeneralIniPath(), section, "FileExportName");
+}
+
+}  // namespace velmora::workbench

@@ -1,0 +1,186 @@
+#include "base/ini_file.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <set>
+
+#include "base/common.h"
+#include "base/legacy_error.h"
+#include "base/text_encoding.h"
+#include "support/test_support.h"
+
+namespace velmora {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ReadBytes;
+using testing::TempDir;
+using testing::WriteBytes;
+
+// Lines in various shapes: comments, odd blanks, a LF-only line, a section appearing twice.
+const std::string kMixed =
+    "; comment=not a key\r\n"
+    "[General]\r\n"
+    "  DebugLevel =  1  \r\n"
+    "Quoted=\"  spaced  \"\r\n"
+    "Empty=\r\n"
+    "debuglevel=2\r\n"
+    "no equals sign here\n"
+    "\r\n"
+    "[ Other ]\r\n"
+    "Key=other\r\n"
+    "[general]\r\n"
+    "Late=ignored\r\n";
+
+TEST(IniRead, NamesIgnoreCaseValuesTrimmedFirstWins) {
+  TempDir dir;
+  WriteBytes(dir / "a.ini", kMixed);
+  const IniDocument ini = IniDocument::Load(dir / "a.ini");
+  EXPECT_EQ(ini.Get("GENERAL", "debugLevel"), "1");
+  EXPECT_EQ(ini.Get("General", "Quoted"), "  spaced  ");
+  EXPECT_EQ(ini.Get("General", "Empty"), "");
+  EXPECT_EQ(ini.Get("other", "KEY"), "other");
+  EXPECT_EQ(ini.Get("General", "Late"), std::nullopt);  // only the first [General] counts
+  EXPECT_EQ(ini.Get("General", "; comment"), std::nullopt);
+  EXPECT_EQ(ini.Get("Missing", "Key"), std::nullopt);
+  EXPECT_EQ(ReadIniValue(dir / "absent.ini", "General", "DebugLevel"), std::nullopt);
+}
+
+TEST(IniWrite, ReplacingAKeyChangesOnlyItsLine) {
+  TempDir dir;
+  WriteBytes(dir / "a.ini", kMixed);
+  WriteIniValue(dir / "a.ini", "general", "DEBUGLEVEL", "5");
+  std::string expected = kMixed;
+  expected.replace(expected.find("  DebugLevel =  1  "), 19, "DEBUGLEVEL=5");
+  EXPECT_EQ(ReadBytes(dir / "a.ini"), expected);
+}
+
+TEST(IniWrite, NewKeyGoesBehindTheLastLineOfItsSectionNewSectionAtTheEnd) {
+  TempDir dir;
+  WriteBytes(dir / "a.ini", "[A]\r\nx=1\r\n\r\n[B]\r\ny=2");  // no line end at the very end
+  WriteIniValue(dir / "a.ini", "A", "z", "3");
+  WriteIniValue(dir / "a.ini", "B", "w", "4");
+  WriteIniValue(dir / "a.ini", "C", "v", "");
+  EXPECT_EQ(ReadBytes(dir / "a.ini"), "[A]\r\nx=1\r\nz=3\r\n\r\n[B]\r\ny=2\r\nw=4\r\n[C]\r\nv=\r\n");
+  WriteIniValue(dir / "new.ini", "S", "k", "v");
+  EXPECT_EQ(ReadBytes(dir / "new.ini"), "[S]\r\nk=v\r\n");
+}
+
+TEST(IniWrite, JapaneseNamesRoundTripInShiftJis) {
+  TempDir dir;
+  // "ゾーン" holds the bytes 0x5D and 0x5B (']' and '[') as trail bytes, "表示" holds 0x5C.
+  WriteIniValue(dir / "j.ini", "ゾーン", "表示", "値");
+  EXPECT_EQ(ReadBytes(dir / "j.ini"), "[\x83\x5d\x81\x5b\x83\x93]\r\n\x95\x5c\x8e\xa6=\x92\x6c\r\n");
+  EXPECT_EQ(ReadIniValue(dir / "j.ini", "ゾーン", "表示"), "値");
+  WriteIniValue(dir / "j.ini", "ゾーン", "表示", "長");
+  EXPECT_EQ(ReadBytes(dir / "j.ini"), "[\x83\x5d\x81\x5b\x83\x93]\r\n\x95\x5c\x8e\xa6=\x92\xb7\r\n");
+}
+
+TEST(IniBadInput, BytesThatAreNotShiftJisNameFileAndLineAndWritingKeepsTheFile) {
+  TempDir dir;
+  const std::string broken = "[A]\r\nx=\x81\r\n";  // a lead byte with no trail byte
+  WriteBytes(dir / "bad.ini", broken);
+  try {
+    IniDocument::Load(dir / "bad.ini");
+    FAIL();
+  } catch (const LegacyError& e) {
+    const std::string what = e.what();
+    EXPECT_NE(what.find("bad.ini"), std::string::npos);
+    EXPECT_NE(what.find("2 行目"), std::string::npos) << what;
+  }
+  EXPECT_THROW(WriteIniValue(dir / "bad.ini", "A", "y", "1"), LegacyError);
+  EXPECT_EQ(ReadBytes(dir / "bad.ini"), broken);
+}
+
+TEST(IniBadInput, FolderInPlaceOfTheFileAndUnwritableTextsAreRefused) {
+  TempDir dir;
+  fs::create_directory(dir / "dir.ini");
+  EXPECT_THROW(ReadIniValue(dir / "dir.ini", "A", "x"), LegacyError);
+  WriteBytes(dir / "a.ini", "[A]\r\nx=1\r\n");
+  EXPECT_THROW(WriteIniValue(dir / "a.ini", "A", "x", "1\r\n[B]"), LegacyError);
+  EXPECT_THROW(WriteIniValue(dir / "a.ini", "A", "k=v", "1"), LegacyError);
+  EXPECT_THROW(WriteIniValue(dir / "a.ini", "A]", "x", "1"), LegacyError);
+  EXPECT_THROW(WriteIniValue(dir / "a.ini", "", "x", "1"), LegacyError);
+  EXPECT_EQ(ReadBytes(dir / "a.ini"), "[A]\r\nx=1\r\n");
+  EXPECT_THROW(WriteIniValue(dir / "no" / "a.ini", "A", "x", "1"), LegacyError);
+}
+
+TEST(IniBadInput, MalformedLinesAreIgnoredAndANulEndsTheValue) {
+  TempDir dir;
+  using namespace std::string_literals;
+  WriteBytes(dir / "m.ini", "orphan=before any section\r\n[broken\r\nk=1\r\n[A]\r\nv=ab\0cd\r\n=nokey\r\n"s);
+  const IniDocument ini = IniDocument::Load(dir / "m.ini");
+  EXPECT_EQ(ini.Get("A", "v"), "ab");
+  EXPECT_EQ(ini.Get("broken", "k"), std::nullopt);
+  EXPECT_EQ(ini.Get("A", ""), std::nullopt);
+}
+
+}  // namespace
+}  // namespace velmora
+
+namespace velmora {
+namespace {
+
+// Lines of a byte string without their endings, for comparing files line by line.
+std::multiset<std::string> LineSet(const std::string& bytes) {
+  std::multiset<std::string> lines;
+  std::size_t start = 0;
+  while (start < bytes.size()) {
+    std::size_t end = bytes.find('\n', start);
+    if (end == std::string::npos) end = bytes.size();
+    std::string line = bytes.substr(start, end - start);
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    lines.insert(line);
+    start = end + 1;
+  }
+  return lines;
+}
+
+TEST(IniProperty, OneWriteChangesOneKeyAndAtMostOneExistingLine) {
+  const std::vector<std::string> sections{"General", "ゾーン", "表示", "a"};
+  const std::vector<std::string> keys{"k", "K2", "長波側境界値", "x"};
+  const std::vector<std::string> values{"1", "", "51.2", "$(AppPath)/値", "a=b"};
+  std::mt19937 random(20240307);
+  auto pick = [&](const std::vector<std::string>& pool) { return pool[random() % pool.size()]; };
+  TempDir dir;
+  for (int round = 0; round < 300; ++round) {
+    std::string text;
+    const int lineCount = static_cast<int>(random() % 12);
+    for (int i = 0; i < lineCount; ++i) {
+      switch (random() % 5) {
+        case 0: text += "[" + pick(sections) + "]"; break;
+        case 1: text += " " + pick(keys) + " = " + pick(values); break;
+        case 2: text += "; " + pick(keys) + "=comment"; break;
+        case 3: text += "no key here"; break;
+        default: break;  // blank line
+      }
+      if (i + 1 < lineCount || random() % 2) text += random() % 2 ? "\r\n" : "\n";
+    }
+    const fs::path path = dir / "p.ini";
+    WriteBytes(path, ToSystemCodePage(text));
+    const IniDocument before = IniDocument::Load(path);
+    const std::string section = pick(sections), key = pick(keys), value = pick(values);
+    WriteIniValue(path, section, key, value);
+    const IniDocument after = IniDocument::Load(path);
+    ASSERT_EQ(after.Get(section, key), value) << text;
+    for (const auto& s : sections)
+      for (const auto& k : keys)
+        if (!(UCase(s) == UCase(section) && k == key)) {
+          ASSERT_EQ(after.Get(s, k), before.Get(s, k)) << text;
+        }
+    // Every old line is still there except, at most, the one that held the key.
+    const auto oldLines = LineSet(ToSystemCodePage(text));
+    auto newLines = LineSet(ReadBytes(path));
+    int lost = 0;
+    for (const auto& line : oldLines) {
+      const auto at = newLines.find(line);
+      if (at == newLines.end()) ++lost;
+      else newLines.erase(at);
+    }
+    ASSERT_LE(lost, 1) << text;
+  }
+}
+
+}  // namespace
+}  // namespace velmora

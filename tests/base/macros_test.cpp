@@ -1,0 +1,71 @@
+#include "base/macros.h"
+
+#include <gtest/gtest.h>
+
+#include "base/app_paths.h"
+
+namespace velmora {
+namespace {
+
+std::tm At(int year, int month, int day, int hour, int minute, int second) {
+  std::tm t{};
+  t.tm_year = year - 1900;
+  t.tm_mon = month - 1;
+  t.tm_mday = day;
+  t.tm_hour = hour;
+  t.tm_min = minute;
+  t.tm_sec = second;
+  return t;
+}
+
+TEST(ReplaceMacro, FirstOccurrenceRegardlessOfCase) {
+  EXPECT_EQ(uReplaceMacro("x_$(profilename)$_y", "$(PROFILENAME)$", "R1"), "x_R1_y");
+  EXPECT_EQ(uReplaceMacro("$(CUTOFF)$-$(CUTOFF)$", "$(CUTOFF)$", "50m"), "50m-$(CUTOFF)$");
+  EXPECT_EQ(uReplaceMacro("$(IRI種別)$.csv", "$(IRI種別)$", "10m"), "10m.csv");
+  EXPECT_EQ(uReplaceMacro("plain", "$(X)$", "v"), "plain");
+}
+
+TEST(ExpandDate, EveryMacroOnceInItsOrder) {
+  const std::tm t = At(2024, 3, 7, 9, 5, 2);
+  EXPECT_EQ(uExpandDate("$(YYYYMMDDHHNNSS)$", t), "20240307090502");
+  EXPECT_EQ(uExpandDate("$(yyyymmdd)$_$(HH)$$(NN)$", t), "20240307_0905");
+  EXPECT_EQ(uExpandDate("$(YYYYMMDDHHNN)$|$(YYYYMMDDHH)$|$(YYYYMM)$|$(YYYY)$", t), "202403070905|2024030709|202403|2024");
+  EXPECT_EQ(uExpandDate("$(DD)$.$(SS)$", t), "07.02");
+  // MM is the month and NN the minute; a second "$(MM)$" stays.
+  EXPECT_EQ(uExpandDate("$(MM)$-$(NN)$-$(MM)$", t), "03-05-$(MM)$");
+}
+
+class PathMacros : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    saved_ = Paths();
+    Paths().AppPath = "/opt/velmora/bin";
+    Paths().UserLocalPath = "/home/u/.local/share/Velmora";
+  }
+  void TearDown() override { Paths() = saved_; }
+  AppPaths saved_;
+};
+
+TEST_F(PathMacros, AbbreviateAppPathFirstAndOnlyAtAFolderBoundary) {
+  EXPECT_EQ(uAbbreviatePathMacro("/opt/velmora/bin/Default.ini"), "$(AppPath)/Default.ini");
+  EXPECT_EQ(uAbbreviatePathMacro("/OPT/Velmora/BIN/a"), "$(AppPath)/a");
+  EXPECT_EQ(uAbbreviatePathMacro("/home/u/.local/share/Velmora/Resource/x"), "$(UserLocalPath)/Resource/x");
+  EXPECT_EQ(uAbbreviatePathMacro("/home/u/.local/share/Velmora"), "$(UserLocalPath)");
+  EXPECT_EQ(uAbbreviatePathMacro("/opt/velmora/binary/x"), "/opt/velmora/binary/x");
+  EXPECT_EQ(uAbbreviatePathMacro("/data/road.erd"), "/data/road.erd");
+  // A user-local tree inside the program's folder is still abbreviated by AppPath, which is tried first.
+  Paths().UserLocalPath = "/opt/velmora/bin/local";
+  EXPECT_EQ(uAbbreviatePathMacro("/opt/velmora/bin/local/x"), "$(AppPath)/local/x");
+}
+
+TEST_F(PathMacros, ExpandOneMacroAndFollowAMovedFolder) {
+  EXPECT_EQ(uExpandPathMacro("$(apppath)/a"), "/opt/velmora/bin/a");
+  EXPECT_EQ(uExpandPathMacro("$(AppPath)/$(UserLocalPath)"), "/opt/velmora/bin/$(UserLocalPath)");
+  const std::string stored = uAbbreviatePathMacro("/home/u/.local/share/Velmora/Project/p.prj");
+  Paths().UserLocalPath = "/mnt/other/Velmora";
+  EXPECT_EQ(uExpandPathMacro(stored), "/mnt/other/Velmora/Project/p.prj");
+  EXPECT_EQ(uExpandPathMacro("/no/macro"), "/no/macro");
+}
+
+}  // namespace
+}  // namespace velmora

@@ -1,0 +1,3 @@
+#pragma once
+// Allowed: an analysis uses the base.
+#include "base/common.h"
