@@ -218,29 +218,6 @@ TEST_F(FftFilterTest, BadLengthsAreLoggedUnderTheSinglePass) {
   EXPECT_FALSE(result.Calculated);
 }
 
-TEST_F(FftFilterTest, DebugTablesAreNumberedAndNamedByTheCutOffs) {
-  Settings().DebugLevel = 1;
-  Array1<double> profile{1, 2, 4, 7, 11, 16, 22, 29};  // N = 8: lengths 8 and 16
-  WaveSeries result, other;
-  ASSERT_TRUE(Single(FilterKind::HiPass, 10, 2, profile, 1.0, result, other));
-  const auto debug = dir_ / "Debug";
-  const auto source = ReadSystemTextLines(debug / "001_FFTフィルタ_収束回数=00_Profile.csv");
-  ASSERT_EQ(source.size(), 9u);
-  EXPECT_EQ(source[0], "No, Profile");
-  EXPECT_EQ(source[8], "8,29.000000");
-
-  const auto mask = ReadSystemTextLines(debug / "002_FFTフィルタ用Filter LongCutFil=10.000  ShrtCutFil=2.000 ( HiPass ).dat");
-  ASSERT_EQ(mask.size(), 16u);
-  EXPECT_EQ(mask[0], "***** ******* *******  0");  // judged at 16 m, not below 10 m
-  EXPECT_EQ(mask[1], "00002 0.06250 16.00000  1");   // own harmonic 16 m, judged at 8 m
-  EXPECT_EQ(mask[15], "00016 0.06250 16.00000  1");
-
-  const auto table = ReadSystemTextLines(debug / "003_FFTフィルタ結果 LongCutFil=10.000  ShrtCutFil=2.000 ( HiPass ).csv");
-  ASSERT_EQ(table.size(), 9u);
-  EXPECT_EQ(table[0], "No, Dist, Profile, Filter[FFT](HiPass), Filter[FFT]_Other, (Prof-FFT1-FFT2)");
-  EXPECT_EQ(table[2].substr(0, 26), "2,1.000,2.000000000000000,");
-}
-
 TEST_F(FftFilterTest, ConvergenceLimitsComeFromTheSettingsFile) {
   Paths().AppPath = dir_.path().string();
   const auto ini = dir_ / "TOLVAVERI.ini";

@@ -117,16 +117,6 @@ TEST_F(FilterTest, MovingAverageKindsCombineTheTwoMeans) {
   EXPECT_THROW(MovingAverageFilter(5, p, 0.5, FilterKind::LowPass, 0, 1.5), LegacyError);
 }
 
-TEST_F(FilterTest, MovingAverageDebugTable) {
-  Settings().DebugLevel = 1;
-  MovingAverageFilter(5, A({1, 2, 4, 7, 11}), 0.5, FilterKind::HiPass, 2, 1.5);
-  const auto lines = ReadSystemTextLines(dir_ / "Debug" / "Filter.csv");
-  ASSERT_EQ(lines.size(), 6u);
-  EXPECT_EQ(lines[0], "No, Dist, Profile, Filter[移動平均](HiPass)");
-  EXPECT_EQ(lines[2], "2,0.500,2.000000000000000,0.250000000000000");
-  EXPECT_TRUE(std::filesystem::exists(dir_ / "Debug" / "観音開きデータ(移動平均フィルター).csv"));
-}
-
 TEST_F(FilterTest, SlopesAndTheProfileRebuiltWithoutSteepOnes) {
   const Array1<double> y = A({0, 1, 3, 3, 2});
   ExpectValues(SlopeSeries(5, y, 0.5, false, 0), {2, 4, 0, -2, 0});

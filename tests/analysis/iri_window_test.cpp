@@ -216,41 +216,5 @@ TEST(CalcIriFilterTest, SecondCallOnTheSameBlockDoesNothing) {
   EXPECT_NE(block.Iri.IriFilterWave.Values, first);
 }
 
-class DebugTables : public ::testing::Test {
- protected:
-  void SetUp() override {
-    saved_ = Paths().DebugPath;
-    Paths().DebugPath = dir_.path().string();
-    Settings().DebugLevel = 1;
-  }
-  void TearDown() override {
-    Settings().DebugLevel = 0;
-    Paths().DebugPath = saved_;
-  }
-  testing::TempDir dir_;
-  std::string saved_;
-};
-
-TEST_F(DebugTables, FilterAndWindowTablesCarryTheirHeadsAndOneLinePerElement) {
-  AnalysisBlock block = MakeBlock(Wave(48, 20, 4.0), 0.25, Wave(48, 8, 1.0));
-  CalcIriFilter(block, GoldenWithWindow(0));
-  CalcIriProfile(block, GoldenWithWindow(2.5), false);
-
-  const auto filter = ReadSystemTextLines(dir_ / "IRI_Filter.csv");
-  ASSERT_EQ(filter.size(), 48u);
-  EXPECT_EQ(filter[0], "No, IRI Filter(10m)");
-  EXPECT_EQ(filter[1].substr(0, 2), "1,");
-  EXPECT_EQ(filter[1].size() - filter[1].find('.') - 1, 15u);  // "0.000000000000000"
-
-  const auto response = ReadSystemTextLines(dir_ / "IRI_GETPI(2.50m).csv");
-  ASSERT_EQ(response.size(), 48u);
-  EXPECT_EQ(response[0], "No, IRI_GETPI(*)");
-
-  const auto window = ReadSystemTextLines(dir_ / "IRI(2.50m).csv");
-  ASSERT_EQ(window.size(), 38u);
-  EXPECT_EQ(window[0], "No, Dist, Profile, IRI(10m)");
-  EXPECT_EQ(window[2].substr(0, 8), "2,0.500,");  // distance i·DX in "0.000"
-}
-
 }  // namespace
 }  // namespace velmora

@@ -136,19 +136,5 @@ TEST_F(MirrorExtendTest, ASingleSampleProfileIsLoggedUnderTheProcedureName) {
   EXPECT_EQ(ui_.Messages().size(), 2u);
 }
 
-TEST_F(MirrorExtendTest, DebugLevelWritesTheFoldTable) {
-  Settings().DebugLevel = 1;
-  Array1<double> dest;
-  std::int32_t count = 0;
-  MirrorExtend(true, 1, 3, A({1, 2, 4}), count, dest);
-  MirrorExtend(false, 1, 3, A({1, 2, 4}), count, dest, "観音開きデータ(移動平均フィルター).csv");
-  EXPECT_EQ(testing::ReadBytes(dir_ / "Debug" / "観音開きデータ.csv"),
-            ToSystemCodePage("No, 観音開個数折り返し個数 = 1\r\n"
-                             "1,0.000000000000000\r\n2,1.000000000000000\r\n3,2.000000000000000\r\n"
-                             "4,4.000000000000000\r\n5,6.000000000000000\r\n"));
-  EXPECT_EQ(ReadSystemTextLines(dir_ / "Debug" / "観音開きデータ(移動平均フィルター).csv")[5],
-            "5,2.000000000000000");
-}
-
 }  // namespace
 }  // namespace velmora

@@ -407,27 +407,6 @@ TEST_F(OctaveTest, EmptyOctaveStopsThePeelingAndKeepsTheStoredBands) {
   EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
 }
 
-TEST_F(OctaveTest, DebugTablesShowMasksProfileAndRemainder) {
-  Settings().DebugLevel = 1;
-  ProfileRecord record = MakeRecord(RoughProfile(300, 0.1), 0.1);
-  ASSERT_TRUE(DecomposeProfile(record, false));
-  const auto debug = dir_.path() / "Debug";
-  const auto masks = ReadSystemTextLines(debug / "BandFilter.dat");
-  EXPECT_EQ(masks.size(), 1u + 1024u);  // FftLength2 of 300 samples
-  const auto profile = ReadSystemTextLines(debug / "Profile.csv");
-  EXPECT_EQ(profile.size(), 301u);
-  const auto sums = ReadSystemTextLines(debug / "002_FFT_(0)_収束回数=00_[OCT1～OCT9].csv");
-  ASSERT_EQ(sums.size(), 301u);
-  EXPECT_EQ(sums[0],
-            "No, Profile, OCT-1, OCT-2, OCT-3, OCT-4, OCT-5, OCT-6, OCT-7, OCT-8, OCT-9, SUM(OCT1:OCT9), "
-            "Abs(Profile-SUM)");
-  for (std::size_t row = 1; row < sums.size(); ++row) {
-    const std::string remainder = sums[row].substr(sums[row].rfind(',') + 1);
-    EXPECT_LT(std::stod(remainder), 1e-9) << sums[row];
-  }
-  EXPECT_TRUE(std::filesystem::exists(debug / "001_FFT_(0)_収束回数=00_Profile.csv"));
-}
-
 TEST_F(OctaveTest, MeasuredProfileSumsBack) {
   const auto file = testing::SharedDataDir() / "derived" / "profile_1_derived_mm.erd";
   if (!std::filesystem::exists(file)) GTEST_SKIP() << "shared data absent";

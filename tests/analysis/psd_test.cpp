@@ -213,21 +213,6 @@ TEST_F(PsdTest, RatioOfTwoSpectraByHand) {
   EXPECT_EQ(ui_.Messages().size(), 1u);
 }
 
-TEST_F(PsdTest, DebugTablesUnderTheSwitch) {
-  Paths().DebugSwitch = true;
-  std::int32_t count = 0;
-  std::vector<PsdPair> pairs;
-  ASSERT_TRUE(PsdSmooth(100, Array1<double>(Wavy(100)), 0.1, kWindowHanning, true, 3, count, pairs));
-  const auto psd = ReadSystemTextLines(dir_.path() / "Debug" / "PSD.csv");
-  ASSERT_EQ(psd.size(), 129u);
-  EXPECT_EQ(psd[0], "No, Profile, 窓関数, Profile*窓関数, ABS(FFT), PSD値, f(Hz)");
-  EXPECT_EQ(psd[1].substr(0, 2), "1,");
-  const auto smooth = ReadSystemTextLines(dir_.path() / "Debug" / "PSD平滑化.csv");
-  ASSERT_EQ(smooth.size(), 65u);  // h = 64 rows
-  EXPECT_EQ(smooth[0], "No, WN, PSD, WN比, WN比判定, 平滑化WN(X軸), B-Start, 自至内最小行, 平滑化PSD(Y軸)");
-  EXPECT_EQ(smooth[64].substr(smooth[64].size() - 3), ",,,");  // behind the smoothed rows
-}
-
 ProfileRecord MakeRecord(const std::string& name, const std::vector<double>& x, double dx) {
   ProfileRecord record;
   record.FileName = name;
