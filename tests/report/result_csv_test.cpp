@@ -22,24 +22,23 @@ TEST(PositionAxis, ZeroBasedAndKpForwardAndBackward) {
 }
 
 TEST(ResultCsv, DistanceAndSectionHeadsFollowTheSetting) {
-  std::string line;
-  WriteDistanceHeader(line, PositionAxis{}, false);
-  EXPECT_EQ(line, "Distance(m), ");
-  line.clear();
-  WriteDistanceHeader(line, {PositionMode::Kp, KpUnit::Km, false}, false);
-  EXPECT_EQ(line, "Distance(KP), ");
-  line.clear();
-  WriteDistanceHeader(line, {PositionMode::Kp, KpUnit::Km, false}, true);
-  EXPECT_EQ(line, "Distance(km), ");
-  line.clear();
-  WriteDistanceHeader(line, {PositionMode::Kp, KpUnit::M, false}, true);
-  EXPECT_EQ(line, "Distance(m), ");
-  line.clear();
-  WriteSectionHeader(line, {PositionMode::Kp, KpUnit::Km, false});
-  EXPECT_EQ(line, "Start(KP), End(KP), Mid(KP), ");
-  line.clear();
-  WriteSectionHeader(line, PositionAxis{});
-  EXPECT_EQ(line, "Start(m), End(m), Mid(m), ");
+  const PositionAxis kpKm{PositionMode::Kp, KpUnit::Km, false}, kpM{PositionMode::Kp, KpUnit::M, false};
+  auto distance = [](const PositionAxis& axis, bool unitInHead) {
+    std::string line;
+    WriteDistanceHeader(line, axis, unitInHead);
+    return line;
+  };
+  auto section = [](const PositionAxis& axis) {
+    std::string line;
+    WriteSectionHeader(line, axis);
+    return line;
+  };
+  EXPECT_EQ(distance(PositionAxis{}, false), "Distance(m), ");
+  EXPECT_EQ(distance(kpKm, false), "Distance(KP), ");
+  EXPECT_EQ(distance(kpKm, true), "Distance(km), ");
+  EXPECT_EQ(distance(kpM, true), "Distance(m), ");
+  EXPECT_EQ(section(kpKm), "Start(KP), End(KP), Mid(KP), ");
+  EXPECT_EQ(section(PositionAxis{}), "Start(m), End(m), Mid(m), ");
 }
 
 TEST(ResultCsv, NumberFormatsAndTheNullRule) {
