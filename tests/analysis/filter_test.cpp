@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <vector>
 
 #include "analysis/fft.h"
@@ -11,9 +10,8 @@
 #include "analysis/slope_filter.h"
 #include "base/app_paths.h"
 #include "base/legacy_error.h"
-#include "base/settings.h"
-#include "base/text_encoding.h"
 #include "profile/profile_record.h"
+#include "support/error_of.h"
 #include "support/scratch_paths.h"
 #include "support/test_support.h"
 
@@ -52,7 +50,7 @@ FilterSpec MakeFilter(FilterCalcType type, FilterKind band, double longCut, doub
 
 using FilterTest = testing::ScratchPathsTest;
 
-TEST_F(FilterTest, MovingAverageMatchesHandSums) {
+TEST_F(FilterTest, MovingAverageMatchesHandSumsAndRefusesWindowsItCannotUse) {
   const Array1<double> source = A({1, 2, 4, 7, 11});
   Array1<double> high, mean;
   // Window 3 folds one sample: ext = (0, 1, 2, 4, 7, 11, 15), centred means.
@@ -69,6 +67,11 @@ TEST_F(FilterTest, MovingAverageMatchesHandSums) {
   MovingAverageSplit(2, 5, source, high, mean);
   ExpectValues(mean, {1.5, 3, 5.5, 9, 0});
   ExpectValues(high, {-0.5, -1, -1.5, -2, 0});
+
+  using testing::ErrorOf;
+  EXPECT_EQ(ErrorOf([&] { MovingAverageSplit(0, 5, source, high, mean); }), ErrorNumber::DivisionByZero);
+  // A fold of 5 reaches beyond 5 samples.
+  EXPECT_EQ(ErrorOf([&] { MovingAverageSplit(11, 5, source, high, mean); }), ErrorNumber::SubscriptOutOfRange);
 }
 
 TEST_F(FilterTest, MovingAverageOfARampShowsWhereAnEvenWindowStands) {
@@ -82,37 +85,15 @@ TEST_F(FilterTest, MovingAverageOfARampShowsWhereAnEvenWindowStands) {
   EXPECT_EQ(mean[200], 0.0);
 }
 
-TEST_F(FilterTest, MovingAverageRefusesWindowsItCannotUse) {
-  const Array1<double> source = A({1, 2, 4, 7, 11});
-  Array1<double> high, mean;
-  try {
-    MovingAverageSplit(0, 5, source, high, mean);
-    FAIL();
-  } catch (const LegacyError& error) {
-    EXPECT_EQ(error.Number(), ErrorNumber::DivisionByZero);
-  }
-  try {
-    MovingAverageSplit(11, 5, source, high, mean);  // a fold of 5 reaches beyond 5 samples
-    FAIL();
-  } catch (const LegacyError& error) {
-    EXPECT_EQ(error.Number(), ErrorNumber::SubscriptOutOfRange);
-  }
-}
-
 TEST_F(FilterTest, MovingAverageKindsCombineTheTwoMeans) {
-  // dx 0.5: long 2 m → window 4, short 1.5 m → window 3 (means from the hand sums above).
+  // dx 0.5: long 2 m → window 4, short 1.5 m → window 3, means m4 = (0.25, 1.75, 3.5, 6, 9.25) and
+  // m3 = (1, 7/3, 13/3, 22/3, 11) from the hand sums above. HiPass p − m4, LowPass m3, BandPass
+  // m3 − m4, BandCut p − (m3 − m4).
   const Array1<double> p = A({1, 2, 4, 7, 11});
-  const std::vector<double> m1{0.25, 1.75, 3.5, 6, 9.25}, m2{1, 7.0 / 3, 13.0 / 3, 22.0 / 3, 11};
-  std::vector<double> high, band, cut;
-  for (std::size_t i = 0; i < 5; ++i) {
-    high.push_back(p[static_cast<std::ptrdiff_t>(i + 1)] - m1[i]);
-    band.push_back(m2[i] - m1[i]);
-    cut.push_back(p[static_cast<std::ptrdiff_t>(i + 1)] - (m2[i] - m1[i]));
-  }
-  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::HiPass, 2, 1.5), high);
-  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::LowPass, 2, 1.5), m2);
-  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::BandPass, 2, 1.5), band);
-  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::BandCut, 2, 1.5), cut);
+  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::HiPass, 2, 1.5), {0.75, 0.25, 0.5, 1, 1.75});
+  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::LowPass, 2, 1.5), {1, 7.0 / 3, 13.0 / 3, 22.0 / 3, 11});
+  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::BandPass, 2, 1.5), {0.75, 7.0 / 12, 5.0 / 6, 4.0 / 3, 1.75});
+  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::BandCut, 2, 1.5), {0.25, 17.0 / 12, 19.0 / 6, 17.0 / 3, 9.25});
   // LowPass still splits with the long cut-off first: left blank (0) it fails there.
   EXPECT_THROW(MovingAverageFilter(5, p, 0.5, FilterKind::LowPass, 0, 1.5), LegacyError);
 }
@@ -126,35 +107,10 @@ TEST_F(FilterTest, SlopesAndTheProfileRebuiltWithoutSteepOnes) {
   ExpectValues(SlopeSeries(5, y, 0.5, true, 2), {0, 0, 0, 0, 0});
   // A cut above every slope gives the profile back.
   ExpectValues(SlopeSeries(5, y, 0.5, true, 10), {0, 1, 3, 3, 2});
-}
-
-TEST_F(FilterTest, SlopeFilterKeepsItsSampleLimit) {
-  Array1<double> y(32768);
-  EXPECT_NO_THROW(SlopeSeries(32767, y, 0.1, false, 0));
-  try {
-    SlopeSeries(32768, y, 0.1, false, 0);
-    FAIL();
-  } catch (const LegacyError& error) {
-    EXPECT_EQ(error.Number(), ErrorNumber::Overflow);
-  }
-}
-
-TEST_F(FilterTest, ShortNamesAndLegendTexts) {
-  const char* ma[] = {"MAHP", "MALP", "MABP", "MABC"};
-  const char* ft[] = {"FTHP", "FTLP", "FTBP", "FTBC"};
-  const char* text[] = {"HiPass", "LowPass", "BandPass", "BandCut"};
-  for (int k = 0; k < 4; ++k) {
-    const auto band = static_cast<FilterKind>(k);
-    EXPECT_EQ(FilterShortName(MakeFilter(FilterCalcType::MovingAverage, band, 1, 1)), ma[k]);
-    EXPECT_EQ(FilterShortName(MakeFilter(FilterCalcType::Fourier, band, 1, 1)), ft[k]);
-    EXPECT_EQ(FilterLegendText(MakeFilter(FilterCalcType::Fourier, band, 1, 1)), text[k]);
-  }
-  FilterSpec slope = MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 1, 1);
-  EXPECT_EQ(FilterShortName(slope), "Slope");
-  slope.SlopeMode = true;
-  EXPECT_EQ(FilterShortName(slope), "SLHC");
-  EXPECT_EQ(FilterShortName(MakeFilter(FilterCalcType::Iri, FilterKind::BandCut, 1, 1)), "IRI");
-  EXPECT_EQ(FilterLegendText(slope), "");
+  // The sample limit of the slope filter.
+  Array1<double> flat(32768);
+  EXPECT_NO_THROW(SlopeSeries(32767, flat, 0.1, false, 0));
+  EXPECT_EQ(testing::ErrorOf([&] { SlopeSeries(32768, flat, 0.1, false, 0); }), ErrorNumber::Overflow);
 }
 
 TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {

@@ -5,10 +5,9 @@
 #include <ostream>
 #include <vector>
 
-#include "base/app_paths.h"
 #include "base/legacy_error.h"
-#include "base/settings.h"
 #include "base/text_encoding.h"
+#include "support/error_of.h"
 #include "support/scratch_paths.h"
 #include "support/test_support.h"
 
@@ -66,59 +65,55 @@ TEST_F(MirrorExtendTest, RefusesFoldsThatReachBeyondTheProfile) {
   const Array1<double> source = A({1, 2, 3});
   Array1<double> dest;
   std::int32_t count = 0;
-  for (std::int32_t fold : {3, -1}) {
-    try {
-      MirrorExtend(true, fold, 3, source, count, dest);
-      FAIL() << "fold " << fold;
-    } catch (const LegacyError& error) {
-      EXPECT_EQ(error.Number(), ErrorNumber::SubscriptOutOfRange);
-    }
-  }
+  for (std::int32_t fold : {3, -1})
+    EXPECT_EQ(testing::ErrorOf([&] { MirrorExtend(true, fold, 3, source, count, dest); }),
+              ErrorNumber::SubscriptOutOfRange) << fold;
   EXPECT_THROW(MirrorExtend(true, 1, 4, source, count, dest), LegacyError);  // n past the array
 }
 
-TEST_F(MirrorExtendTest, FilterExtensionOfAPowerOfTwoIsACopyThenAHalfFold) {
-  Array1<double> dest;
-  std::int32_t offset = -1;
-  ASSERT_TRUE(subFFT計算用_観音開き作成(4, 4, 8, A({1, 5, 2, 8}), offset, dest));
-  EXPECT_EQ(offset, 2);
-  EXPECT_EQ(dest, A({2, 5, 1, 5, 2, 8, 2, 5}));
+// The extensions for a transform: the samples, where they start, and the whole extended array.
+struct Extension {
+  const char* what;
+  bool forPsd;  // only the point fold to length1; else the filter's to length2
+  std::vector<double> source;
+  std::int32_t length1, length2, offset;
+  std::vector<double> extended;
+};
+
+std::vector<double> Squares(int n) {
+  std::vector<double> v;
+  for (int i = 1; i <= n; ++i) v.push_back(i * i);
+  return v;
 }
 
-TEST_F(MirrorExtendTest, FilterExtensionSharesTheSurplusLargerPartLeft) {
-  Array1<double> dest;
-  std::int32_t offset = 0;
-  // N = 5: d = 3, a = 2, b = 1. Work (−2, 0, 1, 2, 4, 7, 11, 15) after the cut, then 4 each side.
-  ASSERT_TRUE(subFFT計算用_観音開き作成(5, 8, 16, A({1, 2, 4, 7, 11}), offset, dest));
-  EXPECT_EQ(offset, 6);
-  EXPECT_EQ(dest, A({4, 2, 1, 0, -2, 0, 1, 2, 4, 7, 11, 15, 11, 7, 4, 2}));
-
-  // N = 7: d = 1, round(0.5) = 0, exchanged to one sample left and none right.
-  ASSERT_TRUE(subFFT計算用_観音開き作成(7, 8, 16, A({0, 1, 3, 6, 10, 15, 21}), offset, dest));
-  EXPECT_EQ(offset, 5);
-  EXPECT_EQ(dest, A({6, 3, 1, 0, -1, 0, 1, 3, 6, 10, 15, 21, 15, 10, 6, 3}));
-
-  // N = 11: d = 5, round(2.5) = 2, exchanged to 3 left and 2 right; work is
-  // (2 − 16, 2 − 9, 2 − 4, 1, 4, …, 121, 242 − 100, 242 − 81).
-  Array1<double> squares(11);
-  for (int i = 1; i <= 11; ++i) squares[i] = i * i;
-  ASSERT_TRUE(subFFT計算用_観音開き作成(11, 16, 32, squares, offset, dest));
-  EXPECT_EQ(offset, 11);
-  EXPECT_EQ(dest, A({36, 25, 16, 9, 4, 1, -2, -7, -14, -7, -2, 1, 4, 9, 16, 25,
-                     36, 49, 64, 81, 100, 121, 142, 161, 142, 121, 100, 81, 64, 49, 36, 25}));
+TEST_F(MirrorExtendTest, ExtensionsForTheTransformsByHand) {
+  const Extension cases[] = {
+      {"filter, a power of two: a copy then a half fold", false, {1, 5, 2, 8}, 4, 8, 2, {2, 5, 1, 5, 2, 8, 2, 5}},
+      // N = 5: d = 3, a = 2, b = 1. Work (−2, 0, 1, 2, 4, 7, 11, 15) after the cut, then 4 each side.
+      {"filter, the larger part of the surplus left", false, {1, 2, 4, 7, 11}, 8, 16, 6,
+       {4, 2, 1, 0, -2, 0, 1, 2, 4, 7, 11, 15, 11, 7, 4, 2}},
+      // N = 7: d = 1, round(0.5) = 0, exchanged to one sample left and none right.
+      {"filter, a surplus of one goes left", false, {0, 1, 3, 6, 10, 15, 21}, 8, 16, 5,
+       {6, 3, 1, 0, -1, 0, 1, 3, 6, 10, 15, 21, 15, 10, 6, 3}},
+      // N = 11: d = 5, round(2.5) = 2, exchanged to 3 left and 2 right; work is
+      // (2 − 16, 2 − 9, 2 − 4, 1, 4, …, 121, 242 − 100, 242 − 81).
+      {"filter, round half to even exchanged", false, Squares(11), 16, 32, 11,
+       {36, 25, 16, 9, 4, 1, -2, -7, -14, -7, -2, 1, 4, 9, 16, 25,
+        36, 49, 64, 81, 100, 121, 142, 161, 142, 121, 100, 81, 64, 49, 36, 25}},
+      {"psd, the point fold only", true, {1, 2, 4, 7, 11}, 8, 0, 2, {-2, 0, 1, 2, 4, 7, 11, 15}},
+      {"psd, a power of two as it is", true, {3, 1, 4, 1}, 4, 0, 0, {3, 1, 4, 1}},
+  };
+  for (const Extension& c : cases) {
+    SCOPED_TRACE(c.what);
+    const auto n = static_cast<std::int32_t>(c.source.size());
+    Array1<double> dest;
+    std::int32_t offset = -1;
+    ASSERT_TRUE(c.forPsd ? subPSD計算用_観音開き作成(n, c.length1, A(c.source), offset, dest)
+                         : subFFT計算用_観音開き作成(n, c.length1, c.length2, A(c.source), offset, dest));
+    EXPECT_EQ(offset, c.offset);
+    EXPECT_EQ(dest, A(c.extended));
+  }
   EXPECT_TRUE(ui_.Messages().empty());
-}
-
-TEST_F(MirrorExtendTest, PsdExtensionIsOnlyThePointFold) {
-  Array1<double> dest;
-  std::int32_t offset = 0;
-  ASSERT_TRUE(subPSD計算用_観音開き作成(5, 8, A({1, 2, 4, 7, 11}), offset, dest));
-  EXPECT_EQ(offset, 2);
-  EXPECT_EQ(dest, A({-2, 0, 1, 2, 4, 7, 11, 15}));
-
-  ASSERT_TRUE(subPSD計算用_観音開き作成(4, 4, A({3, 1, 4, 1}), offset, dest));
-  EXPECT_EQ(offset, 0);
-  EXPECT_EQ(dest, A({3, 1, 4, 1}));
 }
 
 TEST_F(MirrorExtendTest, ASingleSampleProfileIsLoggedUnderTheProcedureName) {
