@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <filesystem>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -14,31 +13,22 @@
 #include "base/app_paths.h"
 #include "base/text_encoding.h"
 #include "profile/profile_record.h"
+#include "support/scratch_paths.h"
 #include "support/test_support.h"
 
 namespace velmora {
 namespace {
 
 using testing::ScriptedUi;
-using testing::TempDir;
 
 constexpr double kPsdPi = 3.14159265358979;  // the factor of the PSD's definition
 
-class PsdTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    saved_ = Paths();
-    Paths().TempPath = dir_.path().string();
-    Paths().DebugPath = (dir_.path() / "Debug").string();
-    Paths().DebugSwitch = false;
-  }
-  void TearDown() override { Paths() = saved_; }
-  TempDir dir_;
-  ScriptedUi ui_;
+using PsdTest = testing::ScratchPathsTest;
 
- private:
-  AppPaths saved_;
-};
+void ExpectValues(const std::vector<double>& actual, const std::vector<double>& expected, double tolerance) {
+  ASSERT_EQ(actual.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(actual[i], expected[i], tolerance) << i;
+}
 
 Array1<double> Psd(const std::vector<double>& x, double dx, int window, bool mirror) {
   Array1<double> out;
@@ -56,11 +46,9 @@ TEST(PsdWindow, HanningAndHammingByHand) {
   // n = 5: t = 0, π/2, π, 3π/2, 2π, so cos t = 1, 0, −1, 0, 1.
   std::vector<double> w(5);
   MakeWindow(false, w);
-  const std::vector<double> hanning = {0, 0.5, 1, 0.5, 0};
-  for (int i = 0; i < 5; ++i) EXPECT_NEAR(w[static_cast<std::size_t>(i)], hanning[static_cast<std::size_t>(i)], 1e-13);
+  ExpectValues(w, {0, 0.5, 1, 0.5, 0}, 1e-13);
   MakeWindow(true, w);
-  const std::vector<double> hamming = {0.08, 0.54, 1, 0.54, 0.08};
-  for (int i = 0; i < 5; ++i) EXPECT_NEAR(w[static_cast<std::size_t>(i)], hamming[static_cast<std::size_t>(i)], 1e-13);
+  ExpectValues(w, {0.08, 0.54, 1, 0.54, 0.08}, 1e-13);
   std::vector<double> three(3);
   MakeWindow(false, three);  // t = 0, π, 2π
   EXPECT_NEAR(three[1], 1.0, 1e-15);
@@ -77,12 +65,8 @@ TEST(PsdWindow, SmallStatistics) {
 }
 
 TEST(PsdCalc, LengthIsTheNextPowerOfTwoFromFour) {
-  EXPECT_EQ(PsdLength(1), 4);
-  EXPECT_EQ(PsdLength(2), 4);
-  EXPECT_EQ(PsdLength(3), 4);
-  EXPECT_EQ(PsdLength(5), 8);
-  EXPECT_EQ(PsdLength(1024), 1024);
-  EXPECT_EQ(PsdLength(1025), 2048);
+  for (const auto& [n, length] : {std::pair{1, 4}, {2, 4}, {3, 4}, {5, 8}, {1024, 1024}, {1025, 2048}})
+    EXPECT_EQ(PsdLength(n), length) << n;
 }
 
 TEST_F(PsdTest, ImpulseByHand) {
@@ -148,6 +132,14 @@ Array1<double> Ramp(int n2) {
   return p;
 }
 
+void ExpectPairs(const std::vector<PsdPair>& actual, const std::vector<PsdPair>& expected) {
+  ASSERT_GE(actual.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    EXPECT_NEAR(actual[i].Wn, expected[i].Wn, 1e-15) << i;
+    EXPECT_NEAR(actual[i].Val, expected[i].Val, 1e-12) << i;
+  }
+}
+
 TEST(PsdSmooth, OneBandPerOctaveByHand) {
   // n2 = 64 at 1 m: df = 1/64, h = 32, raw rows T(k) = (k/64, P(k + 1)) for k = 1..31, T(32) = (0, 0).
   // R = 2: no raw step ratio k/(k−1) is above 2, so the grid doubles: 1, 2, 4, 8, 16, 32, 64 (/64),
@@ -156,24 +148,18 @@ TEST(PsdSmooth, OneBandPerOctaveByHand) {
   // With P(i) = i: 2; mean P(3) = 3; mean P(4..6) = 5; mean P(7..12) = 9.5; mean P(13..23) = 18;
   // rows 23..32 hold P(24..32) and the empty last row: 252 / 10 = 25.2.
   const std::vector<PsdPair> smooth = SmoothPsdValues(Ramp(64), 64, 1.0, 1);
-  const std::vector<PsdPair> expected = {{1.0 / 64, 2},   {2.0 / 64, 3},   {4.0 / 64, 5},
-                                         {8.0 / 64, 9.5}, {16.0 / 64, 18}, {32.0 / 64, 25.2}};
-  ASSERT_EQ(smooth.size(), expected.size());
-  for (std::size_t i = 0; i < expected.size(); ++i) {
-    EXPECT_NEAR(smooth[i].Wn, expected[i].Wn, 1e-15) << i;
-    EXPECT_NEAR(smooth[i].Val, expected[i].Val, 1e-12) << i;
-  }
+  EXPECT_EQ(smooth.size(), 6u);
+  ExpectPairs(smooth, {{1.0 / 64, 2}, {2.0 / 64, 3}, {4.0 / 64, 5}, {8.0 / 64, 9.5}, {16.0 / 64, 18}, {32.0 / 64, 25.2}});
 }
 
 TEST(PsdSmooth, LowEndFollowsTheRawPointsWhileTheirStepIsCoarser) {
   // R = 2^(1/12) ≈ 1.0595: k/(k−1) > R for k ≤ 17, so the first 17 points are the raw ones; the 18th is
   // R times the 17th.
   const std::vector<PsdPair> smooth = SmoothPsdValues(Ramp(256), 256, 1.0, 12);
+  std::vector<PsdPair> raw;
+  for (int k = 1; k <= 17; ++k) raw.push_back({k / 256.0, k + 1.0});
+  ExpectPairs(smooth, raw);
   ASSERT_GT(smooth.size(), 18u);
-  for (int k = 1; k <= 17; ++k) {
-    EXPECT_NEAR(smooth[static_cast<std::size_t>(k - 1)].Wn, k / 256.0, 1e-15) << k;
-    EXPECT_NEAR(smooth[static_cast<std::size_t>(k - 1)].Val, k + 1.0, 1e-12) << k;
-  }
   EXPECT_NEAR(smooth[17].Wn, std::pow(2.0, 1.0 / 12) * 17 / 256, 1e-15);
   EXPECT_LE(smooth.back().Wn, 0.5);
 }
@@ -196,10 +182,7 @@ TEST_F(PsdTest, RatioOfTwoSpectraByHand) {
   std::vector<PsdPair> pairs;
   ASSERT_TRUE(PsdRatioRaw(4, Array1<double>({9, 4, 1, 16}), 4, Array1<double>({1, 16, 9, 4}), 0.5, count, pairs));
   ASSERT_EQ(count, 2);
-  EXPECT_DOUBLE_EQ(pairs[0].Wn, 0.5);
-  EXPECT_DOUBLE_EQ(pairs[0].Val, 2.0);  // sqrt(16/4)
-  EXPECT_DOUBLE_EQ(pairs[1].Wn, 1.0);
-  EXPECT_DOUBLE_EQ(pairs[1].Val, 3.0);  // sqrt(9/1)
+  ExpectPairs(pairs, {{0.5, 2.0}, {1.0, 3.0}});  // sqrt(16/4), sqrt(9/1)
 
   ASSERT_TRUE(PsdRatioRaw(4, Array1<double>({1, 1, 1, 1}), 8, Array1<double>(std::vector<double>(8, 1.0)), 0.5,
                           count, pairs));

@@ -7,28 +7,18 @@
 #include <vector>
 
 #include "base/legacy_error.h"
+#include "support/error_of.h"
+#include "support/profile_fixture.h"
 
 namespace velmora {
 namespace {
 
-std::vector<double> Wavy(int n, double phase = 0) {
-  std::vector<double> v(static_cast<std::size_t>(n));
-  for (int i = 0; i < n; ++i) v[static_cast<std::size_t>(i)] = std::sin(0.37 * i + phase) + 0.002 * i * i / n;
-  return v;
-}
+using testing::ErrorOf;
+using testing::Road;
 
-ErrorNumber ErrorOf(auto&& call) {
-  try {
-    call();
-  } catch (const LegacyError& error) {
-    return error.Number();
-  }
-  return ErrorNumber::InvalidData;  // nothing raised
-}
-
-TEST(CrossCorrelatePair, IdenticalSeriesGiveNMinusOneOverNAtShiftZeroAndRatioOne) {
+TEST(CrossCorrelatePair, ASeriesWithItselfPeaksAtZeroAndALaggedOneAtItsLag) {
   const int n = 200;
-  const std::vector<double> a = Wavy(n);
+  const std::vector<double> a = Road(n);
   const CorrelationCell cell = CrossCorrelatePair(n, a, a, 10);
   // sd divides by n - 1 and rho by n: S(0) = (n-1) sd^2, so rho = (n-1)/n, not 1.
   EXPECT_NEAR(cell.Peak(CorrelationRow::Rho).Value, 199.0 / 200.0, 1e-12);
@@ -37,20 +27,13 @@ TEST(CrossCorrelatePair, IdenticalSeriesGiveNMinusOneOverNAtShiftZeroAndRatioOne
   EXPECT_NEAR(cell.Peak(CorrelationRow::Agreement).Value, 199.0 / 200.0, 1e-12);
   EXPECT_NEAR(cell.Peak(CorrelationRow::OverDeviations).Value, 199.0, 1e-9);
   EXPECT_TRUE(cell.Computed);
-}
 
-TEST(CrossCorrelatePair, FeatureThreeSamplesLaterInBGivesShiftThree) {
-  const int n = 300;
-  const std::vector<double> f = Wavy(n + 3, 0.5);
-  const std::vector<double> a(f.begin() + 3, f.end());  // a[i] = f(i + 3)
-  const std::vector<double> b(f.begin(), f.end() - 3);  // b[i] = f(i): a's feature 3 samples later in b
-  for (int i = 0; i + 3 < n; ++i) ASSERT_EQ(a[static_cast<std::size_t>(i)], b[static_cast<std::size_t>(i + 3)]);
-  const CorrelationCell ab = CrossCorrelatePair(n, a, b, 20);
+  // Road(n, 3)[k] = Road(n)[k + 3]: a's feature lies 3 samples later in b; the other way round -3.
+  const std::vector<double> early = Road(300, 3), late = Road(300);
+  const CorrelationCell ab = CrossCorrelatePair(300, early, late, 20);
   EXPECT_EQ(ab.Peak(CorrelationRow::Rho).Shift, 3);
   EXPECT_EQ(ab.Peak(CorrelationRow::Agreement).Shift, 3);
-  // Taken the other way round the same lag is -3.
-  const CorrelationCell ba = CrossCorrelatePair(n, b, a, 20);
-  EXPECT_EQ(ba.Peak(CorrelationRow::Rho).Shift, -3);
+  EXPECT_EQ(CrossCorrelatePair(300, late, early, 20).Peak(CorrelationRow::Rho).Shift, -3);
 }
 
 TEST(CrossCorrelatePair, EqualPeaksReportTheMostNegativeShiftWithHandValues) {
@@ -72,12 +55,12 @@ TEST(CrossCorrelatePair, EqualPeaksReportTheMostNegativeShiftWithHandValues) {
 
 TEST(CrossCorrelatePair, ConstantSeriesAndLimitsFailThroughTheErrorPath) {
   const std::vector<double> flat(50, 3.0);
-  const std::vector<double> wavy = Wavy(50);
+  const std::vector<double> wavy = Road(50);
   EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(50, flat, wavy, 5); }), ErrorNumber::DivisionByZero);
   EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(50, wavy, wavy, 50); }), ErrorNumber::SubscriptOutOfRange);
   EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(60, wavy, wavy, 5); }), ErrorNumber::SubscriptOutOfRange);
   // 2 * 16384 + 1 shifts no longer fit the 16-bit counter; n = 46341 makes n * n pass 2^31 - 1.
-  const std::vector<double> longer = Wavy(46341);
+  const std::vector<double> longer = Road(46341);
   EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(20000, longer, longer, 16384); }), ErrorNumber::Overflow);
   EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(46341, longer, longer, 2); }), ErrorNumber::Overflow);
   EXPECT_NO_THROW(CrossCorrelatePair(46340, longer, longer, 2));

@@ -16,24 +16,12 @@ namespace velmora {
 namespace {
 
 using testing::MakeProfile;
+using testing::Ramp;
+using testing::Road;
 using testing::ListOf;
 using testing::ScriptedUi;
 using testing::Workplace;
 using testing::TempDir;
-
-
-std::vector<double> Ramp(int n) {
-  std::vector<double> v;
-  for (int i = 1; i <= n; ++i) v.push_back(i);
-  return v;
-}
-
-// A rough profile in mm; f(i) for i from `from`.
-std::vector<double> Road(int n, int from = 0) {
-  std::vector<double> v;
-  for (int i = from; i < from + n; ++i) v.push_back(3 * std::sin(0.21 * i) + std::sin(1.3 * i + 0.4 * std::cos(0.05 * i)));
-  return v;
-}
 
 TEST(CheckCorrelationOptions, MessagesInOrderAndTheShiftBoxSelected) {
   ScriptedUi ui;

@@ -8,6 +8,7 @@
 #include "base/app_paths.h"
 #include "base/text_encoding.h"
 #include "evaluation_fixture.h"
+#include "support/profile_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -19,24 +20,14 @@ using testing::Workplace;
 using testing::TempDir;
 using Row = std::vector<std::string>;
 
-ProfileRecord Ramp(const std::string& name, int n, double kp, int kpSign = 0, double scale = 1.0) {
-  ProfileRecord p;
-  p.FileName = name + ".erd";
-  p.Erd.StepSize = 0.25;
-  p.Erd.KpStart = kp;
-  p.Erd.KpSign = kpSign;
-  p.WorkCount = n;
-  p.WorkProfile.assign_zero(n);
-  for (int i = 1; i <= n; ++i) p.WorkProfile[i] = scale * (i + 0.3 * std::sin(1.7 * i));
-  p.SamplesPerMetre = 4.0;
-  return p;
-}
-
-// Ramp values without the ripple, for block means by hand.
+// Rising by 1 mm a sample at 0.25 m; with the ripple for the IRI, without it for block means by hand.
 ProfileRecord PlainRamp(const std::string& name, int n, double kp, int kpSign = 0) {
-  ProfileRecord p = Ramp(name, n, kp, kpSign);
-  for (int i = 1; i <= n; ++i) p.WorkProfile[i] = i;
-  return p;
+  return testing::MakeProfile(name, 0.25, testing::Ramp(n), kp, kpSign);
+}
+ProfileRecord Ramp(const std::string& name, int n, double scale = 1.0) {
+  std::vector<double> v;
+  for (int i = 1; i <= n; ++i) v.push_back(scale * (i + 0.3 * std::sin(1.7 * i)));
+  return testing::MakeProfile(name, 0.25, v, 0.0);
 }
 
 StatisticsSelection MeanOfFullWave() {
@@ -146,7 +137,7 @@ TEST(RunStatistics, TenMetreBlocksOnTheCommonGridUpAndDown) {
 TEST(RunStatistics, IriPagesScaleWithTheProfileAndListTheFixedSections) {
   Workplace place;
   ScriptedUi ui;
-  ProfileList list = ListOf({Ramp("A", 2000, 0.0), Ramp("B", 2000, 0.0, 0, 2.0)});
+  ProfileList list = ListOf({Ramp("A", 2000), Ramp("B", 2000, 2.0)});
   const std::vector<std::int32_t> rows = {1, 2};
   StatisticsSelection s;
   s.IriBands[0] = true;
