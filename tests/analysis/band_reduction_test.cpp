@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -27,36 +29,38 @@ void ExpectNear(const std::vector<double>& actual, const std::vector<double>& ex
   for (std::size_t i = 0; i < actual.size(); ++i) EXPECT_NEAR(actual[i], expected[i], 1e-12) << "sample " << i + 1;
 }
 
-TEST(ReduceHalfWaves, HalfWavesAboveTheLineAreScaledToIt) {
-  // Half-waves: (1, 3, 1) peak 3 → × 2/3; (−1, −4, −2) peak 4 → × 1/2; (0.5) within the line, kept.
-  double lo = 0, hi = 0;
-  ExpectNear(Reduced(2, {1, 3, 1, -1, -4, -2, 0.5}, &lo, &hi), {2.0 / 3, 2, 2.0 / 3, -0.5, -2, -1, 0.5});
-  EXPECT_NEAR(lo, -2, 1e-12);
-  EXPECT_NEAR(hi, 2, 1e-12);
-}
+struct HalfWaves {
+  const char* name;
+  double limit;
+  std::vector<double> wave, reduced;  // the reduced wave's range is its lowest and highest sample
+};
+void PrintTo(const HalfWaves& c, std::ostream* out) { *out << c.name; }
 
-TEST(ReduceHalfWaves, ZeroBelongsToThePositiveHalfWave) {
-  // The 0 splits the negative run in two: (−4) is cut to −1; (0) alone; (−1) equals the line, kept.
-  // Were the 0 negative, one half-wave (−4, 0, −1) would give (−1, 0, −0.25).
-  ExpectNear(Reduced(1, {-4, 0, -1}), {-1, 0, -1});
-}
+class ReduceHalfWavesTest : public ::testing::TestWithParam<HalfWaves> {};
 
-TEST(ReduceHalfWaves, SpecialLimits) {
-  // A wave that never crosses zero is one half-wave.
-  ExpectNear(Reduced(2.5, {1, 5, 2}), {0.5, 2.5, 1});
-  // A peak equal to the line is not above it: left exactly.
-  const std::vector<double> atLine = {0.3, 2, -2, -0.7};
-  EXPECT_EQ(Reduced(2, atLine), atLine);
-  // A line of 0 flattens every half-wave with a non-zero sample.
-  ExpectNear(Reduced(0, {1, -2, 3}), {0, 0, 0});
-  // A negative line takes its peak from every sample and turns the half-wave over.
-  ExpectNear(Reduced(-1, {2, 1}), {-1, -0.5});
-  std::vector<double> empty;
+TEST_P(ReduceHalfWavesTest, ByHand) {
+  const HalfWaves& c = GetParam();
   double lo = 7, hi = 7;
-  ReduceHalfWaves(1, empty, lo, hi);
-  EXPECT_EQ(lo, 0);
-  EXPECT_EQ(hi, 0);
+  ExpectNear(Reduced(c.limit, c.wave, &lo, &hi), c.reduced);
+  EXPECT_NEAR(lo, c.reduced.empty() ? 0 : *std::min_element(c.reduced.begin(), c.reduced.end()), 1e-12);
+  EXPECT_NEAR(hi, c.reduced.empty() ? 0 : *std::max_element(c.reduced.begin(), c.reduced.end()), 1e-12);
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, ReduceHalfWavesTest,
+    ::testing::Values(
+        // Half-waves: (1, 3, 1) peak 3 → × 2/3; (−1, −4, −2) peak 4 → × 1/2; (0.5) within the line, kept.
+        HalfWaves{"AboveTheLineScaledToIt", 2, {1, 3, 1, -1, -4, -2, 0.5}, {2.0 / 3, 2, 2.0 / 3, -0.5, -2, -1, 0.5}},
+        // The 0 splits the negative run in two: (−4) is cut to −1; (0) alone; (−1) equals the line, kept.
+        // Were the 0 negative, one half-wave (−4, 0, −1) would give (−1, 0, −0.25).
+        HalfWaves{"ZeroBelongsToThePositiveSide", 1, {-4, 0, -1}, {-1, 0, -1}},
+        HalfWaves{"NoZeroCrossingIsOneHalfWave", 2.5, {1, 5, 2}, {0.5, 2.5, 1}},
+        HalfWaves{"APeakOnTheLineIsNotAboveIt", 2, {0.3, 2, -2, -0.7}, {0.3, 2, -2, -0.7}},
+        HalfWaves{"ALineOfZeroFlattens", 0, {1, -2, 3}, {0, 0, 0}},
+        // A negative line takes its peak from every sample and turns the half-wave over.
+        HalfWaves{"ANegativeLineTurnsOver", -1, {2, 1}, {-1, -0.5}},
+        HalfWaves{"EmptyHasTheRangeZero", 1, {}, {}}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(RestoreOutsideRange, KeepsOnlyTheHalfWavesThatMeetTheRange) {
   const std::vector<double> original = {1, 2, -1, -3, -1, 2, 4, 2, -1};

@@ -11,45 +11,38 @@
 namespace velmora {
 namespace {
 
-struct Boundary {
-  double kp;
-  std::int32_t count;
-};
-
-Boundary Next(double kp, double dx, std::int32_t length, bool backwards) {
-  Boundary b{};
-  NextSectionBoundary(kp, dx, length, backwards, b.kp, b.count);
-  return b;
-}
-
-TEST(NextSectionBoundaryTest, GridLinesAndSampleCounts) {
-  // 35.3 m at 1 m: first sample rounded up to 36 m; next 10 m line 40 m: 36..40 is 5 samples.
-  EXPECT_DOUBLE_EQ(Next(0.0353, 1.0, 10, false).kp, 0.04);
-  EXPECT_EQ(Next(0.0353, 1.0, 10, false).count, 5);
-  EXPECT_DOUBLE_EQ(Next(0.0353, 1.0, 100, false).kp, 0.1);
-  EXPECT_EQ(Next(0.0353, 1.0, 100, false).count, 65);
-  // 200 m lines lie on even hundreds: 100 is odd, so 200.
-  EXPECT_DOUBLE_EQ(Next(0.0353, 1.0, 200, false).kp, 0.2);
-  // Backwards the line is the one below: 30 m; |30 - 36| / 1 + 1 = 7.
-  EXPECT_DOUBLE_EQ(Next(0.0353, 1.0, 10, true).kp, 0.03);
-  EXPECT_EQ(Next(0.0353, 1.0, 10, true).count, 7);
-  // A KP exactly on a line: the first section holds one sample.
-  EXPECT_DOUBLE_EQ(Next(1.25, 0.01, 10, false).kp, 1.25);
-  EXPECT_EQ(Next(1.25, 0.01, 10, false).count, 1);
-  EXPECT_EQ(Next(1.25, 0.01, 200, false).count, 15001);  // 1250 m to the 1400 m line
-  // No KP counts as 0, which lies on every grid.
-  EXPECT_DOUBLE_EQ(Next(kNoValue, 0.01, 100, false).kp, 0.0);
-  EXPECT_EQ(Next(kNoValue, 0.01, 100, false).count, 1);
-}
-
-TEST(NextSectionBoundaryTest, TwoHundredMetreLineBackwardsFallsOnTheNextLowerEvenHundred) {
-  // 345.6 m backwards: 300, odd hundred, so 200; forwards 400 is already even.
-  EXPECT_DOUBLE_EQ(Next(0.3456, 0.01, 200, true).kp, 0.2);
-  EXPECT_EQ(Next(0.3456, 0.01, 200, true).count, 14561);  // (345.6 - 200) / 0.01 + 1
-  EXPECT_DOUBLE_EQ(Next(0.3456, 0.01, 200, false).kp, 0.4);
-  // 1250 m: the 100 m line is 1300 (odd), so 1400 forwards and 1200 backwards.
-  EXPECT_DOUBLE_EQ(Next(1.25, 0.01, 200, false).kp, 1.4);
-  EXPECT_DOUBLE_EQ(Next(1.25, 0.01, 200, true).kp, 1.2);
+TEST(NextSectionBoundaryTest, GridLinesAndSampleCountsByHand) {
+  struct Case {
+    const char* what;
+    double kp, dx;
+    std::int32_t length;
+    bool backwards;
+    double line;
+    std::int32_t count;
+  };
+  const Case cases[] = {
+      // 35.3 m at 1 m: first sample rounded up to 36 m; next 10 m line 40 m: 36..40 is 5 samples.
+      {"10 m forwards", 0.0353, 1.0, 10, false, 0.04, 5},
+      {"100 m forwards", 0.0353, 1.0, 100, false, 0.1, 65},
+      {"200 m lines lie on even hundreds", 0.0353, 1.0, 200, false, 0.2, 165},
+      // Backwards the line is the one below: 30 m; |30 - 36| / 1 + 1 = 7.
+      {"10 m backwards", 0.0353, 1.0, 10, true, 0.03, 7},
+      {"a KP on a line: one sample", 1.25, 0.01, 10, false, 1.25, 1},
+      // 1250 m: the 100 m line is 1300 (odd), so 1400 forwards and 1200 backwards.
+      {"200 m forwards past an odd hundred", 1.25, 0.01, 200, false, 1.4, 15001},
+      {"200 m backwards past an odd hundred", 1.25, 0.01, 200, true, 1.2, 5001},
+      // 345.6 m backwards: 300, odd hundred, so 200; forwards 400 is already even.
+      {"200 m backwards", 0.3456, 0.01, 200, true, 0.2, 14561},
+      {"200 m forwards on an even hundred", 0.3456, 0.01, 200, false, 0.4, 5441},
+      {"no KP counts as 0, on every grid", kNoValue, 0.01, 100, false, 0.0, 1},
+  };
+  for (const Case& c : cases) {
+    double line = -1;
+    std::int32_t count = -1;
+    NextSectionBoundary(c.kp, c.dx, c.length, c.backwards, line, count);
+    EXPECT_DOUBLE_EQ(line, c.line) << c.what;
+    EXPECT_EQ(count, c.count) << c.what;
+  }
 }
 
 // 250 samples at 1 m from KP 0.0353 km. Response r(i) (signed, alternating) has |r| = 1 up to 64,
