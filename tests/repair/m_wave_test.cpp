@@ -81,10 +81,7 @@ TEST(MWaveStraightening, CrestShapesThatNeedNoSpecialCase) {
     ExpectWave(out.Values, c.expected);
     EXPECT_TRUE(out.Calculated);
   }
-}
-
-TEST(MWaveStraightening, StatisticsOfTheResult) {
-  // M' = 0 2 2 2 2 0: mean 4/3, population deviation sqrt(8/9).
+  // M' = 0 2 2 2 2 0 of the equal crests: mean 4/3, population deviation sqrt(8/9).
   WaveSeries out;
   ASSERT_TRUE(Cal_補修形状_M波の直線化(6, Wave({0, 2, 1, 0, 2, 0}), 0, PlanRange{}, out));
   EXPECT_NEAR(out.Stats.Mean, 4.0 / 3, 1e-12);
@@ -106,21 +103,24 @@ PlanRange PlanOnTenSamples(double startKp, double endKp) {
 const std::vector<double> kTen{5, 1, 0, 2, 1, 0, 3, 1, 0, 4};
 
 TEST(MWaveStraightening, PlanRangeDrawsRunInAndRunOut) {
-  // S = 2, E = 9. Run-in from (2, 1) to (4, 2); run-out from (7, 3) to (9, 0); 1 and 10 keep M.
-  WaveSeries out;
-  ASSERT_TRUE(Cal_補修形状_M波の直線化(10, Wave(kTen), 0, PlanOnTenSamples(0.001, 0.008), out));
-  ExpectWave(out.Values, {5, 1, 1.5, 2, 2 + 1.0 / 3, 2 + 2.0 / 3, 3, 1.5, 0, 4});
-
-  // Without the plan the samples before the first and after the last crest stay M.
-  WaveSeries plain;
-  ASSERT_TRUE(Cal_補修形状_M波の直線化(10, Wave(kTen), 0, PlanRange{}, plain));
-  ExpectWave(plain.Values, {5, 1, 0, 2, 2 + 1.0 / 3, 2 + 2.0 / 3, 3, 1, 0, 4});
-}
-
-TEST(MWaveStraightening, PlanEndNotGivenKeepsTheJoinedWaveAfterTheLastCrest) {
-  WaveSeries out;
-  ASSERT_TRUE(Cal_補修形状_M波の直線化(10, Wave(kTen), 0, PlanOnTenSamples(0.001, MWaveSeed), out));
-  ExpectWave(out.Values, {5, 1, 1.5, 2, 2 + 1.0 / 3, 2 + 2.0 / 3, 3, 1, 0, 4});
+  const struct {
+    const char* what;
+    PlanRange plan;
+    std::vector<double> expected;
+  } cases[] = {
+      // S = 2, E = 9. Run-in from (2, 1) to (4, 2); run-out from (7, 3) to (9, 0); 1 and 10 keep M.
+      {"both ends given", PlanOnTenSamples(0.001, 0.008), {5, 1, 1.5, 2, 2 + 1.0 / 3, 2 + 2.0 / 3, 3, 1.5, 0, 4}},
+      {"no end: the joined wave after the last crest", PlanOnTenSamples(0.001, MWaveSeed),
+       {5, 1, 1.5, 2, 2 + 1.0 / 3, 2 + 2.0 / 3, 3, 1, 0, 4}},
+      {"no plan: M before the first and after the last crest", PlanRange{},
+       {5, 1, 0, 2, 2 + 1.0 / 3, 2 + 2.0 / 3, 3, 1, 0, 4}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    WaveSeries out;
+    ASSERT_TRUE(Cal_補修形状_M波の直線化(10, Wave(kTen), 0, c.plan, out));
+    ExpectWave(out.Values, c.expected);
+  }
 }
 
 TEST(MWaveStraightening, RunInOfZeroLengthEndsInTheErrorLogWithAClearMessage) {

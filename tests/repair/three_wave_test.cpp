@@ -91,11 +91,7 @@ TEST(ThreeWaveSplitOfOneSeries, PartsAddUpToTheProfileAndEachSineLandsInItsWave)
   EXPECT_NEAR(MiddleRms(S.Values), 1 / std::sqrt(2.0), 0.05);
   EXPECT_TRUE(M.Calculated);
   EXPECT_NEAR(M.Stats.Mean, 0, 0.2);
-}
-
-TEST(ThreeWaveSplitOfOneSeries, ReversedBoundariesStillRun) {
-  const ProfileRecord road = ThreeSineProfile();
-  WaveSeries L, M, S;
+  // Reversed boundaries still run.
   EXPECT_TRUE(Cal_補修形状3波分解_SUB(4.0, 51.2, road.WorkCount, 0.25, road.WorkProfile, L, M, S));
   EXPECT_EQ(M.Values.size(), road.WorkCount);
 }
