@@ -11,10 +11,13 @@
 #include "base/app_paths.h"
 #include "base/common.h"
 #include "base/settings.h"
+#include "support/expect_values.h"
 #include "support/test_support.h"
 
 namespace velmora {
 namespace {
+
+using testing::ExpectValues;
 
 std::vector<double> Reduced(double limit, std::vector<double> wave, double* lo = nullptr, double* hi = nullptr) {
   double minimum = -1, maximum = -1;
@@ -22,11 +25,6 @@ std::vector<double> Reduced(double limit, std::vector<double> wave, double* lo =
   if (lo) *lo = minimum;
   if (hi) *hi = maximum;
   return wave;
-}
-
-void ExpectNear(const std::vector<double>& actual, const std::vector<double>& expected) {
-  ASSERT_EQ(actual.size(), expected.size());
-  for (std::size_t i = 0; i < actual.size(); ++i) EXPECT_NEAR(actual[i], expected[i], 1e-12) << "sample " << i + 1;
 }
 
 struct HalfWaves {
@@ -41,7 +39,7 @@ class ReduceHalfWavesTest : public ::testing::TestWithParam<HalfWaves> {};
 TEST_P(ReduceHalfWavesTest, ByHand) {
   const HalfWaves& c = GetParam();
   double lo = 7, hi = 7;
-  ExpectNear(Reduced(c.limit, c.wave, &lo, &hi), c.reduced);
+  ExpectValues(Reduced(c.limit, c.wave, &lo, &hi), c.reduced);
   EXPECT_NEAR(lo, c.reduced.empty() ? 0 : *std::min_element(c.reduced.begin(), c.reduced.end()), 1e-12);
   EXPECT_NEAR(hi, c.reduced.empty() ? 0 : *std::max_element(c.reduced.begin(), c.reduced.end()), 1e-12);
 }
@@ -65,19 +63,19 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(RestoreOutsideRange, KeepsOnlyTheHalfWavesThatMeetTheRange) {
   const std::vector<double> original = {1, 2, -1, -3, -1, 2, 4, 2, -1};
   std::vector<double> reduced = Reduced(1, original);
-  ExpectNear(reduced, {0.5, 1, -1.0 / 3, -1, -1.0 / 3, 0.5, 1, 0.5, -1});
+  ExpectValues(reduced, {0.5, 1, -1.0 / 3, -1, -1.0 / 3, 0.5, 1, 0.5, -1});
   // The range 4..4 lies inside the negative half-wave 3..5: that one stays reduced, the rest is put back.
   RestoreOutsideRange(original, reduced, 4, 4);
-  ExpectNear(reduced, {1, 2, -1.0 / 3, -1, -1.0 / 3, 2, 4, 2, -1});
+  ExpectValues(reduced, {1, 2, -1.0 / 3, -1, -1.0 / 3, 2, 4, 2, -1});
 }
 
 TEST(RestoreOutsideRange, HalfWavesReachingTheEndsRestoreNothingThere) {
   const std::vector<double> original = {3, 3, -3, 3, 3};
   std::vector<double> reduced = Reduced(1, original);  // 1, 1, −1, 1, 1
   RestoreOutsideRange(original, reduced, 2, 4);
-  ExpectNear(reduced, {1, 1, -1, 1, 1});
+  ExpectValues(reduced, {1, 1, -1, 1, 1});
   RestoreOutsideRange(original, reduced, 3, 3);  // only the middle half-wave
-  ExpectNear(reduced, {3, 3, -1, 3, 3});
+  ExpectValues(reduced, {3, 3, -1, 3, 3});
   EXPECT_THROW(RestoreOutsideRange(original, reduced, 0, 3), LegacyError);
   EXPECT_THROW(RestoreOutsideRange(original, reduced, 2, 6), LegacyError);
 }

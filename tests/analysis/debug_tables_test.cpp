@@ -11,7 +11,6 @@
 #include <string_view>
 #include <vector>
 
-#include "analysis/fft.h"
 #include "analysis/fft_filter.h"
 #include "analysis/iri.h"
 #include "analysis/mirror_extend.h"

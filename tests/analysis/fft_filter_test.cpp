@@ -13,6 +13,7 @@
 #include "base/app_paths.h"
 #include "base/settings.h"
 #include "base/text_encoding.h"
+#include "support/expect_values.h"
 #include "support/literal_pass.h"
 #include "support/scratch_paths.h"
 #include "support/test_support.h"
@@ -58,14 +59,6 @@ class FftFilterTest : public testing::ScratchPathsTest {
     return Cal_FFTフィルタ_収束計算(n, FftLength1(n), FftLength2(n), dx, kind, longCut, shortCut, source, result,
                               limits);
   }
-  std::vector<std::string> ProgressTexts() const {
-    std::vector<std::string> texts;
-    for (const auto& m : ui_.Log)
-      if (m.Kind == "progress-start") texts.push_back(m.Text);
-    return texts;
-  }
-
-
 };
 
 TEST_F(FftFilterTest, MaskJudgesEachElementOneBinAboveItsHarmonic) {
@@ -166,7 +159,7 @@ TEST_F(FftFilterTest, OnePassIsExactlyTheSinglePass) {
   ASSERT_TRUE(Converge(FilterKind::BandPass, 30, 3, profile, 0.1, converged, {1.1, 1}));
   EXPECT_TRUE(SameBits(converged.Values, single.Values));
   EXPECT_EQ(converged.Stats.StdDev, single.Stats.StdDev);
-  EXPECT_EQ(ProgressTexts(), (std::vector<std::string>{"収束計算中・・・・", "収束計算中  1 / 1 ・・・・"}));
+  EXPECT_EQ(testing::ProgressTexts(ui_), (std::vector<std::string>{"収束計算中・・・・", "収束計算中  1 / 1 ・・・・"}));
   EXPECT_EQ(ui_.ProgressValues, std::vector<int>{100});
 }
 
@@ -174,7 +167,7 @@ TEST_F(FftFilterTest, ARatioOfZeroRunsEveryPassEachOnThePreviousOutput) {
   const Array1<double> profile = RandomProfile(500, 11);
   WaveSeries converged;
   ASSERT_TRUE(Converge(FilterKind::HiPass, 5, 0, profile, 0.25, converged, {0.0, 3}));
-  EXPECT_EQ(ProgressTexts(), (std::vector<std::string>{"収束計算中・・・・", "収束計算中  1 / 3 ・・・・",
+  EXPECT_EQ(testing::ProgressTexts(ui_), (std::vector<std::string>{"収束計算中・・・・", "収束計算中  1 / 3 ・・・・",
                                                        "収束計算中  2 / 3 ・・・・", "収束計算中  3 / 3 ・・・・"}));
   EXPECT_EQ(ui_.ProgressValues, (std::vector<int>{33, 67, 100}));
 
@@ -191,14 +184,14 @@ TEST_F(FftFilterTest, TheDefaultLimitNeedsAtLeastTwoPasses) {
   const Array1<double> profile = RandomProfile(400, 5);
   WaveSeries converged;
   ASSERT_TRUE(Converge(FilterKind::LowPass, 0, 2, profile, 0.25, converged, FilterConvergence{}));
-  const auto texts = ProgressTexts();
+  const auto texts = testing::ProgressTexts(ui_);
   ASSERT_GE(texts.size(), 3u);  // the start text and at least two passes
   EXPECT_EQ(texts[2], "収束計算中  2 / 10 ・・・・");
   EXPECT_TRUE(converged.Calculated);
   EXPECT_EQ(converged.Values.size(), 400);
 }
 
-TEST_F(FftFilterTest, APassThatRemovesNothingEndsInTheErrorPath) {
+TEST_F(FftFilterTest, APassThatRemovesNothingOrBadLengthsEndInTheErrorPath) {
   const Array1<double> zero(64);
   WaveSeries result;
   result.Values = Array1<double>{9.0};
@@ -206,16 +199,14 @@ TEST_F(FftFilterTest, APassThatRemovesNothingEndsInTheErrorPath) {
   EXPECT_EQ(result.Values, Array1<double>{9.0});  // the last finished pass is not stored
   ASSERT_EQ(ui_.Messages().size(), 1u);
   EXPECT_EQ(ui_.Messages()[0].Title, "[ basFFTFilter : Cal_FFTフィルタ_収束計算 ]");
-}
 
-TEST_F(FftFilterTest, BadLengthsAreLoggedUnderTheSinglePass) {
-  const Array1<double> profile = RandomProfile(10, 1);
-  WaveSeries result, other;
+  // Lengths that do not hold the profile are logged under the single pass.
+  WaveSeries single, other;
   std::int32_t seq = 0;
-  EXPECT_FALSE(Cal_FFTフィルタ_単体処理(seq, 0, 10, 16, 24, 1.0, FilterKind::HiPass, 5, 0, profile, result, other));
-  ASSERT_EQ(ui_.Messages().size(), 1u);
-  EXPECT_EQ(ui_.Messages()[0].Title, "[ basFFTFilter : Cal_FFTフィルタ_単体処理 ]");
-  EXPECT_FALSE(result.Calculated);
+  EXPECT_FALSE(Cal_FFTフィルタ_単体処理(seq, 0, 10, 16, 24, 1.0, FilterKind::HiPass, 5, 0, RandomProfile(10, 1), single, other));
+  ASSERT_EQ(ui_.Messages().size(), 2u);
+  EXPECT_EQ(ui_.Messages()[1].Title, "[ basFFTFilter : Cal_FFTフィルタ_単体処理 ]");
+  EXPECT_FALSE(single.Calculated);
 }
 
 TEST_F(FftFilterTest, ConvergenceLimitsComeFromTheSettingsFile) {

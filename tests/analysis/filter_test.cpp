@@ -11,6 +11,7 @@
 #include "base/app_paths.h"
 #include "base/legacy_error.h"
 #include "profile/profile_record.h"
+#include "support/expect_values.h"
 #include "support/error_of.h"
 #include "support/scratch_paths.h"
 #include "support/test_support.h"
@@ -18,13 +19,9 @@
 namespace velmora {
 namespace {
 
-Array1<double> A(std::vector<double> values) { return Array1<double>(std::move(values)); }
+using testing::ExpectValues;
 
-void ExpectValues(const Array1<double>& actual, const std::vector<double>& expected, double tolerance = 1e-12) {
-  ASSERT_EQ(actual.size(), static_cast<std::ptrdiff_t>(expected.size()));
-  for (std::ptrdiff_t i = 1; i <= actual.size(); ++i)
-    EXPECT_NEAR(actual[i], expected[static_cast<std::size_t>(i - 1)], tolerance) << "element " << i;
-}
+Array1<double> A(std::vector<double> values) { return Array1<double>(std::move(values)); }
 
 // A registered profile prepared by hand: n samples at `pitch` m.
 ProfileRecord Prepared(const std::string& fileName, const Array1<double>& profile, double pitch) {

@@ -19,6 +19,7 @@
 #include "base/settings.h"
 #include "profile/erd_file.h"
 #include "profile/profile_record.h"
+#include "support/expect_values.h"
 #include "support/literal_pass.h"
 #include "support/profile_fixture.h"
 #include "support/scratch_paths.h"
@@ -349,9 +350,7 @@ TEST_F(OctaveTest, PeelingShowsEachStageAndPassAndMovesTheBarByTen) {
   ProfileRecord record = MakeRecord(RoughProfile(600, 0.1), 0.1);
   // A ratio of 0 never converges, so every stage runs all three passes: 12 passes.
   ASSERT_TRUE(DecomposeProfile(record, true, false, {0.0, 3}));
-  std::vector<std::string> captions;
-  for (const auto& entry : ui_.Log)
-    if (entry.Kind == "progress-start") captions.push_back(entry.Text);
+  const std::vector<std::string> captions = testing::ProgressTexts(ui_);
   ASSERT_EQ(captions.size(), 14u);
   EXPECT_EQ(captions[0], "しばらくお待ちください。");
   EXPECT_EQ(captions[1], "収束計算中・・・・");
@@ -367,10 +366,10 @@ TEST_F(OctaveTest, PeelingStopsAStageWhenBothBandsHaveConverged) {
   ProfileRecord record = MakeRecord(RoughProfile(600, 0.1), 0.1);
   // With an enormous ratio limit the first pass of each stage already counts as converged.
   ASSERT_TRUE(DecomposeProfile(record, true, false, {1e300, 10}));
-  int passes = 0;
-  for (const auto& entry : ui_.Log)
-    if (entry.Kind == "progress-start" && entry.Text.find(" / 10 ") != std::string::npos) ++passes;
-  EXPECT_EQ(passes, 4);
+  const auto captions = testing::ProgressTexts(ui_);
+  EXPECT_EQ(std::count_if(captions.begin(), captions.end(), [](const std::string& text) {
+              return text.find(" / 10 ") != std::string::npos;
+            }), 4);
 }
 
 TEST_F(OctaveTest, EmptyOctaveStopsThePeelingAndKeepsTheStoredBands) {

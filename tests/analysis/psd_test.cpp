@@ -13,6 +13,7 @@
 #include "base/app_paths.h"
 #include "base/text_encoding.h"
 #include "profile/profile_record.h"
+#include "support/expect_values.h"
 #include "support/scratch_paths.h"
 #include "support/test_support.h"
 
@@ -24,11 +25,7 @@ using testing::ScriptedUi;
 constexpr double kPsdPi = 3.14159265358979;  // the factor of the PSD's definition
 
 using PsdTest = testing::ScratchPathsTest;
-
-void ExpectValues(const std::vector<double>& actual, const std::vector<double>& expected, double tolerance) {
-  ASSERT_EQ(actual.size(), expected.size());
-  for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(actual[i], expected[i], tolerance) << i;
-}
+using testing::ExpectValues;
 
 Array1<double> Psd(const std::vector<double>& x, double dx, int window, bool mirror) {
   Array1<double> out;

@@ -20,6 +20,15 @@ std::vector<std::int32_t> Counts(const std::vector<SectionStatistics>& records) 
   for (const auto& r : records) counts.push_back(r.Count);
   return counts;
 }
+// Mean, deviation, max, min, spread and count; the deviation within rounding, the rest exact.
+void ExpectStatistics(const SectionStatistics& s, const SectionStatistics& expected) {
+  EXPECT_EQ(s.Mean, expected.Mean);
+  EXPECT_DOUBLE_EQ(s.StdDev, expected.StdDev);
+  EXPECT_EQ(s.Max, expected.Max);
+  EXPECT_EQ(s.Min, expected.Min);
+  EXPECT_EQ(s.Spread, expected.Spread);
+  EXPECT_EQ(s.Count, expected.Count);
+}
 
 TEST(CalcSectionStatistics, BlocksFollowTheFirstCountAndKeepTheShortTail) {
   const std::vector<double> v = {1, 2, 3, 4, 5, 6, 7};
@@ -43,33 +52,20 @@ TEST(CalcSectionStatistics, OneSampleBlocksShortProfilesAndNegativeValues) {
   const std::vector<double> one = {-3.5};
   auto single = CalcSectionStatistics(one, 40, 0);
   ASSERT_EQ(single.size(), 1u);
-  EXPECT_EQ(single[0].StdDev, 0.0);
-  EXPECT_EQ(single[0].Spread, 0.0);
-  EXPECT_EQ(single[0].Max, -3.5);
-  EXPECT_EQ(single[0].Min, -3.5);
+  ExpectStatistics(single[0], {-3.5, 0, -3.5, -3.5, 0, 1});
   // Shorter than one block: one short record, mean 3, deviation 1 (divisor 2).
   auto shorter = CalcSectionStatistics(std::vector<double>{2, 4}, 40, 0);
   ASSERT_EQ(shorter.size(), 1u);
-  EXPECT_EQ(shorter[0].Mean, 3.0);
-  EXPECT_EQ(shorter[0].StdDev, 1.0);
-  // All values negative: the seeds give way to the data.
-  auto negative = CalcSectionStatistics(std::vector<double>{-5, -7, -6}, 3, 0);
-  EXPECT_EQ(negative[0].Max, -5.0);
-  EXPECT_EQ(negative[0].Min, -7.0);
-  EXPECT_EQ(negative[0].Spread, 2.0);
+  ExpectStatistics(shorter[0], {3, 1, 4, 2, 2, 2});
+  // All values negative: the seeds give way to the data; squares 1 + 1 + 0 over 3.
+  ExpectStatistics(CalcSectionStatistics(std::vector<double>{-5, -7, -6}, 3, 0).at(0), {-6, std::sqrt(2.0 / 3), -5, -7, 2, 3});
   EXPECT_TRUE(CalcSectionStatistics(std::vector<double>{}, 3, 0).empty());
   EXPECT_THROW(CalcSectionStatistics(one, 0, 0), LegacyError);
 }
 
 TEST(CalcWholeStatistics, PopulationFormOverTheWholeSeries) {
   // The textbook set: mean 5, squared deviations 9+1+1+1+0+0+4+16 = 32, / 8 = 4.
-  const auto s = CalcWholeStatistics(std::vector<double>{2, 4, 4, 4, 5, 5, 7, 9});
-  EXPECT_EQ(s.Mean, 5.0);
-  EXPECT_EQ(s.StdDev, 2.0);
-  EXPECT_EQ(s.Max, 9.0);
-  EXPECT_EQ(s.Min, 2.0);
-  EXPECT_EQ(s.Spread, 7.0);
-  EXPECT_EQ(s.Count, 8);
+  ExpectStatistics(CalcWholeStatistics(std::vector<double>{2, 4, 4, 4, 5, 5, 7, 9}), {5, 2, 9, 2, 7, 8});
   EXPECT_THROW(CalcWholeStatistics(std::vector<double>{}), LegacyError);
 }
 
@@ -79,11 +75,7 @@ TEST(CalcIriStatistics, WeightedMeanWithUnweightedDeviationByHand) {
   const std::vector<IriSectionValue> sections = {{40, 2.0}, {10, 4.0}, {50, 1.0}};
   const auto s = CalcIriStatistics(sections);
   EXPECT_DOUBLE_EQ(s.Mean, 1.7);
-  EXPECT_DOUBLE_EQ(s.StdDev, std::sqrt(5.87 / 3.0));
-  EXPECT_EQ(s.Max, 4.0);
-  EXPECT_EQ(s.Min, 1.0);
-  EXPECT_EQ(s.Spread, 3.0);
-  EXPECT_EQ(s.Count, 3);
+  ExpectStatistics(s, {s.Mean, std::sqrt(5.87 / 3.0), 4, 1, 3, 3});
   EXPECT_EQ(CalcIriStatistics(std::vector<IriSectionValue>{}).Count, 0);
 }
 

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "base/app_paths.h"
+#include "support/expect_values.h"
 #include "support/test_support.h"
 
 // Every expected value below is worked out by hand from the small waves in the comments.
@@ -13,14 +14,9 @@ namespace {
 
 using testing::ScriptedUi;
 using testing::TempDir;
+using testing::ExpectValues;
 
 Array1<double> Wave(std::vector<double> v) { return Array1<double>(std::move(v)); }
-
-void ExpectWave(const Array1<double>& actual, const std::vector<double>& expected) {
-  ASSERT_EQ(actual.size(), static_cast<std::ptrdiff_t>(expected.size()));
-  for (std::size_t i = 0; i < expected.size(); ++i)
-    EXPECT_NEAR(actual[static_cast<std::ptrdiff_t>(i + 1)], expected[i], 1e-12) << "sample " << i + 1;
-}
 
 // M = 0 2 1 0 3 1: crests at 2 (height 2) and 5 (height 3).
 TEST(MWaveRows, ForwardAndBackwardPassesOnASmallWave) {
@@ -48,7 +44,7 @@ TEST(MWaveRows, ForwardAndBackwardPassesOnASmallWave) {
 
   // Pass 3: the line from (2, 2) to (5, 3) over the trough; M kept outside the crests.
   const Array1<double> joined = JoinCrests(m, rows);
-  ExpectWave(joined, {0, 2, 2 + 1.0 / 3, 2 + 2.0 / 3, 3, 1});
+  ExpectValues(joined, {0, 2, 2 + 1.0 / 3, 2 + 2.0 / 3, 3, 1});
   EXPECT_EQ(rows[1].Rise, MWaveSeed);
   EXPECT_EQ(rows[2].Rise, 0.0);
   EXPECT_EQ(rows[3].Rise, 1.0);
@@ -78,7 +74,7 @@ TEST(MWaveStraightening, CrestShapesThatNeedNoSpecialCase) {
     const auto m = Wave(c.m);
     WaveSeries out;
     ASSERT_TRUE(Cal_補修形状_M波の直線化(static_cast<std::int32_t>(c.m.size()), m, c.withTroughs, PlanRange{}, out));
-    ExpectWave(out.Values, c.expected);
+    ExpectValues(out.Values, c.expected);
     EXPECT_TRUE(out.Calculated);
   }
   // M' = 0 2 2 2 2 0 of the equal crests: mean 4/3, population deviation sqrt(8/9).
@@ -119,7 +115,7 @@ TEST(MWaveStraightening, PlanRangeDrawsRunInAndRunOut) {
     SCOPED_TRACE(c.what);
     WaveSeries out;
     ASSERT_TRUE(Cal_補修形状_M波の直線化(10, Wave(kTen), 0, c.plan, out));
-    ExpectWave(out.Values, c.expected);
+    ExpectValues(out.Values, c.expected);
   }
 }
 
@@ -202,7 +198,7 @@ TEST(MWaveRecalculation, KeptPointsSortedAndJoinedWithTheirAdjustment) {
   const std::vector<StudyPoint> points{{5, 4, 1}, {3, MWaveSeed, 7}, {2, 1, 1}, {7, 0, 1}};
   StudyTarget target;
   ASSERT_TRUE(Cal_補修形状_M波の再計算(Wave({10, 10, 10, 10, 10, 10, 10, 10}), points, target));
-  ExpectWave(target.Outcome.MPrime.Wave.Values, {10, 2, 3, 4, 5, 3, 1, 10});
+  ExpectValues(target.Outcome.MPrime.Wave.Values, {10, 2, 3, 4, 5, 3, 1, 10});
   EXPECT_TRUE(target.Recalculated);
 }
 
