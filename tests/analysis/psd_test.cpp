@@ -14,6 +14,7 @@
 #include "base/text_encoding.h"
 #include "profile/profile_record.h"
 #include "support/expect_values.h"
+#include "support/profile_fixture.h"
 #include "support/scratch_paths.h"
 #include "support/test_support.h"
 
@@ -193,15 +194,6 @@ TEST_F(PsdTest, RatioOfTwoSpectraByHand) {
   EXPECT_EQ(ui_.Messages().size(), 1u);
 }
 
-ProfileRecord MakeRecord(const std::string& name, const std::vector<double>& x, double dx) {
-  ProfileRecord record;
-  record.FileName = name;
-  record.Erd.StepSize = dx;
-  record.WorkCount = static_cast<std::int32_t>(x.size());
-  record.WorkProfile = Array1<double>(x);
-  return record;
-}
-
 int ProgressStarts(const ScriptedUi& ui) {
   int count = 0;
   for (const auto& entry : ui.Log)
@@ -210,8 +202,8 @@ int ProgressStarts(const ScriptedUi& ui) {
 }
 
 TEST_F(PsdTest, TabComputesStoredSpectraOnceAndDrawsCurves) {
-  std::vector<ProfileRecord> profiles = {MakeRecord("a", Wavy(100), 0.1), MakeRecord("b", Wavy(90), 0.1),
-                                         MakeRecord("c", Wavy(300), 0.1)};
+  std::vector<ProfileRecord> profiles = {testing::MakeProfile("a", 0.1, Wavy(100)), testing::MakeProfile("b", 0.1, Wavy(90)),
+                                         testing::MakeProfile("c", 0.1, Wavy(300))};
   PsdTabOptions options;
   std::vector<PsdCurve> curves;
   const std::vector<std::size_t> selected = {0, 2};
@@ -238,8 +230,8 @@ TEST_F(PsdTest, TabComputesStoredSpectraOnceAndDrawsCurves) {
 TEST_F(PsdTest, TabRatioAgainstTheFirstSelectedProfile) {
   std::vector<double> doubled = Wavy(100);
   for (double& v : doubled) v *= 2;
-  std::vector<ProfileRecord> profiles = {MakeRecord("a", Wavy(100), 0.1), MakeRecord("b", doubled, 0.1),
-                                         MakeRecord("c", Wavy(300), 0.1)};
+  std::vector<ProfileRecord> profiles = {testing::MakeProfile("a", 0.1, Wavy(100)), testing::MakeProfile("b", 0.1, doubled),
+                                         testing::MakeProfile("c", 0.1, Wavy(300))};
   PsdTabOptions options;
   options.Ratio = true;
   std::vector<PsdCurve> curves;
@@ -258,7 +250,7 @@ TEST_F(PsdTest, TabRatioAgainstTheFirstSelectedProfile) {
 }
 
 TEST_F(PsdTest, TabRefusesBandsPerOctaveBelowOne) {
-  std::vector<ProfileRecord> profiles = {MakeRecord("a", Wavy(100), 0.1)};
+  std::vector<ProfileRecord> profiles = {testing::MakeProfile("a", 0.1, Wavy(100))};
   PsdTabOptions options;
   options.BandsPerOctave = 0;
   std::vector<PsdCurve> curves;
