@@ -145,8 +145,9 @@ TEST(ResultExport, WordsOfTheFileNames) {
   EXPECT_EQ(FilterWord(f), "IRI");
   EXPECT_EQ(IriKindWord(ExportKind::IriContinuous, 10, 0), "10m連続");
   EXPECT_EQ(IriKindWord(ExportKind::IriFixed, 10, 200), "200m固定");
-  // The other names are checked where the command line writes the files; these two it never writes.
+  // The other names are checked where the command line writes the files; these it does not look for.
   EXPECT_EQ(BuiltInExportPattern(ExportKind::PsdRatio), "[$(PROFILENAME)$]_PSD比_$(YYYYMMDDHHNNSS)$");
+  EXPECT_EQ(BuiltInExportPattern(ExportKind::BandShort), "$(PROFILENAME)$_バンド別低減_Octave短波長_$(YYYYMMDDHHNNSS)$");
   EXPECT_EQ(ExportSection(ExportKind::Profile), "Filter");
 }
 
