@@ -1,6 +1,5 @@
 // The sliding-window IRI and the profile layer that fills the analysis block: window lengths and
-// counts, the band windows one sample longer, the root sum of squares, the filter's calculated flag
-// and the debug tables.
+// counts, the band windows one sample longer, the root sum of squares and the filter's calculated flag.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,10 +8,7 @@
 
 #include "analysis/iri.h"
 #include "analysis/iri_window.h"
-#include "base/app_paths.h"
-#include "base/settings.h"
-#include "base/text_encoding.h"
-#include "support/test_support.h"
+#include "support/expect_values.h"
 
 namespace velmora {
 namespace {
@@ -53,12 +49,7 @@ void ExpectMatchesReference(const std::vector<double>& r, std::int32_t firstEnd,
 TEST(SlidingWindowTest, CountsAndFirstValuesByHand) {
   const std::vector<double> r{3, -4, 0, 5, -12};
   // Window of 2 over 5 elements: 4 windows; ARS |3|,|4| → 3.5; RMS sqrt((9+16)/2).
-  const auto ars = SlidingWindowIri(r, 5, 2, 1);
-  ASSERT_EQ(ars.size(), 4u);
-  EXPECT_DOUBLE_EQ(ars[0], 3.5);
-  EXPECT_DOUBLE_EQ(ars[1], 2.0);
-  EXPECT_DOUBLE_EQ(ars[2], 2.5);
-  EXPECT_DOUBLE_EQ(ars[3], 8.5);
+  testing::ExpectValues(SlidingWindowIri(r, 5, 2, 1), {3.5, 2.0, 2.5, 8.5}, 1e-15);
   const auto rms = SlidingWindowIri(r, 5, 2, 2);
   EXPECT_DOUBLE_EQ(rms[0], std::sqrt(12.5));
   EXPECT_DOUBLE_EQ(rms[3], std::sqrt(84.5));
