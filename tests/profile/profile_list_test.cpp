@@ -112,16 +112,23 @@ TEST_F(ProfileListTest, UnreadableFileStopsTheLoopKeepingWhatWasRegistered) {
   EXPECT_FALSE(std::filesystem::exists(ProjectCopy("late.erd")));
 }
 
-TEST_F(ProfileListTest, DataErrorIsLoggedUnderAddProfileList) {
-  ProfileList list;
-  const std::string broken = Source("broken.erd", "data_line_not_number.erd");
-  ScriptedUi ui;
-  EXPECT_FALSE(AddProfileList(list, {broken}, true));
-  EXPECT_EQ(list.Count(), 0);
-  for (const ProfileListView& view : list.Views) EXPECT_TRUE(view.Rows.empty());
-  ASSERT_EQ(ui.Messages().size(), 1u);
-  EXPECT_NE(ui.Messages()[0].Title.find("AddProfileList"), std::string::npos);
-  EXPECT_NE(ui.Messages()[0].Text.find(broken), std::string::npos);
+// A file that raises on reading, or is gone before its turn, is logged under AddProfileList naming it,
+// and the files behind it are not added.
+TEST_F(ProfileListTest, ReadErrorIsLoggedUnderAddProfileListAndStopsTheLoop) {
+  const std::string broken = Source("broken.erd", "data_line_not_number.erd"), gone = Source("gone.erd");
+  std::filesystem::remove(gone);
+  for (const std::string& bad : {broken, gone}) {
+    ProfileList list;
+    ScriptedUi ui;
+    EXPECT_FALSE(AddProfileList(list, {bad, Source("late.erd")}, true));
+    EXPECT_EQ(list.Count(), 0);
+    for (const ProfileListView& view : list.Views) EXPECT_TRUE(view.Rows.empty());
+    ASSERT_EQ(ui.Messages().size(), 1u) << bad;
+    EXPECT_NE(ui.Messages()[0].Title.find("AddProfileList"), std::string::npos) << ui.Messages()[0].Title;
+    EXPECT_NE(ui.Messages()[0].Text.find(bad), std::string::npos) << ui.Messages()[0].Text;
+    EXPECT_FALSE(std::filesystem::exists(ProjectCopy("late.erd")));
+    EXPECT_FALSE(std::filesystem::exists(ProjectCopy(std::filesystem::path(bad).filename().string())));
+  }
 }
 
 TEST_F(ProfileListTest, RowColoursCycleThroughThePalette) {
