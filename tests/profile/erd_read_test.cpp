@@ -123,7 +123,8 @@ const std::vector<ReadCase> kCases = {
     {"WrongSignatureIsNotAnErdFile", "not_erd.erd", Outcome::Refused, "指定されたファイルは ERD フォマットではありません。", {}},
     {"EmptyFileIsNotAnErdFile", "temp/empty.erd", Outcome::Refused, "指定されたファイルは ERD フォマットではありません。",
      {}, ""},
-    {"FormatCodeOtherThanFiveIsRefused", "format_code_4.erd", Outcome::Refused, "Data not stored in correct format.", {}},
+    {"FormatCodeOtherThanFiveIsRefused", "format_code_4.erd", Outcome::Refused, "Data not stored in correct format.",
+     {}},
     {"ThreeChannelsAreRefused", "three_channels.erd", Outcome::Refused, "File must have 1 or 2 channels.", {}},
     {"ZeroStepIsRefused", "zero_step.erd", Outcome::Refused, "Illegal step size.", {}},
 
