@@ -79,6 +79,21 @@ std::string WithReplaced(std::string text, const std::string& from, const std::s
   return text.replace(text.find(from), from.size(), to);
 }
 
+// A bundled example: its count (in the header and the data alike), pitch and KP as shown.
+ReadCase Example(const std::string& name, const std::string& file, double count, double pitch, const char* kp) {
+  return {name, "examples/" + file, Outcome::Reads, "",
+          {{"NumSamples", count}, {"NumSamplesHeader", count}, {"WorkCount", count}, {"StepSize", pitch},
+           {"KpDisplay", kp}}};
+}
+
+// A single-channel copy of a measured profile, in mm and without KP.
+ReadCase Measured(const std::string& name, const std::string& file, double count, double pitch, double first,
+                  const char* shortName) {
+  return {name, "shared/" + file, Outcome::Reads, "",
+          {{"NumChannels", 1.}, {"NumSamples", count}, {"NumSamplesHeader", count}, {"StepSize", pitch},
+           {"First", first}, {"ShortName1", shortName}, {"Metric", "yes"}, {"KpStart", kNoValue}}};
+}
+
 const std::vector<ReadCase> kCases = {
     {"HeaderWithoutEndStopsAfterHundredLinesTheHundredthStillAKey", "header_without_end.erd", Outcome::Reads, "",
      {{"Title", "hundredth"}, {"Samples", std::vector<double>{7.5, 8.5}}, {"NumSamples", 2.}}},
@@ -141,33 +156,16 @@ const std::vector<ReadCase> kCases = {
     {"LeadByteWithoutTrailByteInTheTitle", "temp/sjis.erd", Outcome::Raises, "", {},
      WithReplaced(kHead, "TITLE   t", "TITLE   \x81\x20") + "1\r\n"},
 
-    {"ExampleWithKp", "examples/road_a_kp.erd", Outcome::Reads, "",
-     {{"NumSamples", 3000.}, {"NumSamplesHeader", 3000.}, {"WorkCount", 3000.}, {"StepSize", 0.1},
-      {"KpDisplay", "12.30000++"}}},
-    {"ExampleWithoutKp", "examples/road_b.erd", Outcome::Reads, "",
-     {{"NumSamples", 5000.}, {"NumSamplesHeader", 5000.}, {"WorkCount", 5000.}, {"StepSize", 0.05},
-      {"KpDisplay", ""}}},
-    {"RoughExample", "examples/road_c_rough.erd", Outcome::Reads, "",
-     {{"NumSamples", 3000.}, {"NumSamplesHeader", 3000.}, {"WorkCount", 3000.}, {"StepSize", 0.1},
-      {"KpDisplay", ""}}},
-
+    Example("ExampleWithKp", "road_a_kp.erd", 3000, 0.1, "12.30000++"),
+    Example("ExampleWithoutKp", "road_b.erd", 5000, 0.05, ""),
+    Example("RoughExample", "road_c_rough.erd", 3000, 0.1, ""),
     // Counts, pitches and first samples read off the measured files' own heads (see the data
     // folder's README).
-    {"SharedBasicLeft", "shared/derived/basic_left_mm.erd", Outcome::Reads, "",
-     {{"NumChannels", 1.}, {"NumSamples", 25544.}, {"NumSamplesHeader", 25544.}, {"StepSize", 0.063068210},
-      {"First", -0.01127760}, {"ShortName1", "LElev."}, {"Metric", "yes"}, {"KpStart", kNoValue}}},
-    {"SharedBasicRight", "shared/derived/basic_right_mm.erd", Outcome::Reads, "",
-     {{"NumChannels", 1.}, {"NumSamples", 25544.}, {"NumSamplesHeader", 25544.}, {"StepSize", 0.063068210},
-      {"First", -0.01524000}, {"ShortName1", "RElev."}, {"Metric", "yes"}, {"KpStart", kNoValue}}},
-    {"SharedTestRunLeft", "shared/derived/Test_Run1_left_mm.erd", Outcome::Reads, "",
-     {{"NumChannels", 1.}, {"NumSamples", 159131.}, {"NumSamplesHeader", 159131.}, {"StepSize", 0.0762},
-      {"First", -10.8458}, {"ShortName1", "LElev."}, {"Metric", "yes"}, {"KpStart", kNoValue}}},
-    {"SharedTestRunRight", "shared/derived/Test_Run1_right_mm.erd", Outcome::Reads, "",
-     {{"NumChannels", 1.}, {"NumSamples", 159131.}, {"NumSamplesHeader", 159131.}, {"StepSize", 0.0762},
-      {"First", 0.381}, {"ShortName1", "RElev."}, {"Metric", "yes"}, {"KpStart", kNoValue}}},
-    {"SharedProfileOne", "shared/derived/profile_1_derived_mm.erd", Outcome::Reads, "",
-     {{"NumChannels", 1.}, {"NumSamples", 2177.}, {"NumSamplesHeader", 2177.}, {"StepSize", 0.25},
-      {"First", 583137.}, {"ShortName1", "Elev"}, {"Metric", "yes"}, {"KpStart", kNoValue}}},
+    Measured("SharedBasicLeft", "derived/basic_left_mm.erd", 25544, 0.063068210, -0.01127760, "LElev."),
+    Measured("SharedBasicRight", "derived/basic_right_mm.erd", 25544, 0.063068210, -0.01524000, "RElev."),
+    Measured("SharedTestRunLeft", "derived/Test_Run1_left_mm.erd", 159131, 0.0762, -10.8458, "LElev."),
+    Measured("SharedTestRunRight", "derived/Test_Run1_right_mm.erd", 159131, 0.0762, 0.381, "RElev."),
+    Measured("SharedProfileOne", "derived/profile_1_derived_mm.erd", 2177, 0.25, 583137.0, "Elev"),
     // Both channels on one line: 17 header lines up to END, and the header was taken in before the
     // data failed (two channels in feet).
     {"SharedTwoChannelsOnOneLine", "shared/freevryheid_iri/basic.erd", Outcome::BadData, "18 行目",
