@@ -70,7 +70,7 @@ struct ReadCase {
   std::optional<std::string> bytes = std::nullopt;
 };
 
-// The head of a well-formed file of three samples at 0.1 m, eight lines up to END.
+// The head of a well-formed file of three samples at 0.1 m, seven lines up to END.
 const std::string kHead =
     "ERDFILEV2.00\r\n      1,      3,      3,      1,      5, 0.100000    ,     -1,\r\n"
     "TITLE   t\r\nSHORTNAMLElev.\r\nUNITSNAMmm\r\nXUNITS  m\r\nEND\r\n";
