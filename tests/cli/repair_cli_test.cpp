@@ -22,10 +22,11 @@ TEST_F(CliTest, WritesTheFiveStudyFilesTheRegisteredWavesAndPrintsTheThreeIris) 
   // 5000 samples: a head line and one line per sample.
   EXPECT_EQ(std::count(profile.begin(), profile.end(), '\n'), 5001);
 
+  // The three IRIs on one line, then one line per registered wave.
+  const std::string out = Stdout(), iris = out.substr(0, out.find('\n') + 1);
   std::smatch m;
-  const std::string out = Stdout();
-  ASSERT_TRUE(std::regex_search(
-      out, m, std::regex("^road_b\tIRI ([0-9.]+) mm/m\tcorrected ([0-9.]+) mm/m\tideal ([0-9.]+) mm/m\n")))
+  ASSERT_TRUE(std::regex_match(
+      iris, m, std::regex("road_b\tIRI ([0-9.]+) mm/m\tcorrected ([0-9.]+) mm/m\tideal ([0-9.]+) mm/m\n")))
       << out;
   // No band lines: S' is S, so the ideal shape is the corrected profile and has its IRI.
   EXPECT_EQ(m[2].str(), m[3].str());
@@ -33,8 +34,9 @@ TEST_F(CliTest, WritesTheFiveStudyFilesTheRegisteredWavesAndPrintsTheThreeIris) 
 
   // The registered waves are ERD profiles with marked titles.
   ExpectHeads(erds, {"road_b_L波_", "road_b_理想形状案_"});
-  ErdRecord wave;
   ASSERT_EQ(erds.size(), 2u);
+  EXPECT_EQ(out.substr(iris.size()), "registered\t" + erds[0] + "\nregistered\t" + erds[1] + "\n");
+  ErdRecord wave;
   ASSERT_TRUE(ReadERD((temp / "out" / erds[0]).string(), wave));
   EXPECT_EQ(wave.NumSamples, 5000);
   EXPECT_EQ(wave.Title, "Test road B, right wheel path(L)");

@@ -48,6 +48,7 @@ Value Field(const ProfileRecord& p, const std::string& name) {
   if (name == "YLabel") return e.YLabel;
   if (name == "XLabel") return e.XLabel;
   if (name == "WorkCount") return double(p.WorkCount);
+  if (name == "Count") return double(p.Statistics.Count);
   if (name == "Mean") return p.Statistics.Mean;
   if (name == "Spread") return p.Statistics.Spread;
   ADD_FAILURE() << "no field " << name;
@@ -106,7 +107,7 @@ const std::vector<ReadCase> kCases = {
      {{"Samples", std::vector<double>{15, -2.5, 0}}, {"Metric", "yes"}, {"SlopeUnitScale", 1000.},
       {"SlopeUnitName", " m/km"}}},
     {"MetreHeightsBecomeMillimetres", "m_heights.erd", Outcome::Reads, "",
-     {{"Samples", std::vector<double>{1.5, -2, 1000}}}},
+     {{"Samples", std::vector<double>{1.5, -2, 1000}}, {"NumSamples", 3.}}},
     // Only the check box sets RepairRangeOn; the file's range leaves it 0.
     {"ShiftJisTitleCarriesKpSignLaneAndRepairRange", "sjis_title_with_kp.erd", Outcome::Reads, "",
      {{"Title", "国道１２号　上り"}, {"KpText", "123.45000+-"}, {"KpStart", 123.45}, {"KpSign", 0.}, {"Lane", -1.},
@@ -123,7 +124,7 @@ const std::vector<ReadCase> kCases = {
     // Samples 1, 2, 3: mean 2, spread 3 - 1.
     {"LineTwoIsSplitAtCommasWhateverTheWidthsAndStatisticsAreFilled", "line2_free_widths.erd", Outcome::Reads, "",
      {{"NumChannels", 1.}, {"NumSamplesHeader", 3.}, {"FormatCode", 5.}, {"StepSize", 0.25},
-      {"Samples", std::vector<double>{1, 2, 3}}, {"Mean", 2.}, {"Spread", 2.}}},
+      {"Samples", std::vector<double>{1, 2, 3}}, {"Count", 3.}, {"Mean", 2.}, {"Spread", 2.}}},
     {"ShortKeysWithLessPaddingAreRecognised", "short_key_padding.erd", Outcome::Reads, "",
      {{"Title", "Short pad"}, {"YLabel", "Height"}, {"XLabel", "Dist"}, {"DistanceUnit", "m"},
       {"Samples", std::vector<double>{4, 5, 6}}}},
@@ -132,7 +133,7 @@ const std::vector<ReadCase> kCases = {
      {{"NumChannels", 2.}, {"ShortName1", "LElev.  "}, {"ShortName2", "RElev."}, {"UnitsName1", "cm      "},
       {"UnitsName2", "cm"}, {"Samples", std::vector<double>{10, 20}}}},
     {"HugeDeclaredCountReadsOnlyWhatIsThere", "temp/huge.erd", Outcome::Reads, "",
-     {{"NumSamplesHeader", 1e9}, {"Samples", std::vector<double>{1, 2, 3}}},
+     {{"NumSamplesHeader", 1e9}, {"NumSamples", 3.}, {"Samples", std::vector<double>{1, 2, 3}}},
      WithReplaced(kHead, "      3,      3,", "1000000000,1000000000,") + "1\r\n2\r\n3\r\n"},
 
     {"WrongSignatureIsNotAnErdFile", "not_erd.erd", Outcome::Refused, "指定されたファイルは ERD フォマットではありません。", {}},
