@@ -4,6 +4,7 @@
 
 #include <random>
 #include <set>
+#include <sstream>
 
 #include "base/common.h"
 #include "base/legacy_error.h"
@@ -116,23 +117,13 @@ TEST(IniBadInput, MalformedLinesAreIgnoredAndANulEndsTheValue) {
   EXPECT_EQ(ini.Get("A", ""), std::nullopt);
 }
 
-}  // namespace
-}  // namespace velmora
-
-namespace velmora {
-namespace {
-
 // Lines of a byte string without their endings, for comparing files line by line.
 std::multiset<std::string> LineSet(const std::string& bytes) {
   std::multiset<std::string> lines;
-  std::size_t start = 0;
-  while (start < bytes.size()) {
-    std::size_t end = bytes.find('\n', start);
-    if (end == std::string::npos) end = bytes.size();
-    std::string line = bytes.substr(start, end - start);
-    if (!line.empty() && line.back() == '\r') line.pop_back();
+  std::istringstream in(bytes);
+  for (std::string line; std::getline(in, line);) {
+    if (line.ends_with('\r')) line.pop_back();
     lines.insert(line);
-    start = end + 1;
   }
   return lines;
 }

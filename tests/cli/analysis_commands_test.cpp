@@ -1,6 +1,6 @@
-// The analysis commands end to end on tiny synthetic profiles whose results are known by reasoning:
-// a flat road has no roughness at all, a pure sine sits in one octave and one PSD bin, and a band
-// reduced against a limit peaks at exactly that limit.
+// The analysis commands end to end on tiny synthetic profiles whose results are known by reasoning (a
+// flat road has no roughness at all, a pure sine sits in one octave and one PSD bin, and a band reduced
+// against a limit peaks at exactly that limit), and on the bundled examples: exit status and the files.
 #include <cmath>
 #include <numbers>
 
@@ -17,7 +17,8 @@ using testing::Fields;
 // 4.6545 m, inside octave 5 (3.2 to 6.4 m), and exactly on bin 11 of a 1024-point transform.
 std::vector<double> Sine() {
   std::vector<double> v(1024);
-  for (std::size_t i = 0; i < v.size(); ++i) v[i] = 2.0 * std::sin(2 * std::numbers::pi * 11.0 * static_cast<double>(i) / 1024.0);
+  for (std::size_t i = 0; i < v.size(); ++i)
+    v[i] = 2.0 * std::sin(2 * std::numbers::pi * 11.0 * static_cast<double>(i) / 1024.0);
   return v;
 }
 
@@ -44,19 +45,12 @@ TEST_F(CliTest, FlatRoadHasZeroIriEverywhere) {
   for (std::size_t i = 1; i < continuous.size(); ++i) EXPECT_EQ(Fields(continuous[i]).back(), "0.00000000") << i;
 
   ASSERT_EQ(Run("summary " + flat), 0) << Stderr();
-  std::istringstream table(Stdout());
-  std::string head, row;
-  std::getline(table, head);
-  std::getline(table, row);
-  EXPECT_EQ(head.rfind("Profile  Length(m)  Pitch(m)  IRI(mm/m)  IRI100m-mean(mm/m)", 0), 0u) << head;
-  std::istringstream cells(row);
-  std::string name, length, pitch, iri, mean100;
-  cells >> name >> length >> pitch >> iri >> mean100;
-  EXPECT_EQ(name, "flat");
-  EXPECT_EQ(length, "102.35");
-  EXPECT_EQ(pitch, "0.050");
-  EXPECT_EQ(iri, "0.000");
-  EXPECT_EQ(mean100, "0.000");
+  const std::string table = Stdout();
+  EXPECT_EQ(table.rfind("Profile  Length(m)  Pitch(m)  IRI(mm/m)  IRI100m-mean(mm/m)", 0), 0u) << table;
+  std::istringstream row(table.substr(table.find('\n') + 1));
+  std::vector<std::string> cells(5);
+  for (auto& cell : cells) row >> cell;
+  EXPECT_EQ(cells, (std::vector<std::string>{"flat", "102.35", "0.050", "0.000", "0.000"}));
 
   ASSERT_EQ(Run("summary " + WriteErd("sine", Sine(), 0.05)), 0) << Stderr();
   EXPECT_NE(Stdout().find("  OCT-5 ("), std::string::npos) << Stdout();
@@ -126,42 +120,14 @@ TEST_F(CliTest, ReductionHoldsTheLimitedBandAndKeepsTheOthers) {
   EXPECT_EQ(ReadSystemTextLines(WrittenWith("_バンド別低減_Octave長波長_"))[0],
             "Distance(m), sine バンド別低減(長波長)(mm)");
   EXPECT_EQ(Stdout().rfind("sine\treduced profile ", 0), 0u) << Stdout();
-}
 
-TEST_F(CliTest, ReductionDefaultsToTheShippedLines) {
-  ASSERT_EQ(Run("reduce " + WriteErd("sine", Sine(), 0.05)), 0) << Stderr();
-  const auto head = Fields(ReadSystemTextLines(WrittenWith("_バンド別低減_"))[0]);
+  // Without --lines the limits are the lines of Default.ini.
+  ASSERT_EQ(Run("reduce " + sine, "default"), 0) << Stderr();
+  const auto head = Fields(ReadSystemTextLines(WrittenWith("_バンド別低減_", "default"))[0]);
   const std::vector<std::string> expected{"OCT-1(12.000)(mm)", "OCT-2(8.000)(mm)", "OCT-3(5.000)(mm)",
                                           "OCT-4(3.000)(mm)",  "OCT-5(2.000)(mm)", "OCT-6(1.200)(mm)",
                                           "OCT-7(0.800)(mm)",  "OCT-8(0.500)(mm)", "OCT-9(0.300)(mm)"};
   EXPECT_EQ(std::vector<std::string>(head.begin() + 1, head.begin() + 10), expected);
-}
-
-TEST_F(CliTest, BadCommandLinesStopWithoutFiles) {
-  const std::string sine = WriteErd("sine", Sine(), 0.05);
-  EXPECT_NE(Run("reduce " + sine + " --frobnicate"), 0);
-  EXPECT_NE(Stderr().find("--frobnicate"), std::string::npos) << Stderr();
-  EXPECT_NE(Run("reduce " + sine + " --lines 1,2,x,4,5,6,7,8,9"), 0);
-  EXPECT_NE(Stderr().find("\"x\" is not a number"), std::string::npos) << Stderr();
-  EXPECT_NE(Run("reduce " + sine + " --lines 1,2,3"), 0);
-  EXPECT_NE(Stderr().find("nine limits"), std::string::npos) << Stderr();
-  EXPECT_NE(Run("reduce '" + (temp / "gone.erd").string() + "'"), 0);
-  EXPECT_NE(Stderr().find("gone.erd"), std::string::npos) << Stderr();
-  EXPECT_NE(Run("octave " + sine + " --bands 10"), 0);
-  EXPECT_NE(Stderr().find("--bands"), std::string::npos) << Stderr();
-  EXPECT_NE(Run("psd " + sine + " --smooth many"), 0);
-  EXPECT_NE(Stderr().find("many"), std::string::npos) << Stderr();
-  EXPECT_NE(Run("iri " + sine + " --length 0"), 0);
-  EXPECT_FALSE(Stderr().empty());
-  EXPECT_TRUE(Written().empty());
-}
-
-TEST_F(CliTest, EveryAnalysisCommandStatesItsUnits) {
-  for (const char* command : {"iri", "octave", "reduce", "psd", "filter", "summary"}) {
-    EXPECT_EQ(Run(std::string(command) + " --help"), 0) << command;
-    const std::string help = Stdout();
-    EXPECT_TRUE(help.find("mm") != std::string::npos && help.find(" m") != std::string::npos) << command << help;
-  }
 }
 
 TEST_F(CliTest, ImportMakesOneProfilePerColumnAndReverseTwiceGivesItBack) {
@@ -185,6 +151,28 @@ TEST_F(CliTest, ImportMakesOneProfilePerColumnAndReverseTwiceGivesItBack) {
   const std::vector<double> back = ErdSamples(temp / "twice" / Written("twice")[0]);
   ASSERT_EQ(back.size(), original.size());
   for (std::size_t i = 0; i < back.size(); ++i) ASSERT_NEAR(back[i], original[i], 1e-5) << i;
+}
+
+TEST_F(CliTest, IriWritesTheWholeContinuousAndFixedFiles) {
+  ASSERT_EQ(Run("iri " + Example("road_b.erd") + " --length 10 --bands"), 0) << Stderr();
+  // Sorted by bytes: whole ("IRI(全区間)_"), 100m, 10m fixed, 10m continuous, 200m.
+  const auto names = Written();
+  ExpectHeads(names, {"IRI(", "road_b_IRI(100m固定)_", "road_b_IRI(10m固定)_", "road_b_IRI(10m連続)_",
+                      "road_b_IRI(200m固定)_"});
+  EXPECT_EQ(Stdout().rfind("road_b\tIRI ", 0), 0u) << Stdout();
+  const std::string continuous = testing::ReadBytes(WrittenWith("10m連続"));
+  EXPECT_EQ(continuous.rfind("Start(m), End(m), Mid(m), IRI(mm/m), IRI(OCT-1)", 0), 0u);
+}
+
+TEST_F(CliTest, OctaveAndFilterOnTwoProfiles) {
+  ASSERT_EQ(Run("octave " + Example("road_a_kp.erd") + " " + Example("road_b.erd")), 0) << Stderr();
+  EXPECT_EQ(Written().size(), 2u);
+  ASSERT_EQ(Run("filter " + Example("road_b.erd") + " --type ma --kind bandpass --long 50 --short 5"), 0) << Stderr();
+  EXPECT_EQ(Written().size(), 3u);
+  // 5000 samples at 0.05 m (examples/README.md): a head line and one line per sample.
+  const std::string text = testing::ReadBytes(WrittenWith("road_b_MABP_50-5m_"));
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5001);
+  EXPECT_EQ(text.rfind("Distance(m), Elevetion(mm)\r\n0.00000, ", 0), 0u);
 }
 
 }  // namespace

@@ -8,6 +8,8 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <iomanip>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -47,17 +49,26 @@ class CliTest : public ::testing::Test {
     EXPECT_EQ(hits.size(), 1u) << part;
     return hits.empty() ? temp / out / "none" : temp / out / hits.front();
   }
+  // Names that start with the heads given, in order and no more.
+  static void ExpectHeads(const std::vector<std::string>& names, const std::vector<std::string>& heads) {
+    ASSERT_EQ(names.size(), heads.size());
+    for (std::size_t i = 0; i < heads.size(); ++i) EXPECT_EQ(names[i].rfind(heads[i], 0), 0u) << names[i];
+  }
   std::string Example(const char* name) const { return "'" + (SourceDir() / "examples" / name).string() + "'"; }
 
-  // A one-channel ERD file of `values` (mm) at `pitch` m, written by hand; its quoted path.
-  std::string WriteErd(const std::string& name, const std::vector<double>& values, double pitch) const {
+  // A one-channel ERD file of `values` (mm) at `pitch` m, from `kp` km when given, written by hand; its
+  // quoted path.
+  std::string WriteErd(const std::string& name, const std::vector<double>& values, double pitch,
+                       std::optional<double> kp = std::nullopt) const {
     std::ostringstream text;
     text << "ERDFILEV2.00\r\n      1, " << values.size() << ", " << values.size() << ",      1,      5, " << pitch
-         << "    ,     -1,\r\nTITLE   " << name << "\r\nSHORTNAMRElev.\r\nLONGNAMELeft Elevation\r\nUNITSNAMmm\r\n"
+         << "    ,     -1,\r\nTITLE   " << name;
+    if (kp) text << "｜" << std::fixed << std::setprecision(5) << *kp << "+0" << std::defaultfloat;
+    text << "\r\nSHORTNAMRElev.\r\nLONGNAMELeft Elevation\r\nUNITSNAMmm\r\n"
          << "GENNAME Elevation\r\nXLABEL  Distance\r\nXUNITS  m\r\nFORMAT  (G14.6)\r\nEND\r\n";
     text.precision(10);
     for (double v : values) text << v << " \r\n";
-    WriteBytes(temp / (name + ".erd"), text.str());
+    WriteBytes(temp / (name + ".erd"), ToSystemCodePage(text.str()));
     return "'" + (temp / (name + ".erd")).string() + "'";
   }
 

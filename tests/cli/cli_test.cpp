@@ -1,53 +1,88 @@
-// The velmora program end to end on the bundled examples: exit status and the files it writes.
+// Command lines the program refuses: each ends with its exit status and a message on stderr, and
+// writes no file.
 #include "cli_fixture.h"
+#include "support/profile_fixture.h"
 
 namespace velmora {
 namespace {
 
-using testing::CliTest;
-using testing::ReadBytes;
-using testing::WriteBytes;
+constexpr int kNonZero = -1;  // any status but 0
 
-TEST_F(CliTest, IriWritesTheWholeContinuousAndFixedFiles) {
-  ASSERT_EQ(Run("iri " + Example("road_b.erd") + " --length 10 --bands"), 0) << ReadBytes(temp / "stderr.txt");
-  const auto names = Written();
-  ASSERT_EQ(names.size(), 5u);
-  EXPECT_EQ(names[0].rfind("IRI(", 0), 0u);  // Shift-JIS name bytes of "IRI(全区間)_"
-  // Sorted by bytes: 100m, 10m fixed, 10m continuous, 200m. Names are UTF-8; contents Shift-JIS.
-  EXPECT_EQ(names[1].rfind("road_b_IRI(100m固定)_", 0), 0u);
-  EXPECT_EQ(names[2].rfind("road_b_IRI(10m固定)_", 0), 0u);
-  EXPECT_EQ(names[3].rfind("road_b_IRI(10m連続)_", 0), 0u);
-  EXPECT_EQ(names[4].rfind("road_b_IRI(200m固定)_", 0), 0u);
-  const std::string out = ReadBytes(temp / "stdout.txt");
-  EXPECT_EQ(out.rfind("road_b\tIRI ", 0), 0u) << out;
-  const std::string continuous = ReadBytes(temp / "out" / names[3]);
-  EXPECT_EQ(continuous.rfind("Start(m), End(m), Mid(m), IRI(mm/m), IRI(OCT-1)", 0), 0u);
-}
+struct Refusal {
+  std::string name;       // what the row proves
+  std::string arguments;  // {road} is the example road_b, {A} and {B} files written here, {temp} the test's folder
+  int status;
+  std::vector<std::string> messages;  // parts of stderr
+  std::vector<std::string> file = {};  // a text file written first: its name under {temp}, then its lines
+};
 
-TEST_F(CliTest, OctaveAndFilterOnTwoProfiles) {
-  ASSERT_EQ(Run("octave " + Example("road_a_kp.erd") + " " + Example("road_b.erd")), 0) << ReadBytes(temp / "stderr.txt");
-  EXPECT_EQ(Written().size(), 2u);
-  ASSERT_EQ(Run("filter " + Example("road_b.erd") + " --type ma --kind bandpass --long 50 --short 5"), 0)
-      << ReadBytes(temp / "stderr.txt");
-  const auto names = Written();
-  ASSERT_EQ(names.size(), 3u);
-  ASSERT_EQ(names[1].rfind("road_b_MABP_50-5m_", 0), 0u) << names[1];
-  // 5000 samples at 0.05 m (examples/README.md): a head line and one line per sample.
-  const std::string text = ReadBytes(temp / "out" / names[1]);
-  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5001);
-  EXPECT_EQ(text.rfind("Distance(m), Elevetion(mm)\r\n0.00000, ", 0), 0u);
-}
+const std::vector<Refusal> kRefusals = {
+    {"MissingFileIsNamed", "iri '{temp}/missing.erd'", kNonZero, {"missing.erd"}},
+    {"FileThatIsNotErdIsNamed", "octave '{temp}/bad.erd'", kNonZero, {"bad.erd"}, {"bad.erd", "not an ERD file"}},
+    {"UnknownOption", "reduce {road} --frobnicate", kNonZero, {"--frobnicate"}},
+    {"LimitThatIsNotANumber", "reduce {road} --lines 1,2,x,4,5,6,7,8,9", kNonZero, {"\"x\" is not a number"}},
+    {"TooFewLimits", "reduce {road} --lines 1,2,3", kNonZero, {"nine limits"}},
+    {"MissingFileOfReduce", "reduce '{temp}/gone.erd'", kNonZero, {"gone.erd"}},
+    {"OctaveBeyondNine", "octave {road} --bands 10", kNonZero, {"--bands"}},
+    {"SmoothingThatIsNotANumber", "psd {road} --smooth many", kNonZero, {"many"}},
+    {"ZeroIriLength", "iri {road} --length 0", kNonZero, {}},
+    {"ZeroCutOff", "filter {road} --kind lowpass --short 0", kNonZero,
+     {"Short CutOff wavelength > 0.0 で指定して下さい。"}},
+    {"EmptySelectionOfStatistics", "stats {A} --stats ''", kNonZero, {}},
+    {"StatisticsWithNothingToCompute", "stats {A} --no-profile", kNonZero, {"nothing to compute"}},
+    {"MixedPitches", "xcorr {A} {B}", kNonZero,
+     {"対象プロファイルのサンプルピッチは全て同じにしてください。", "A ： 0.2500", "B ： 0.1000", "確認してください。"}},
+    // 100 samples in common: at most 98.
+    {"ShiftBeyondTheCommonSamples", "xcorr {A} {A} --max-shift 99", kNonZero,
+     {"０ < [最大ずらし量] <= ９８　の範囲で指定してください"}},
+    {"BoundaryThatIsNotANumber", "repair {road} --long 5l.2", 1, {"長波側境界値は数値で指定して下さい。"}},
+    {"EmptyBoundary", "repair {road} --short ''", 1, {"短波側境界値が指定されていません。"}},
+    // Options of the command line itself are checked before any work.
+    {"UnknownWave", "repair {road} --register L,X", 2, {"--register: \"X\" is none of L, M, S, ideal"}},
+    {"TooFewRepairLimits", "repair {road} --lines 1,2,3", 2, {"--lines: nine limits are needed (mm), got 3"}},
+    {"OnePlanKp", "repair {road} --plan-range 0.1", 2, {"--plan-range: two KP values in km are needed"}},
+    {"AdjustmentLineWithoutComma", "repair {road} --adjust '{temp}/adjust.csv'", 2,
+     {"{temp}/adjust.csv: line 3: expected \"KP(km),thickness(mm)\", got \"0.2;3\""},
+     {"adjust.csv", "KP(km),厚さ(mm)", "0.1,5", "0.2;3"}},
+    // The road is 249.95 m long.
+    {"AdjustmentBeyondTheRoad", "repair {road} --adjust '{temp}/adjust.csv'", 2,
+     {"KP 0.300 km lies outside the profile road_b"}, {"adjust.csv", "0.3,5"}},
+};
 
-TEST_F(CliTest, BadInputEndsWithAMessageAndNoFiles) {
-  EXPECT_NE(Run("iri '" + (temp / "missing.erd").string() + "'"), 0);
-  EXPECT_NE(ReadBytes(temp / "stderr.txt").find("missing.erd"), std::string::npos);
-  WriteBytes(temp / "bad.erd", "not an ERD file\r\n");
-  EXPECT_NE(Run("octave '" + (temp / "bad.erd").string() + "'"), 0);
-  EXPECT_NE(ReadBytes(temp / "stderr.txt").find("bad.erd"), std::string::npos);
-  EXPECT_NE(Run("filter " + Example("road_b.erd") + " --kind lowpass --short 0"), 0);
-  EXPECT_NE(ReadBytes(temp / "stderr.txt").find("Short CutOff wavelength > 0.0 で指定して下さい。"), std::string::npos);
+void PrintTo(const Refusal& r, std::ostream* os) { *os << r.arguments; }
+
+class Refused : public testing::CliTest, public ::testing::WithParamInterface<Refusal> {
+ protected:
+  std::string Expand(std::string text) const {
+    const std::pair<std::string, std::string> names[] = {{"{road}", Example("road_b.erd")},
+                                                         {"{A}", "'" + (temp / "A.erd").string() + "'"},
+                                                         {"{B}", "'" + (temp / "B.erd").string() + "'"},
+                                                         {"{temp}", temp.path().string()}};
+    for (const auto& [name, value] : names)
+      for (std::size_t at; (at = text.find(name)) != std::string::npos;) text.replace(at, name.size(), value);
+    return text;
+  }
+};
+
+TEST_P(Refused, WithItsStatusAndMessageAndNoFile) {
+  const Refusal& r = GetParam();
+  WriteErd("A", testing::Road(100), 0.25, 1.0);
+  WriteErd("B", testing::Road(100), 0.1, 1.0);
+  if (!r.file.empty()) WriteSystemTextFile(temp / r.file[0], {r.file.begin() + 1, r.file.end()});
+  const int status = Run(Expand(r.arguments));
+  if (r.status == kNonZero) {
+    EXPECT_NE(status, 0);
+  } else {
+    EXPECT_EQ(status, r.status);
+  }
+  EXPECT_FALSE(Stderr().empty());
+  for (const std::string& message : r.messages)
+    EXPECT_NE(Stderr().find(Expand(message)), std::string::npos) << Stderr();
   EXPECT_TRUE(Written().empty());
 }
+
+INSTANTIATE_TEST_SUITE_P(CommandLines, Refused, ::testing::ValuesIn(kRefusals),
+                         [](const ::testing::TestParamInfo<Refusal>& info) { return info.param.name; });
 
 }  // namespace
 }  // namespace velmora

@@ -101,27 +101,29 @@ TEST_F(ProfileListTest, RepeatWithoutAskingReplacesInPlace) {
   EXPECT_EQ(list.Views[0].Rows.size(), 2u);
 }
 
+// A file the reader refuses, one that raises on reading and one gone before its turn each stop the
+// loop with one message naming the file (the reader's own, or the log's under AddProfileList); what
+// was registered before stays, the files behind are not added.
 TEST_F(ProfileListTest, UnreadableFileStopsTheLoopKeepingWhatWasRegistered) {
-  ProfileList list;
-  const std::string good = Source("good.erd"), bad = Source("bad.erd", "zero_step.erd"), late = Source("late.erd");
-  ScriptedUi ui;
-  EXPECT_FALSE(AddProfileList(list, {good, bad, late}, true));
-  EXPECT_EQ(list.Views[0].Rows, (std::vector<std::string>{"good"}));
-  EXPECT_EQ(list.Count(), 1);
-  EXPECT_EQ(ui.OnlyMessageText(), "Illegal step size.\r\n\r\nファイル名：" + bad);
-  EXPECT_FALSE(std::filesystem::exists(ProjectCopy("late.erd")));
-}
-
-TEST_F(ProfileListTest, DataErrorIsLoggedUnderAddProfileList) {
-  ProfileList list;
-  const std::string broken = Source("broken.erd", "data_line_not_number.erd");
-  ScriptedUi ui;
-  EXPECT_FALSE(AddProfileList(list, {broken}, true));
-  EXPECT_EQ(list.Count(), 0);
-  for (const ProfileListView& view : list.Views) EXPECT_TRUE(view.Rows.empty());
-  ASSERT_EQ(ui.Messages().size(), 1u);
-  EXPECT_NE(ui.Messages()[0].Title.find("AddProfileList"), std::string::npos);
-  EXPECT_NE(ui.Messages()[0].Text.find(broken), std::string::npos);
+  const std::string gone = Source("gone.erd");
+  std::filesystem::remove(gone);
+  const std::pair<std::string, std::string> cases[] = {
+      {Source("bad.erd", "zero_step.erd"), "読み込みエラー"},
+      {Source("broken.erd", "data_line_not_number.erd"), "AddProfileList"},
+      {gone, "AddProfileList"},
+  };
+  for (const auto& [bad, title] : cases) {
+    ProfileList list;
+    ScriptedUi ui;
+    EXPECT_FALSE(AddProfileList(list, {Source("good.erd"), bad, Source("late.erd")}, true));
+    EXPECT_EQ(list.Count(), 1);
+    for (const ProfileListView& view : list.Views) EXPECT_EQ(view.Rows, (std::vector<std::string>{"good"}));
+    ASSERT_EQ(ui.Messages().size(), 1u) << bad;
+    EXPECT_NE(ui.Messages()[0].Title.find(title), std::string::npos) << ui.Messages()[0].Title;
+    EXPECT_NE(ui.Messages()[0].Text.find(bad), std::string::npos) << ui.Messages()[0].Text;
+    EXPECT_FALSE(std::filesystem::exists(ProjectCopy("late.erd")));
+    EXPECT_FALSE(std::filesystem::exists(ProjectCopy(std::filesystem::path(bad).filename().string())));
+  }
 }
 
 TEST_F(ProfileListTest, RowColoursCycleThroughThePalette) {

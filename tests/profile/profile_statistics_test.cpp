@@ -1,14 +1,10 @@
-// The profile's own statistics, as computed when a profile is read.
+// The profile's own statistics (that a read fills them is in erd_read_test.cpp).
 #include "profile/profile_statistics.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <vector>
-
-#include "profile/erd_file.h"
-#include "profile/profile_reader.h"
-#include "support/test_support.h"
 
 namespace velmora {
 namespace {
@@ -32,25 +28,6 @@ TEST(CalcProfileStatistics, FiguresByHandNegativeValuesAndNoSample) {
   const ProfileStatistics none = CalcProfileStatistics({});
   EXPECT_EQ(none.Count, 0);
   EXPECT_EQ(none.Max, 0);
-}
-
-TEST(CalcProfileStatistics, FilledWhenAProfileIsRead) {
-  testing::TempDir dir;
-  ErdRecord rec;
-  rec.NumChannels = 1;
-  rec.FormatCode = 5;
-  rec.NumSamples = rec.NumSamplesHeader = 4;
-  rec.IsMetric = true;
-  rec.StepSize = 0.25;
-  rec.Title = "S";
-  rec.Elevation = Array1<double>(std::vector<double>{1, 4, 2, 3});
-  const std::string path = (dir / "S.erd").string();
-  ASSERT_TRUE(WriteERD(path, rec));
-  ProfileRecord profile;
-  ASSERT_TRUE(ReadProfile(path, profile));
-  EXPECT_EQ(profile.Statistics.Count, 4);
-  EXPECT_NEAR(profile.Statistics.Mean, 2.5, 1e-9);
-  EXPECT_NEAR(profile.Statistics.Spread, 3, 1e-9);
 }
 
 }  // namespace

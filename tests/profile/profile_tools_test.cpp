@@ -42,22 +42,27 @@ TEST(ProfileTools, ReversalTwiceGivesTheSameSamplesAndKp) {
 }
 
 TEST(ProfileTools, HeightShiftMovesTheReferenceSampleToTheHeight) {
+  const struct {
+    std::int32_t sign;  // of the KP
+    HeightShiftInput input;
+    const char* name;
+    std::vector<double> samples;
+  } cases[] = {
+      {0, {ShiftReference::Start, "", "100"}, "p_始点H100調整.ERD", {100, 101, 102, 103}},
+      // KP 10.001 km is 1 m, two pitches, from the start: sample 3 (height 3) is the reference.
+      {0, {ShiftReference::Kp, "10.001", "0"}, "p_KP10.001H0調整.ERD", {-2, -1, 0, 1}},
+      // A KP beyond the end takes the last sample reached.
+      {0, {ShiftReference::Kp, "99", "0"}, "p_KP99H0調整.ERD", {-3, -2, -1, 0}},
+      // With a falling KP the same KP lies two pitches along too.
+      {1, {ShiftReference::Kp, "9.999", "0"}, "p_KP9.999H0調整.ERD", {-2, -1, 0, 1}},
+  };
   ScriptedUi ui;
-  auto start = HeightShiftProfiles({Item()}, {ShiftReference::Start, "", "100"});
-  ASSERT_TRUE(start);
-  EXPECT_EQ((*start)[0].FileName, "p_始点H100調整.ERD");
-  EXPECT_EQ(Samples((*start)[0].Erd), (std::vector<double>{100, 101, 102, 103}));
-
-  // KP 10.001 km is 1 m, two pitches, from the start: sample 3 (height 3) is the reference.
-  auto kp = HeightShiftProfiles({Item()}, {ShiftReference::Kp, "10.001", "0"});
-  EXPECT_EQ((*kp)[0].FileName, "p_KP10.001H0調整.ERD");
-  EXPECT_EQ(Samples((*kp)[0].Erd), (std::vector<double>{-2, -1, 0, 1}));
-  // A KP beyond the end takes the last sample reached.
-  auto beyond = HeightShiftProfiles({Item()}, {ShiftReference::Kp, "99", "0"});
-  EXPECT_EQ(Samples((*beyond)[0].Erd), (std::vector<double>{-3, -2, -1, 0}));
-  // With a falling KP the same KP lies two pitches along too.
-  auto falling = HeightShiftProfiles({Item("p.ERD", 10.0, 1)}, {ShiftReference::Kp, "9.999", "0"});
-  EXPECT_EQ(Samples((*falling)[0].Erd), (std::vector<double>{-2, -1, 0, 1}));
+  for (const auto& c : cases) {
+    const auto out = HeightShiftProfiles({Item("p.ERD", 10.0, c.sign)}, c.input);
+    ASSERT_TRUE(out && out->size() == 1u) << c.name;
+    EXPECT_EQ((*out)[0].FileName, c.name);
+    EXPECT_EQ(Samples((*out)[0].Erd), c.samples) << c.name;
+  }
   EXPECT_TRUE(ui.Messages().empty());
 }
 
@@ -83,58 +88,49 @@ TEST(ProfileTools, ChecksStopWithTheirMessages) {
   EXPECT_EQ(m[4].Text, "指定されたファイルが見つかりません。");
 }
 
-TEST(ProfileTools, CutOutByKpAndBySamples) {
+// A cut-out by position and length (データ指定).
+CutOutInput Cut(const std::string& start, const std::string& length, Shortfall fill = Shortfall::None,
+                CutUnit unit = CutUnit::Samples, bool fromEnd = false) {
+  CutOutInput input;
+  input.ByKp = false;
+  input.Start = start;
+  input.Length = length;
+  input.Fill = fill;
+  input.Unit = unit;
+  input.FromEnd = fromEnd;
+  return input;
+}
+
+TEST(ProfileTools, CutOutByKpBySamplesAndByDistanceWithEachShortfallMode) {
   CutOutInput byKp;
   byKp.KpStart = "10.0015";  // swapped with the end
   byKp.KpEnd = "10.0005";
-  auto kp = CutOutProfiles({Item()}, byKp);
-  ASSERT_EQ(kp->size(), 1u);
-  EXPECT_EQ((*kp)[0].FileName, "p_KP始点10.0005_終点10.0015切出し.ERD");
-  EXPECT_EQ(Samples((*kp)[0].Erd), (std::vector<double>{2, 3, 4}));
-  EXPECT_NEAR((*kp)[0].Erd.KpStart, 10.0005, 1e-12);
-
-  CutOutInput bySamples;
-  bySamples.ByKp = false;
-  bySamples.Start = "1";
-  bySamples.Length = "2";
-  auto s = CutOutProfiles({Item()}, bySamples);
-  EXPECT_EQ((*s)[0].FileName, "p_1_2個切出し.ERD");
-  EXPECT_EQ(Samples((*s)[0].Erd), (std::vector<double>{2, 3}));
-
-  // 0.5 m from the end, covering 1 m: the last three samples but one.
-  bySamples.FromEnd = true;
-  bySamples.Unit = CutUnit::M;
-  bySamples.Start = "0.5";
-  bySamples.Length = "1";
-  auto m = CutOutProfiles({Item()}, bySamples);
-  EXPECT_EQ((*m)[0].FileName, "p_0.5_1m切出し.ERD");
-  EXPECT_EQ(Samples((*m)[0].Erd), (std::vector<double>{1, 2, 3}));
-}
-
-TEST(ProfileTools, CutOutShortfallModes) {
-  CutOutInput input;
-  input.ByKp = false;
-  input.Start = "-2";  // two samples before the first
-  input.Length = "8";  // up to two samples behind the last
-  input.Fill = Shortfall::Zero;
-  EXPECT_EQ(Samples((*CutOutProfiles({Item()}, input))[0].Erd), (std::vector<double>{0, 0, 1, 2, 3, 4, 0, 0}));
-  input.Fill = Shortfall::EdgeValue;
-  auto edge = CutOutProfiles({Item()}, input);
-  EXPECT_EQ((*edge)[0].FileName, "p_-2_8個切出し(始終値埋め).ERD");
-  EXPECT_EQ(Samples((*edge)[0].Erd), (std::vector<double>{1, 1, 1, 2, 3, 4, 4, 4}));
-  input.Fill = Shortfall::Mirror;
-  EXPECT_EQ(Samples((*CutOutProfiles({Item()}, input))[0].Erd), (std::vector<double>{3, 2, 1, 2, 3, 4, 3, 2}));
-  input.Fill = Shortfall::None;
-  EXPECT_EQ(Samples((*CutOutProfiles({Item()}, input))[0].Erd), (std::vector<double>{1, 2, 3, 4}));
-  // Folding never reaches past the other end.
-  input.Fill = Shortfall::Mirror;
-  input.Start = "-6";
-  input.Length = "1";
-  EXPECT_EQ(Samples((*CutOutProfiles({Item()}, input))[0].Erd), (std::vector<double>{4}));
+  const struct {
+    CutOutInput input;
+    const char* name;
+    std::vector<double> samples;
+  } cases[] = {
+      {byKp, "p_KP始点10.0005_終点10.0015切出し.ERD", {2, 3, 4}},
+      {Cut("1", "2"), "p_1_2個切出し.ERD", {2, 3}},
+      // 0.5 m from the end, covering 1 m: the last three samples but one.
+      {Cut("0.5", "1", Shortfall::None, CutUnit::M, true), "p_0.5_1m切出し.ERD", {1, 2, 3}},
+      // From two samples before the first to two behind the last.
+      {Cut("-2", "8", Shortfall::Zero), "", {0, 0, 1, 2, 3, 4, 0, 0}},
+      {Cut("-2", "8", Shortfall::EdgeValue), "p_-2_8個切出し(始終値埋め).ERD", {1, 1, 1, 2, 3, 4, 4, 4}},
+      {Cut("-2", "8", Shortfall::Mirror), "", {3, 2, 1, 2, 3, 4, 3, 2}},
+      {Cut("-2", "8"), "", {1, 2, 3, 4}},
+      // Folding never reaches past the other end.
+      {Cut("-6", "1", Shortfall::Mirror), "", {4}},
+  };
+  for (const auto& c : cases) {
+    const auto out = CutOutProfiles({Item()}, c.input);
+    ASSERT_TRUE(out && out->size() == 1u) << c.input.Start;
+    EXPECT_TRUE(*c.name == 0 || (*out)[0].FileName == c.name) << (*out)[0].FileName;
+    EXPECT_EQ(Samples((*out)[0].Erd), c.samples) << c.input.Start << " " << c.input.Length;
+  }
+  EXPECT_NEAR((*CutOutProfiles({Item()}, byKp))[0].Erd.KpStart, 10.0005, 1e-12);
   // Wholly outside with no filling: nothing to register.
-  input.Fill = Shortfall::None;
-  input.Start = "10";
-  EXPECT_TRUE(CutOutProfiles({Item()}, input)->empty());
+  EXPECT_TRUE(CutOutProfiles({Item()}, Cut("10", "1"))->empty());
 }
 
 TEST(ProfileTools, CompositeTiesTheTargetToTheBaseAlongTheOverlap) {

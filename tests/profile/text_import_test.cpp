@@ -38,40 +38,38 @@ TEST_F(TextImportTest, SplitsAtEveryDelimiterInForceButNotInsideQuotes) {
 }
 
 TEST_F(TextImportTest, ChecksInOrderWithTheirTexts) {
-  ScriptedUi ui;
-  const auto path = Text("a.csv", {"1,2", "3,4", "5,6"});
-  ImportOptions options = Options("");
-  auto preview = BuildImportPreview(path, options);
+  ScriptedUi quiet;
+  const auto preview = BuildImportPreview(Text("a.csv", {"1,2", "3,4", "5,6"}), Options());
+  EXPECT_TRUE(quiet.Messages().empty());
   EXPECT_EQ(preview.RowCount(), 3);
   EXPECT_EQ(preview.Columns, 2);
-  EXPECT_EQ(CheckImport(preview, options), 0);
-  options.Pitch = "x";
-  EXPECT_EQ(CheckImport(preview, options), 0);
-  options.Pitch = "0.1";
-  options.FirstRow = "0";
-  EXPECT_EQ(CheckImport(preview, options), 1);
-  options.FirstRow = "";
-  options.LastRow = "4";
-  EXPECT_EQ(CheckImport(preview, options), 2);
-  options.LastRow = "";
-  options.LastColumn = "3";
-  EXPECT_EQ(CheckImport(preview, options), 4);
-  options.LastColumn = "";
-  options.FirstRow = "3";
-  options.LastRow = "2";
-  EXPECT_EQ(CheckImport(preview, options), 2);
-  options = Options();
-  EXPECT_EQ(CheckImport(preview, options), -1);
-
-  const auto messages = ui.Messages();
-  ASSERT_EQ(messages.size(), 6u);
-  EXPECT_EQ(messages[0].Text, "ピッチが指定されていません。");
-  EXPECT_EQ(messages[0].Title, "データ不正");
-  EXPECT_EQ(messages[1].Text, "数値で指定してください。");
-  EXPECT_EQ(messages[2].Text, "データ開始行（開始位置）は１以上で指定してください");
-  EXPECT_EQ(messages[3].Text, "データ開始行（終了位置）は 3 以下で指定してください");
-  EXPECT_EQ(messages[4].Text, "データ開始列（終了位置）は 2 以下で指定してください");
-  EXPECT_EQ(messages[5].Text, "データ開始行（終了位置）は 3 以上で指定してください");
+  // Pitch, first row, last row, last column; the box that gets the focus and the message.
+  const struct {
+    std::string pitch, firstRow, lastRow, lastColumn;
+    std::int32_t focus;
+    std::string message;
+  } cases[] = {
+      {"", "", "", "", 0, "ピッチが指定されていません。"},
+      {"x", "", "", "", 0, "数値で指定してください。"},
+      {"0.1", "0", "", "", 1, "データ開始行（開始位置）は１以上で指定してください"},
+      {"0.1", "", "4", "", 2, "データ開始行（終了位置）は 3 以下で指定してください"},
+      {"0.1", "", "", "3", 4, "データ開始列（終了位置）は 2 以下で指定してください"},
+      {"0.1", "3", "2", "", 2, "データ開始行（終了位置）は 3 以上で指定してください"},
+  };
+  for (const auto& c : cases) {
+    ImportOptions options = Options(c.pitch);
+    options.FirstRow = c.firstRow;
+    options.LastRow = c.lastRow;
+    options.LastColumn = c.lastColumn;
+    ScriptedUi ui;
+    EXPECT_EQ(CheckImport(preview, options), c.focus) << c.message;
+    ASSERT_EQ(ui.Messages().size(), 1u) << c.message;
+    EXPECT_EQ(ui.Messages()[0].Text, c.message);
+    EXPECT_EQ(ui.Messages()[0].Title, "データ不正");
+  }
+  ScriptedUi ui;
+  EXPECT_EQ(CheckImport(preview, Options()), -1);
+  EXPECT_TRUE(ui.Messages().empty());
 }
 
 TEST_F(TextImportTest, ColumnsBecomeNumberedProfilesWithHeadingTitlesAndHolesEndAColumn) {
