@@ -5,10 +5,14 @@
 #include <cmath>
 #include <filesystem>
 
+#include "base/session.h"
 #include "base/user_interaction.h"
 #include "profile/erd_file.h"
 
 namespace {
+
+// The benchmarks ask nothing and log into no folder: one silent session serves them all.
+velmora::Session session;
 
 constexpr std::int32_t kSamples = 1'000'000;
 
@@ -38,7 +42,7 @@ void BM_ReadERD_1M(benchmark::State& state) {
   const std::string& path = BenchFile();
   for (auto _ : state) {
     velmora::ErdRecord rec;
-    benchmark::DoNotOptimize(velmora::ReadERD(path, rec));
+    benchmark::DoNotOptimize(velmora::ReadERD(session, path, rec));
     if (rec.NumSamples != kSamples) state.SkipWithError("wrong sample count");
   }
   state.SetItemsProcessed(state.iterations() * kSamples);

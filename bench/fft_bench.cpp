@@ -4,6 +4,7 @@
 #include <cmath>
 #include <random>
 
+#include "base/session.h"
 #include "analysis/fft.h"
 #include "analysis/fft_filter.h"
 #include "analysis/fft_kernels.h"
@@ -11,6 +12,9 @@
 
 namespace velmora {
 namespace {
+
+// The benchmarks ask nothing and log into no folder: one silent session serves them all.
+velmora::Session session;
 
 Array1<double> RandomWalk(std::int32_t n) {
   std::mt19937 random(42);
@@ -63,7 +67,7 @@ void BM_FftFilterSinglePass(benchmark::State& state) {
   WaveSeries result, other;
   for (auto _ : state) {
     std::int32_t seq = 0;
-    Cal_FFTフィルタ_単体処理(seq, 0, n, FftLength1(n), FftLength2(n), 0.1, FilterKind::BandPass, 50.0, 3.0, profile,
+    Cal_FFTフィルタ_単体処理(session, seq, 0, n, FftLength1(n), FftLength2(n), 0.1, FilterKind::BandPass, 50.0, 3.0, profile,
                         result, other);
     benchmark::DoNotOptimize(result.Values.data());
   }
@@ -78,7 +82,7 @@ void BM_FftFilterConvergent(benchmark::State& state) {
   WaveSeries result;
   std::int64_t passes = 0;
   for (auto _ : state) {
-    Cal_FFTフィルタ_収束計算(n, FftLength1(n), FftLength2(n), 0.1, FilterKind::BandPass, 50.0, 3.0, profile, result,
+    Cal_FFTフィルタ_収束計算(session, n, FftLength1(n), FftLength2(n), 0.1, FilterKind::BandPass, 50.0, 3.0, profile, result,
                         FilterConvergence{});
     benchmark::DoNotOptimize(result.Values.data());
     ++passes;
@@ -93,7 +97,7 @@ void BM_FftFilterTenPasses(benchmark::State& state) {
   const Array1<double> profile = RandomWalk(n);
   WaveSeries result;
   for (auto _ : state) {
-    Cal_FFTフィルタ_収束計算(n, FftLength1(n), FftLength2(n), 0.1, FilterKind::HiPass, 50.0, 0.0, profile, result,
+    Cal_FFTフィルタ_収束計算(session, n, FftLength1(n), FftLength2(n), 0.1, FilterKind::HiPass, 50.0, 0.0, profile, result,
                         FilterConvergence{0.0, 10});
     benchmark::DoNotOptimize(result.Values.data());
   }
@@ -106,7 +110,7 @@ void BM_MovingAverage(benchmark::State& state) {
   const Array1<double> profile = RandomWalk(n);
   Array1<double> high, mean;
   for (auto _ : state) {
-    MovingAverageSplit(500, n, profile, high, mean);  // 50 m at 0.1 m
+    MovingAverageSplit(DebugTables{}, 500, n, profile, high, mean);  // 50 m at 0.1 m
     benchmark::DoNotOptimize(mean.data());
   }
   state.SetItemsProcessed(state.iterations() * n);

@@ -53,7 +53,7 @@ void Sections(AnalysisBlock& block) {
 void BM_WholeProfileResponseWindowSections(benchmark::State& state) {
   AnalysisBlock block = LongProfile();
   for (auto _ : state) {
-    CalcIriProfile(block, TenMetreWindow(), false);
+    CalcIriProfile(DebugTables{}, block, TenMetreWindow(), false);
     Sections(block);
     benchmark::DoNotOptimize(block.Sections.Sec10[1].Iri);
   }
@@ -64,7 +64,7 @@ BENCHMARK(BM_WholeProfileResponseWindowSections)->Unit(benchmark::kMillisecond);
 void BM_WithNineBandsAndBothSums(benchmark::State& state) {
   AnalysisBlock block = LongProfile();
   for (auto _ : state) {
-    CalcIriProfile(block, TenMetreWindow(), true);
+    CalcIriProfile(DebugTables{}, block, TenMetreWindow(), true);
     Sections(block);
     benchmark::DoNotOptimize(block.Iri.IriWindowRss.Stats.Mean);
   }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <vector>
 
+#include "base/session.h"
 #include "analysis/band_reduction.h"
 #include "analysis/octave.h"
 #include "analysis/prepare_profile.h"
@@ -12,6 +13,9 @@
 
 namespace velmora {
 namespace {
+
+// The benchmarks ask nothing and log into no folder: one silent session serves them all.
+velmora::Session session;
 
 ProfileRecord RoadOf(std::int64_t n, double dx) {
   ProfileRecord record;
@@ -35,9 +39,9 @@ void SetPerSample(benchmark::State& state, std::int64_t n) {
 void BM_SinglePassSplit(benchmark::State& state) {
   const std::int64_t n = state.range(0);
   ProfileRecord record = RoadOf(n, 0.01);
-  PrepareProfile(record);
+  PrepareProfile(DebugTables{}, record);
   for (auto _ : state) {
-    const bool ok = DecomposeProfile(record, false, true);
+    const bool ok = DecomposeProfile(session, record, false, FilterConvergence{}, true);
     benchmark::DoNotOptimize(ok);
   }
   SetPerSample(state, n);
@@ -50,10 +54,10 @@ BENCHMARK(BM_SinglePassSplit)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMilli
 void BM_PeelingSplit(benchmark::State& state) {
   const std::int64_t n = state.range(0);
   ProfileRecord record = RoadOf(n, 0.01);
-  PrepareProfile(record);
+  PrepareProfile(DebugTables{}, record);
   const FilterConvergence limits{static_cast<double>(state.range(2)) / 10, static_cast<std::int32_t>(state.range(1))};
   for (auto _ : state) {
-    const bool ok = DecomposeProfile(record, true, true, limits);
+    const bool ok = DecomposeProfile(session, record, true, limits, true);
     benchmark::DoNotOptimize(ok);
   }
   SetPerSample(state, n);
@@ -69,7 +73,7 @@ BENCHMARK(BM_PeelingSplit)
 void BM_PrepareProfile(benchmark::State& state) {
   const std::int64_t n = state.range(0);
   ProfileRecord record = RoadOf(n, 0.01);
-  for (auto _ : state) PrepareProfile(record);
+  for (auto _ : state) PrepareProfile(DebugTables{}, record);
   SetPerSample(state, n);
 }
 BENCHMARK(BM_PrepareProfile)->Arg(1000000)->Unit(benchmark::kMillisecond);
@@ -77,12 +81,12 @@ BENCHMARK(BM_PrepareProfile)->Arg(1000000)->Unit(benchmark::kMillisecond);
 void BM_BandReduction(benchmark::State& state) {
   const std::int64_t n = state.range(0);
   ProfileRecord record = RoadOf(n, 0.01);
-  DecomposeProfile(record, false);
+  DecomposeProfile(session, record, false, FilterConvergence{});
   std::array<double, 10> limits;
   limits.fill(0.5);
   BandReductionResult result;
   for (auto _ : state) {
-    const bool ok = Cal_バンド別低減(limits, static_cast<std::int32_t>(n), record.Analysis.Octave, result);
+    const bool ok = Cal_バンド別低減(session, limits, static_cast<std::int32_t>(n), record.Analysis.Octave, result);
     benchmark::DoNotOptimize(ok);
   }
   SetPerSample(state, n);
@@ -94,7 +98,7 @@ void BM_PsdCalc(benchmark::State& state) {
   const ProfileRecord record = RoadOf(n, 0.01);
   Array1<double> out;
   for (auto _ : state) {
-    const bool ok = PsdCalc(record.WorkCount, record.WorkProfile, 0.01, 1, true, out);
+    const bool ok = PsdCalc(session, record.WorkCount, record.WorkProfile, 0.01, 1, true, out);
     benchmark::DoNotOptimize(ok);
   }
   SetPerSample(state, n);
@@ -105,8 +109,8 @@ void BM_PsdSmooth(benchmark::State& state) {
   const std::int64_t n = state.range(0);
   const ProfileRecord record = RoadOf(n, 0.01);
   Array1<double> psd;
-  PsdCalc(record.WorkCount, record.WorkProfile, 0.01, 1, true, psd);
-  for (auto _ : state) benchmark::DoNotOptimize(SmoothPsdValues(psd, record.WorkCount, 0.01, 12));
+  PsdCalc(session, record.WorkCount, record.WorkProfile, 0.01, 1, true, psd);
+  for (auto _ : state) benchmark::DoNotOptimize(SmoothPsdValues(DebugTables{}, psd, record.WorkCount, 0.01, 12));
   SetPerSample(state, n);
 }
 BENCHMARK(BM_PsdSmooth)->Arg(1000000)->Unit(benchmark::kMillisecond);

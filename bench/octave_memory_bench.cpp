@@ -9,11 +9,15 @@
 #include <cstdlib>
 #include <new>
 
+#include "base/session.h"
 #include "analysis/octave.h"
 #include "analysis/prepare_profile.h"
 #include "profile/profile_record.h"
 
 namespace {
+
+// The benchmarks ask nothing and log into no folder: one silent session serves them all.
+velmora::Session session;
 
 std::atomic<std::size_t> liveBytes{0};
 std::atomic<std::size_t> peakBytes{0};
@@ -64,9 +68,9 @@ void MeasureSplit(benchmark::State& state, bool converge, int splits = 1) {
         const double x = static_cast<double>(i) * 0.01;
         record.WorkProfile[i] = 5 * std::sin(x / 9.1) + 2 * std::sin(x / 1.3) + 0.5 * std::sin(x / 0.11);
       }
-      PrepareProfile(record);
+      PrepareProfile(DebugTables{}, record);
       for (int split = 1; split <= splits; ++split) {
-        const bool ok = DecomposeProfile(record, converge, true, FilterConvergence{1.1, 3});
+        const bool ok = DecomposeProfile(session, record, converge, FilterConvergence{1.1, 3}, true);
         benchmark::DoNotOptimize(ok);
       }
     }

@@ -31,8 +31,9 @@ ProfileRecord Road(std::int32_t n) {
 
 void BM_StudyFourTabs(benchmark::State& state) {
   const auto n = static_cast<std::int32_t>(state.range(0));
-  CurrentConditions().RepairIri = IriParams{80, 63.3, 6, 0.15, 653, 0, 0, 10};
-  workbench::Workbench bench;
+  Session session;
+  session.CurrentConditions.RepairIri = IriParams{80, 63.3, 6, 0.15, 653, 0, 0, 10};
+  workbench::Workbench bench{session};
   bench.FormLoad();
   bench.MnuBunseki();
   bench.DispGrp = true;

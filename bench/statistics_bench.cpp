@@ -6,11 +6,15 @@
 #include <random>
 #include <vector>
 
+#include "base/session.h"
 #include "base/user_interaction.h"
 #include "evaluation/section_statistics.h"
 #include "evaluation/statistics.h"
 
 namespace {
+
+// The benchmarks ask nothing and log into no folder: one silent session serves them all.
+velmora::Session session;
 
 constexpr int kProfiles = 50;
 constexpr int kSamples = 100000;
@@ -57,8 +61,8 @@ void BM_RunStatisticsProfileSide(benchmark::State& state) {
   velmora::SwitchGroup(selection.ProfileBands, true);
   velmora::SwitchGroup(selection.ProfileMeasures, true);
   velmora::StatisticsResults results;
-  velmora::RunStatistics(list, rows, selection, {}, results);  // splits the bands
-  for (auto _ : state) benchmark::DoNotOptimize(velmora::RunStatistics(list, rows, selection, {}, results));
+  velmora::RunStatistics(session, list, rows, selection, {}, results);  // splits the bands
+  for (auto _ : state) benchmark::DoNotOptimize(velmora::RunStatistics(session, list, rows, selection, {}, results));
 }
 BENCHMARK(BM_RunStatisticsProfileSide)->Unit(benchmark::kMillisecond)->Iterations(2);
 

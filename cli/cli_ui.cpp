@@ -77,9 +77,9 @@ void CliUi::ProgressStart(const std::string& title, const std::string& message) 
   DrawBar(0);
 }
 
-void CliUi::ProgressValue(int percent) {
-  if (percent < 0 || percent > 100 || percent == lastPercent_) return;
-  DrawBar(percent);
+bool CliUi::ProgressValue(int percent) {
+  if (percent >= 0 && percent <= 100 && percent != lastPercent_) DrawBar(percent);
+  return true;
 }
 
 void CliUi::ProgressExit() {

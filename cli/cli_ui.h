@@ -19,7 +19,7 @@ class CliUi final : public UserInteraction {
   std::string SaveFile(const FileDialogRequest& request) override;
   std::string ChooseFolder(const FileDialogRequest& request) override;
   void ProgressStart(const std::string& title, const std::string& message) override;
-  void ProgressValue(int percent) override;
+  bool ProgressValue(int percent) override;
   void ProgressExit() override;
 
   int MessageCount() const { return messages_; }

@@ -1,7 +1,7 @@
 // velmora filter: the filter tab's Go over the files, one CSV of the filtered profile per file.
 #include <map>
 
-#include "session.h"
+#include "command_session.h"
 
 namespace velmora::cli {
 namespace {

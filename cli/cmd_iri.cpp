@@ -3,7 +3,7 @@
 
 #include "base/settings.h"
 #include "profile/profile_list.h"
-#include "session.h"
+#include "command_session.h"
 
 namespace velmora::cli {
 namespace {
@@ -21,7 +21,7 @@ struct IriOptions {
 int RunIriCommand(const CommonOptions& common, const IriOptions& o) {
   auto session = OpenSession(common, o.Files, workbench::tab::Iri);
   if (!session) return 1;
-  IriParams& params = CurrentConditions().Iri;
+  IriParams& params = session->Engine.CurrentConditions.Iri;
   if (o.Speed > 0) params.Speed = o.Speed;
   if (o.Init > 0) params.InitFilter = o.Init;
   if (o.Rms) params.PowerWeighting = 1;

@@ -1,6 +1,6 @@
 // velmora octave: the octave split of the files, one CSV with the nine bands and the sums per file,
 // and on request the bands one by one and the sums in files of their own.
-#include "session.h"
+#include "command_session.h"
 
 namespace velmora::cli {
 namespace {

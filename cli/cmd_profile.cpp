@@ -7,16 +7,18 @@
 #include "profile/erd_file.h"
 #include "profile/profile_export.h"
 #include "profile/profile_reader.h"
+#include "base/session.h"
 #include "results/wave_series.h"
+#include "cli_ui.h"
 #include "command_registry.h"
 
 namespace velmora::cli {
 namespace {
 
 // Reads one file as a registration would; false (the reason already on stderr) when it fails.
-bool LoadProfile(const std::string& path, ProfileRecord& profile) {
+bool LoadProfile(Session& session, const std::string& path, ProfileRecord& profile) {
   try {
-    if (ReadProfile(path, profile)) return true;
+    if (ReadProfile(session, path, profile)) return true;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "velmora: %s\n", error.what());
   }
@@ -41,11 +43,13 @@ void PrintInfo(const std::string& path, const ProfileRecord& profile) {
               FormatNumber(stats.StdDev, "0.0000").c_str());
 }
 
-int RunInfo(const std::vector<std::string>& files) {
+int RunInfo(const std::vector<std::string>& files, const CommonOptions& common) {
+  CliUi ui(common);
+  Session session(ui);
   int status = 0;
   for (const std::string& path : files) {
     ProfileRecord profile;
-    if (LoadProfile(path, profile)) PrintInfo(path, profile);
+    if (LoadProfile(session, path, profile)) PrintInfo(path, profile);
     else status = 1;
   }
   return status;
@@ -61,13 +65,15 @@ std::string CsvTarget(const std::string& output, const CommonOptions& common) {
 }
 
 int RunConvert(const std::vector<std::string>& files, const std::string& output, const CommonOptions& common) {
+  CliUi ui(common);
+  Session session(ui);
   std::vector<ProfileRecord> profiles(files.size());
   for (std::size_t i = 0; i < files.size(); ++i)
-    if (!LoadProfile(files[i], profiles[i])) return 1;
+    if (!LoadProfile(session, files[i], profiles[i])) return 1;
   std::vector<const ErdRecord*> records;
   for (const ProfileRecord& profile : profiles) records.push_back(&profile.Erd);
   try {
-    for (const std::string& written : WriteProfileCsv(CsvTarget(output, common), records))
+    for (const std::string& written : WriteProfileCsv(session, CsvTarget(output, common), records))
       std::printf("%s\n", written.c_str());
   } catch (const std::exception& error) {
     std::fprintf(stderr, "velmora: %s\n", error.what());
@@ -83,10 +89,10 @@ void AddErdFiles(CLI::App& cmd, std::vector<std::string>& files) {
 }  // namespace
 
 VELMORA_COMMAND("info", "header, samples, pitch (m), length (m), KP and elevation statistics (mm) of ERD files",
-                [](CLI::App& cmd, const CommonOptions&) -> std::function<int()> {
+                [](CLI::App& cmd, const CommonOptions& common) -> std::function<int()> {
                   auto files = std::make_shared<std::vector<std::string>>();
                   AddErdFiles(cmd, *files);
-                  return [files] { return RunInfo(*files); };
+                  return [files, &common] { return RunInfo(*files, common); };
                 });
 
 VELMORA_COMMAND("convert", "ERD files side by side in one CSV (ERD header rows, then elevations in mm)",

@@ -1,6 +1,6 @@
 // velmora psd: the PSD of the files (raw, smoothed, and the ratio to the first file).
 #include "base/common.h"
-#include "session.h"
+#include "command_session.h"
 
 namespace velmora::cli {
 namespace {

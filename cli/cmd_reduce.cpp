@@ -5,7 +5,7 @@
 #include "base/common.h"
 #include "base/settings.h"
 #include "profile/profile_list.h"
-#include "session.h"
+#include "command_session.h"
 
 namespace velmora::cli {
 namespace {

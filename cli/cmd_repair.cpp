@@ -14,7 +14,7 @@
 #include "profile/profile_list.h"
 #include "repair/ideal_shape.h"
 #include "repair/study_targets.h"
-#include "session.h"
+#include "command_session.h"
 
 namespace velmora::cli {
 namespace {
@@ -136,7 +136,7 @@ bool ApplyAdjustments(workbench::Workbench& bench, const std::string& file, cons
       SetPointThickness(study, static_cast<std::size_t>(nearest - table.begin()), a.Thickness);
     }
     record.Studies.push_back(std::move(study));
-    if (!CalcStudyAdjustment(record, record.Studies.back(), bench.Repair.Form)) return false;
+    if (!CalcStudyAdjustment(bench.Session(), record, record.Studies.back(), bench.Repair.Form)) return false;
     record.RepairStudy.ChosenStudy = static_cast<std::int32_t>(record.Studies.size());
   }
   return true;
@@ -169,7 +169,7 @@ bool RegisterWaves(workbench::Workbench& bench, const RegisterChoice& choice, co
   if (!choice.Any()) return true;
   const workbench::RegisteredWaves registered = workbench::RegisterStudyWaves(bench, choice.Waves, choice.Ideal);
   for (const std::string& name : registered.FileNames) {
-    fs::copy_file(fs::path(ProjectProfileFolder()) / name, fs::path(outputDir) / name,
+    fs::copy_file(fs::path(ProjectProfileFolder(bench.Session())) / name, fs::path(outputDir) / name,
                   fs::copy_options::overwrite_existing);
     std::printf("registered\t%s\n", name.c_str());
   }
@@ -188,7 +188,7 @@ int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
     bench.DispGrp = true;
     workbench::RepairTabInputs& in = FillForm(bench, o);
     // A fresh study: the typed values are the study's own, so the first split resets nothing.
-    if (!getParam_補修形状検討_3波分解(in.Form, in.Stored)) return 1;
+    if (!getParam_補修形状検討_3波分解(bench.Session(), in.Form, in.Stored)) return 1;
     ApplyPlanRange(bench, o.PlanRange);
     for (int t = ThreeWave; t <= IdealShape; ++t) bench.SelectAll(t);
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "base/common.h"
-#include "session.h"
+#include "command_session.h"
 
 namespace velmora::cli {
 namespace {

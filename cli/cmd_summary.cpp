@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "report/profile_summary.h"
-#include "session.h"
+#include "command_session.h"
 
 namespace velmora::cli {
 namespace {

@@ -9,7 +9,7 @@
 #include "profile/erd_file.h"
 #include "profile/profile_tools.h"
 #include "profile/text_import.h"
-#include "session.h"
+#include "command_session.h"
 
 namespace velmora::cli {
 namespace {
@@ -67,8 +67,8 @@ int RunImport(const CommonOptions& common, const ImportArgs& args) {
   auto session = OpenSession(common, {}, workbench::tab::Profile);
   if (!session) return 1;
   const ImportPreview preview = BuildImportPreview(args.File, options);
-  if (CheckImport(preview, options) >= 0) return 1;
-  const auto written = WriteImportedProfiles(args.File, preview, options, session->Bench.List());
+  if (CheckImport(session->Engine, preview, options) >= 0) return 1;
+  const auto written = WriteImportedProfiles(session->Engine, args.File, preview, options, session->Bench.List());
   // Registration reads every file back, so a column that did not make a valid profile fails here.
   if (!session->Bench.RegisterFiles(written, false) || !EnsureOutputFolder(common)) return 1;
   for (const std::string& file : written) {
@@ -115,7 +115,7 @@ int RunTool(const CommonOptions& common, const std::string& tool, const ToolArgs
     input.Reference = args.At == "end" ? ShiftReference::End : args.At == "kp" ? ShiftReference::Kp : ShiftReference::Start;
     input.Kp = args.Kp;
     input.Height = args.Height;
-    return WriteOutputs(common, HeightShiftProfiles(items, input));
+    return WriteOutputs(common, HeightShiftProfiles(session->Engine, items, input));
   }
   if (tool == "cut") {
     CutOutInput input;
@@ -126,7 +126,7 @@ int RunTool(const CommonOptions& common, const std::string& tool, const ToolArgs
     input.FromEnd = args.FromEnd;
     input.Unit = UnitOf(args.Unit);
     input.Fill = FillOf(args.Fill);
-    return WriteOutputs(common, CutOutProfiles(items, input));
+    return WriteOutputs(common, CutOutProfiles(session->Engine, items, input));
   }
   CompositeInput input;
   input.BaseIsCsv = args.Base.empty();
@@ -138,7 +138,7 @@ int RunTool(const CommonOptions& common, const std::string& tool, const ToolArgs
     input.BaseProfile = items.front();
     items.erase(items.begin());
   }
-  return WriteOutputs(common, CompositeProfiles(items, input));
+  return WriteOutputs(common, CompositeProfiles(session->Engine, items, input));
 }
 
 VELMORA_COMMAND("import", "delimited text columns into ERD profiles (one per column) in -o; pitch in m",

@@ -6,7 +6,7 @@
 
 #include "evaluation/correlation_tables.h"
 #include "profile/profile_list.h"
-#include "session.h"
+#include "command_session.h"
 
 namespace velmora::cli {
 namespace {
@@ -55,7 +55,7 @@ int RunXcorrCommand(const CommonOptions& common, const XcorrOptions& o) {
   if (!o.RegisterShifted) return 0;
   // The copies are registered in the session's project; the user gets them beside the CSV files.
   for (const std::string& name : workbench::RegisterShiftedProfilesTab(bench)) {
-    const std::filesystem::path source = std::filesystem::path(ProjectProfileFolder()) / (name + ".ERD");
+    const std::filesystem::path source = std::filesystem::path(ProjectProfileFolder(bench.Session())) / (name + ".ERD");
     std::error_code ec;
     std::filesystem::copy_file(source, std::filesystem::path(common.OutputDir) / (name + ".ERD"),
                                std::filesystem::copy_options::overwrite_existing, ec);

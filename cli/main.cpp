@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <exception>
 
-#include "cli_ui.h"
 #include "command_registry.h"
 
 using velmora::cli::CommonOptions;
@@ -40,8 +39,6 @@ int main(int argc, char** argv) {
 
   CLI11_PARSE(app, argc, argv);
 
-  velmora::cli::CliUi ui(common);
-  velmora::ScopedUi scope(ui);
   try {
     for (auto& [command, run] : runners)
       if (command->parsed()) return run();

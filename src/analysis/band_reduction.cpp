@@ -79,10 +79,10 @@ void RestoreOutsideRange(std::span<const double> original, std::span<double> red
   restore(i, n);  // nothing when the half-wave reaches sample n
 }
 
-bool Cal_バンド別低減(const std::array<double, 10>& limits, std::int32_t n, const OctaveBandSet& bands,
+bool Cal_バンド別低減(Session& session, const std::array<double, 10>& limits, std::int32_t n, const OctaveBandSet& bands,
                   BandReductionResult& result, bool useRange, std::int32_t rangeStart,
                   std::int32_t rangeEnd) {
-  return Guarded("bas計算共通", "Cal_バンド別低減", [&] {
+  return Guarded(session, "bas計算共通", "Cal_バンド別低減", [&] {
     BandReductionResult out;
     for (std::size_t k = 1; k <= 9; ++k) {
       const Array1<double>& band = bands.Band[k].Values;

@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 
+#include "base/session.h"
 #include "results/band_reduction_types.h"
 #include "results/octave_types.h"
 #include "results/wave_series.h"
@@ -34,7 +35,7 @@ void RestoreOutsideRange(std::span<const double> original, std::span<double> red
 // Reduces the real parts of bands.Band[1..9] (n samples each) against limits[1..9] (mm) into
 // result.Reduced and sums all nine into result.Total. With useRange only the half-waves that meet
 // rangeStart..rangeEnd stay reduced. Errors are logged under "Cal_バンド別低減" and give false.
-bool Cal_バンド別低減(const std::array<double, 10>& limits, std::int32_t n, const OctaveBandSet& bands,
+bool Cal_バンド別低減(Session& session, const std::array<double, 10>& limits, std::int32_t n, const OctaveBandSet& bands,
                   BandReductionResult& result, bool useRange = false, std::int32_t rangeStart = 0,
                   std::int32_t rangeEnd = 0);
 

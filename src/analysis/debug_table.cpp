@@ -3,16 +3,13 @@
 #include <filesystem>
 #include <string>
 
-#include "base/app_paths.h"
-#include "base/settings.h"
+#include "base/session.h"
 #include "base/text_encoding.h"
 
 namespace velmora {
 
-bool DebugTablesOn() { return Settings().DebugLevel > 0; }
-
-void WriteDebugTable(std::string_view fileName, const std::vector<std::string>& lines) {
-  const std::filesystem::path folder = Paths().DebugPath;
+void WriteDebugTable(const DebugTables& debug, std::string_view fileName, const std::vector<std::string>& lines) {
+  const std::filesystem::path folder = debug.Folder;
   if (!folder.empty()) std::filesystem::create_directories(folder);
   WriteSystemTextFile(folder / std::string(fileName), lines);
 }

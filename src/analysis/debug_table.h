@@ -4,11 +4,11 @@
 #include <string_view>
 #include <vector>
 
+#include "base/session.h"
+
 namespace velmora {
 
-// True when DebugLevel (TOLVAVERI.ini, General) is above 0.
-bool DebugTablesOn();
-// Writes the lines (Shift-JIS, CR LF) to Paths().DebugPath/fileName, creating the folder if needed.
-void WriteDebugTable(std::string_view fileName, const std::vector<std::string>& lines);
+// Writes the lines (Shift-JIS, CR LF) to debug.Folder/fileName, creating the folder if needed.
+void WriteDebugTable(const DebugTables& debug, std::string_view fileName, const std::vector<std::string>& lines);
 
 }  // namespace velmora

@@ -29,20 +29,20 @@ std::string CutOffPart(double longCut, double shortCut) {
   return "LongCutFil=" + FormatNumber(longCut, "0.000") + "  ShrtCutFil=" + FormatNumber(shortCut, "0.000");
 }
 
-void WriteSourceTable(std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
+void WriteSourceTable(const DebugTables& debug, std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
                       const Array1<double>& source) {
   std::vector<std::string> lines{"No, Profile"};
   lines.reserve(static_cast<std::size_t>(n) + 1);
   for (std::int32_t i = 1; i <= n; ++i) lines.push_back(std::to_string(i) + "," + FormatNumber(source[i], "0.000000"));
   ++debugSeq;
-  WriteDebugTable(FormatNumber(debugSeq, "000") + "_FFTフィルタ_収束回数=" + FormatNumber(iteration, "00") +
+  WriteDebugTable(debug, FormatNumber(debugSeq, "000") + "_FFTフィルタ_収束回数=" + FormatNumber(iteration, "00") +
                       "_Profile.csv",
                   lines);
 }
 
 // The frequency column is the element's own harmonic (element 1 is zero frequency), not the one the
 // mask judged it by, so the table shows the one-bin offset of the mask.
-void WriteMaskTable(std::int32_t& debugSeq, std::int32_t length, double dx, FilterKind kind, double longCut,
+void WriteMaskTable(const DebugTables& debug, std::int32_t& debugSeq, std::int32_t length, double dx, FilterKind kind, double longCut,
                     double shortCut, const Array1<std::uint8_t>& mask) {
   std::vector<std::string> lines;
   lines.reserve(static_cast<std::size_t>(length));
@@ -58,12 +58,12 @@ void WriteMaskTable(std::int32_t& debugSeq, std::int32_t length, double dx, Filt
                     FormatNumber(1 / ff, "0.00000") + "  " + value);
   }
   ++debugSeq;
-  WriteDebugTable(FormatNumber(debugSeq, "000") + "_FFTフィルタ用Filter " + CutOffPart(longCut, shortCut) + " ( " +
+  WriteDebugTable(debug, FormatNumber(debugSeq, "000") + "_FFTフィルタ用Filter " + CutOffPart(longCut, shortCut) + " ( " +
                       FilterKindName(kind) + " ).dat",
                   lines);
 }
 
-void WriteResultTable(std::int32_t& debugSeq, std::int32_t n, double dx, FilterKind kind, double longCut,
+void WriteResultTable(const DebugTables& debug, std::int32_t& debugSeq, std::int32_t n, double dx, FilterKind kind, double longCut,
                       double shortCut, const Array1<double>& source, const WaveSeries& result,
                       const WaveSeries& other) {
   const std::string name = FilterKindName(kind);
@@ -78,7 +78,7 @@ void WriteResultTable(std::int32_t& debugSeq, std::int32_t n, double dx, FilterK
                     FormatNumber(rest, kFull) + "," + FormatNumber(source[i] - pass - rest, kFull));
   }
   ++debugSeq;
-  WriteDebugTable(FormatNumber(debugSeq, "000") + "_FFTフィルタ結果 " + CutOffPart(longCut, shortCut) + " ( " +
+  WriteDebugTable(debug, FormatNumber(debugSeq, "000") + "_FFTフィルタ結果 " + CutOffPart(longCut, shortCut) + " ( " +
                       name + " ).csv",
                   lines);
 }
@@ -102,12 +102,12 @@ void MaskedInverse(const Array1<Complex>& spectrum, std::int32_t length, const A
 
 }  // namespace
 
-FilterConvergence ReadFilterConvergence() {
+FilterConvergence ReadFilterConvergence(const AppPaths& paths) {
   FilterConvergence limits;
   std::string text;
-  if (ReadIni(GeneralIniPath(), "収束判定値", "標準偏差比", text))
+  if (ReadIni(GeneralIniPath(paths), "収束判定値", "標準偏差比", text))
     if (const auto value = ParseNumber(text)) limits.StdRatio = *value;
-  if (ReadIni(GeneralIniPath(), "収束判定値", "最大収束回数", text))
+  if (ReadIni(GeneralIniPath(paths), "収束判定値", "最大収束回数", text))
     if (const auto value = ParseNumber(text)) limits.MaxPasses = CLng(*value);
   return limits;
 }
@@ -151,16 +151,17 @@ void MakeFilterMaskOfKind(std::int32_t n, double dx, FilterKind kind, double lon
                     "filter kind " + std::to_string(static_cast<std::int32_t>(kind)) + " is not 0 to 3");
 }
 
-bool Cal_FFTフィルタ_単体処理(std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
+bool Cal_FFTフィルタ_単体処理(Session& session, std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
                          std::int32_t length1, std::int32_t length2, double dx, FilterKind kind,
                          double longCut, double shortCut, const Array1<double>& source, WaveSeries& result,
                          WaveSeries& other) {
   try {
-    const bool debug = DebugTablesOn();
-    if (debug) WriteSourceTable(debugSeq, iteration, n, source);
+    const DebugTables debug = DebugTablesOf(session);
+    const bool debugOn = debug.On;
+    if (debugOn) WriteSourceTable(debug, debugSeq, iteration, n, source);
     std::int32_t offset = 0;
     Array1<double> extended;
-    if (!subFFT計算用_観音開き作成(n, length1, length2, source, offset, extended)) return false;  // logged
+    if (!subFFT計算用_観音開き作成(session, n, length1, length2, source, offset, extended)) return false;  // logged
     if (extended.size() != length2)
       throw LegacyError(ErrorNumber::InvalidData, "FFT length " + std::to_string(length2) + " does not hold " +
                                                       std::to_string(n) + " samples folded out");
@@ -170,36 +171,38 @@ bool Cal_FFTフィルタ_単体処理(std::int32_t& debugSeq, std::int32_t itera
 
     Array1<std::uint8_t> mask;
     MakeFilterMaskOfKind(length2, dx, kind, longCut, shortCut, mask);
-    if (debug) WriteMaskTable(debugSeq, length2, dx, kind, longCut, shortCut, mask);
+    if (debugOn) WriteMaskTable(debug, debugSeq, length2, dx, kind, longCut, shortCut, mask);
 
     Array1<Complex> scratch;
     MaskedInverse(spectrum, length2, mask, offset, n, scratch, result);
     InvertFilterMask(length2, mask);
     MaskedInverse(spectrum, length2, mask, offset, n, scratch, other);
-    if (debug) WriteResultTable(debugSeq, n, dx, kind, longCut, shortCut, source, result, other);
+    if (debugOn) WriteResultTable(debug, debugSeq, n, dx, kind, longCut, shortCut, source, result, other);
     return true;
+  } catch (const Cancelled&) {
+    throw;
   } catch (const std::exception& error) {
-    ErrorLog(kModule, kSingleProc, error);
+    ErrorLog(session, kModule, kSingleProc, error);
     return false;
   }
 }
 
-bool Cal_FFTフィルタ_収束計算(std::int32_t n, std::int32_t length1, std::int32_t length2, double dx,
+bool Cal_FFTフィルタ_収束計算(Session& session, std::int32_t n, std::int32_t length1, std::int32_t length2, double dx,
                          FilterKind kind, double longCut, double shortCut, const Array1<double>& source,
                          WaveSeries& result, const FilterConvergence& limits) {
   try {
     // Zero passes would leave no result at all; at least one pass is always made.
     const std::int32_t maxPasses = limits.MaxPasses < 1 ? 1 : limits.MaxPasses;
-    Ui().ProgressStart(kProgressTitle, "収束計算中・・・・");
+    session.Ui().ProgressStart(kProgressTitle, "収束計算中・・・・");
     Array1<double> work = source;
     WaveSeries pass, removed;
     double previousStd = 1e30;
     std::int32_t debugSeq = 0;
     for (std::int32_t i = 1; i <= maxPasses; ++i) {
-      Ui().ProgressStart(kProgressTitle, "収束計算中  " + std::to_string(i) + " / " + std::to_string(maxPasses) +
+      session.Ui().ProgressStart(kProgressTitle, "収束計算中  " + std::to_string(i) + " / " + std::to_string(maxPasses) +
                                              " ・・・・");
-      Ui().ProgressValue(CLng(static_cast<double>(i) / maxPasses * 100));
-      if (!Cal_FFTフィルタ_単体処理(debugSeq, i, n, length1, length2, dx, kind, longCut, shortCut, work, pass,
+      ReportProgress(session.Ui(), CLng(static_cast<double>(i) / maxPasses * 100));
+      if (!Cal_FFTフィルタ_単体処理(session, debugSeq, i, n, length1, length2, dx, kind, longCut, shortCut, work, pass,
                                removed))
         return false;  // logged by the pass
       work = pass.Values;
@@ -213,8 +216,10 @@ bool Cal_FFTフィルタ_収束計算(std::int32_t n, std::int32_t length1, std:
     }
     result = std::move(pass);
     return true;
+  } catch (const Cancelled&) {
+    throw;
   } catch (const std::exception& error) {
-    ErrorLog(kModule, kConvergeProc, error);
+    ErrorLog(session, kModule, kConvergeProc, error);
     return false;
   }
 }

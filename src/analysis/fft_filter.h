@@ -3,6 +3,7 @@
 // pass repeated on its own output until what it takes away stops shrinking.
 #include <cstdint>
 
+#include "base/session.h"
 #include "results/filter_types.h"
 #include "base/one_based.h"
 #include "results/wave_series.h"
@@ -16,7 +17,7 @@ struct FilterConvergence {
 };
 // The limits in force, from TOLVAVERI.ini; a key that is missing, blank or not a number keeps its
 // default. Read at the start of every convergent run, so an edited file counts at once.
-FilterConvergence ReadFilterConvergence();
+FilterConvergence ReadFilterConvergence(const AppPaths& paths);
 
 // mask(1..n) of an n-point spectrum of samples at pitch dx (m): element p is 1 when the wavelength
 // n·dx / j lies in [lower, upper) (m), j = p for p ≤ n/2 + 1 and j = n + 2 − p above, i.e. one bin
@@ -35,18 +36,19 @@ void MakeFilterMaskOfKind(std::int32_t n, double dx, FilterKind kind, double lon
 // back; `result` gets what the mask passes, `other` the rest (source ≈ result + other), both 1..n
 // with statistics. iteration 0 outside a repeated run; debugSeq numbers the debug tables. Errors are
 // logged under the procedure's name; returns false then.
-bool Cal_FFTフィルタ_単体処理(std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
+bool Cal_FFTフィルタ_単体処理(Session& session, std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
                          std::int32_t length1, std::int32_t length2, double dx, FilterKind kind,
                          double longCut, double shortCut, const Array1<double>& source, WaveSeries& result,
                          WaveSeries& other);
 
 // The single pass repeated on its own output, at most limits.MaxPasses times, until the ratio of the
 // previous to the current standard deviation of `other` falls below limits.StdRatio (never on the
-// first pass). `result` gets the last pass's output. Progress texts and percentage go through Ui().
+// first pass). `result` gets the last pass's output. Progress goes to the session's display, which may
+// stop the run (Cancelled, `result` untouched).
 // A pass that takes nothing away (std of `other` 0) is a division by zero: logged, `result` untouched,
 // false.
-bool Cal_FFTフィルタ_収束計算(std::int32_t n, std::int32_t length1, std::int32_t length2, double dx,
+bool Cal_FFTフィルタ_収束計算(Session& session, std::int32_t n, std::int32_t length1, std::int32_t length2, double dx,
                          FilterKind kind, double longCut, double shortCut, const Array1<double>& source,
-                         WaveSeries& result, const FilterConvergence& limits = ReadFilterConvergence());
+                         WaveSeries& result, const FilterConvergence& limits);
 
 }  // namespace velmora

@@ -50,7 +50,9 @@ bool UpToDate(const FilterResults& results, const FilterSpec& filterSpec, const 
 }
 
 // Filters one prepared profile into `out`; false when a procedure that logs its own errors failed.
-bool FilterOne(AnalysisBlock& block, const FilterSpec& filterSpec, const IriParams& iri, FilterResults& out) {
+bool FilterOne(Session& session, AnalysisBlock& block, const FilterSpec& filterSpec, const IriParams& iri,
+               const FilterConvergence& limits, FilterResults& out) {
+  const DebugTables debug = DebugTablesOf(session);
   const std::int32_t n = block.Count;
   if (n < 1 || block.SamplesPerMetre <= 0)
     throw LegacyError(ErrorNumber::InvalidData, "the profile has not been prepared for analysis");
@@ -58,19 +60,19 @@ bool FilterOne(AnalysisBlock& block, const FilterSpec& filterSpec, const IriPara
   const Array1<double>& profile = block.Profile.Values;
   switch (filterSpec.CalcType) {
     case FilterCalcType::MovingAverage:
-      StoreWave(out.FilterWave, MovingAverageFilter(n, profile, dx, filterSpec.Band, filterSpec.LongCut, filterSpec.ShortCut));
+      StoreWave(out.FilterWave, MovingAverageFilter(debug, n, profile, dx, filterSpec.Band, filterSpec.LongCut, filterSpec.ShortCut));
       out.FilterCount = n;
       return true;
     case FilterCalcType::Fourier: {
       WaveSeries result;
       bool ok;
       if (filterSpec.Converge) {
-        ok = Cal_FFTフィルタ_収束計算(n, block.FftLength1, block.FftLength2, dx, filterSpec.Band, filterSpec.LongCut,
-                                 filterSpec.ShortCut, profile, result);
+        ok = Cal_FFTフィルタ_収束計算(session, n, block.FftLength1, block.FftLength2, dx, filterSpec.Band, filterSpec.LongCut,
+                                 filterSpec.ShortCut, profile, result, limits);
       } else {
         WaveSeries other;
         std::int32_t debugSeq = 0;
-        ok = Cal_FFTフィルタ_単体処理(debugSeq, 0, n, block.FftLength1, block.FftLength2, dx, filterSpec.Band,
+        ok = Cal_FFTフィルタ_単体処理(session, debugSeq, 0, n, block.FftLength1, block.FftLength2, dx, filterSpec.Band,
                                  filterSpec.LongCut, filterSpec.ShortCut, profile, result, other);
       }
       if (!ok) return false;
@@ -80,7 +82,7 @@ bool FilterOne(AnalysisBlock& block, const FilterSpec& filterSpec, const IriPara
     }
     case FilterCalcType::Iri: {
       block.Iri.IriFilterWave.Calculated = false;  // the parameters may have changed since
-      CalcIriFilter(block, iri);
+      CalcIriFilter(debug, block, iri);
       out.FilterCount = block.Iri.IriFilterCount;  // shorter than the profile by the slope base
       Array1<double> response = block.Iri.IriFilterWave.Values;
       response.resize(out.FilterCount);
@@ -128,9 +130,9 @@ std::string FilterLegendText(const FilterSpec& filterSpec) {
   return UsesPassKind(filterSpec.CalcType) ? FilterKindName(filterSpec.Band) : std::string();
 }
 
-FilterField CheckFilterSpec(const FilterSpec& filterSpec) {
-  const auto fault = [](FilterField field, const char* text) {
-    Ui().Inform(text, "エラー", MsgIcon::Exclamation);
+FilterField CheckFilterSpec(Session& session, const FilterSpec& filterSpec) {
+  const auto fault = [&session](FilterField field, const char* text) {
+    session.Ui().Inform(text, "エラー", MsgIcon::Exclamation);
     return field;
   };
   if (UsesPassKind(filterSpec.CalcType)) {
@@ -146,36 +148,37 @@ FilterField CheckFilterSpec(const FilterSpec& filterSpec) {
   return FilterField::None;
 }
 
-FilterRunOutcome RunFilter(const FilterSpec& filterSpec, bool force, const std::vector<ProfileRecord*>& profiles,
-                           const IriParams& iri) {
+FilterRunOutcome RunFilter(Session& session, const FilterSpec& filterSpec, bool force,
+                           const std::vector<ProfileRecord*>& profiles, const IriParams& iri,
+                           const FilterConvergence& limits) {
   FilterRunOutcome outcome;
-  outcome.Focus = CheckFilterSpec(filterSpec);
+  outcome.Focus = CheckFilterSpec(session, filterSpec);
   if (outcome.Focus != FilterField::None) return outcome;
 
-  Ui().ProgressStart(kProgressTitle, kPleaseWait);
+  if (filterSpec.CalcType == FilterCalcType::Iri && QuarterCarIsSingular(iri))
+    session.Ui().Message("Singular matrix", "", MsgIcon::None, MsgButtons::Ok, MsgAnswer::Ok);
+  ProgressScope display(session.Ui(), kProgressTitle, kPleaseWait);
   std::size_t done = 0;
   for (ProfileRecord* record : profiles) {
-    Ui().ProgressStart(kProgressTitle, ProgressCaption(filterSpec.CalcType) + ProfileName(*record));
+    session.Ui().ProgressStart(kProgressTitle, ProgressCaption(filterSpec.CalcType) + ProfileName(*record));
     FilterResults& stored = record->Analysis.Filter;
     if (force || !UpToDate(stored, filterSpec, iri)) {
       FilterResults fresh = stored;
       bool ok = false;
       try {
-        ok = FilterOne(record->Analysis, filterSpec, iri, fresh);
+        ok = FilterOne(session, record->Analysis, filterSpec, iri, limits, fresh);
+      } catch (const Cancelled&) {
+        throw;
       } catch (const std::exception& error) {
-        ErrorLog(kModule, kGoProc, NamingFile(*record, error));
+        ErrorLog(session, kModule, kGoProc, NamingFile(*record, error));
       }
-      if (!ok) {
-        Ui().ProgressExit();
-        return outcome;
-      }
+      if (!ok) return outcome;
       fresh.Request = filterSpec;
       fresh.Iri = iri;
       stored = std::move(fresh);
     }
-    Ui().ProgressValue(static_cast<int>(++done * 100 / profiles.size()));
+    ReportProgress(session.Ui(), static_cast<int>(++done * 100 / profiles.size()));
   }
-  Ui().ProgressExit();
   outcome.Completed = true;
   return outcome;
 }

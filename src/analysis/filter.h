@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "analysis/fft_filter.h"
+#include "base/session.h"
 #include "results/filter_types.h"
 #include "results/iri_types.h"
 
@@ -21,7 +23,7 @@ std::string FilterShortName(const FilterSpec& filterSpec);
 std::string FilterLegendText(const FilterSpec& filterSpec);
 
 // The cut-off checks of the tab. On a fault shows its message (title "エラー") and names the field.
-FilterField CheckFilterSpec(const FilterSpec& filterSpec);
+FilterField CheckFilterSpec(Session& session, const FilterSpec& filterSpec);
 
 struct FilterRunOutcome {
   FilterField Focus = FilterField::None;  // a check failed: nothing was calculated
@@ -32,7 +34,8 @@ struct FilterRunOutcome {
 // been prepared for analysis. Without `force` a profile whose FilterWave was calculated with the same
 // filterSpec (and, for the IRI type, the same `iri`) is left alone. A run-time error is logged and ends the
 // run; the profile being filtered then keeps its previous result.
-FilterRunOutcome RunFilter(const FilterSpec& filterSpec, bool force, const std::vector<ProfileRecord*>& profiles,
-                           const IriParams& iri);
+FilterRunOutcome RunFilter(Session& session, const FilterSpec& filterSpec, bool force,
+                           const std::vector<ProfileRecord*>& profiles, const IriParams& iri,
+                           const FilterConvergence& limits);
 
 }  // namespace velmora

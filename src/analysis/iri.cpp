@@ -14,6 +14,7 @@
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/legacy_math.h"
+#include "base/session.h"
 
 namespace velmora {
 namespace {
@@ -45,22 +46,22 @@ Array1<double> FirstElements(const std::vector<double>& values, std::int32_t cou
   return out;
 }
 
-void WriteSeriesTable(const std::string& fileName, const std::string& header, const Array1<double>& values) {
+void WriteSeriesTable(const DebugTables& debug, const std::string& fileName, const std::string& header, const Array1<double>& values) {
   std::vector<std::string> lines{header};
   lines.reserve(static_cast<std::size_t>(values.size()) + 1);
   for (std::ptrdiff_t i = 1; i <= values.size(); ++i)
     lines.push_back(std::to_string(i) + "," + FormatNumber(values[i], "0.000000000000000"));
-  WriteDebugTable(fileName, lines);
+  WriteDebugTable(debug, fileName, lines);
 }
 
-void WriteWindowTable(const std::string& lengthText, double dx, const Array1<double>& profile,
+void WriteWindowTable(const DebugTables& debug, const std::string& lengthText, double dx, const Array1<double>& profile,
                       const WaveSeries& window) {
   std::vector<std::string> lines{"No, Dist, Profile, IRI(10m)"};
   for (std::ptrdiff_t i = 1; i <= window.Values.size(); ++i)
     lines.push_back(std::to_string(i) + "," + FormatNumber(static_cast<double>(i) * dx, "0.000") + "," +
                     FormatNumber(profile.at(i), "0.000000000000000") + "," +
                     FormatNumber(window.Values[i], "0.000000000000000"));
-  WriteDebugTable("IRI(" + lengthText + "m).csv", lines);
+  WriteDebugTable(debug, "IRI(" + lengthText + "m).csv", lines);
 }
 
 // Response and window series of one derived wave (a band or a sum) of n elevations. Its window starts
@@ -92,6 +93,22 @@ std::vector<double> BandWave(const Array1<double>& values, std::int32_t n, int o
 
 std::int32_t IriBaseSamples(double baseLength, double dx) {
   return std::max<std::int32_t>(RoundHalfAway(baseLength / dx), 1);
+}
+
+bool QuarterCarIsSingular(const IriParams& params) {
+  double k1 = params.KtMs, k2 = params.KsMs, c = params.CsMs, mu = params.MuMs;
+  if (ReadsAsZero(k1) || ReadsAsZero(k2) || ReadsAsZero(c) || ReadsAsZero(mu) || ReadsAsZero(params.Speed)) {
+    k1 = kGoldenKtMs;
+    k2 = kGoldenKsMs;
+    c = kGoldenCsMs;
+    mu = kGoldenMuMs;
+  }
+  Matrix4 a;
+  Vector4 b, cVec;
+  BuildQuarterCarMatrices(k1, k2, c, mu, a, b, cVec);
+  PivotIndex index{};
+  double d = 0;
+  return !LuDecompose(a, index, d);
 }
 
 void IriResponse(std::span<double> y, std::int32_t& n, double dx, double baseLength, double scale,
@@ -134,7 +151,7 @@ double IriOfArray(std::int32_t n, std::span<const double> y, double dx, const Ir
   return IriPowerMean(work, responseCount, PowerOf(params));
 }
 
-void CalcIriFilter(AnalysisBlock& block, const IriParams& params) {
+void CalcIriFilter(const DebugTables& debug, AnalysisBlock& block, const IriParams& params) {
   IriResults& r = block.Iri;
   if (r.IriFilterWave.Calculated) return;
   const double dx = PitchOf(block);
@@ -142,10 +159,10 @@ void CalcIriFilter(AnalysisBlock& block, const IriParams& params) {
   const std::int32_t count = std::max(ResponseOf(work, block.Count, dx, params), 0);
   StoreWave(r.IriFilterWave, FirstElements(work, count));
   r.IriFilterCount = count;
-  if (DebugTablesOn()) WriteSeriesTable("IRI_Filter.csv", "No, IRI Filter(10m)", r.IriFilterWave.Values);
+  if (debug.On) WriteSeriesTable(debug, "IRI_Filter.csv", "No, IRI Filter(10m)", r.IriFilterWave.Values);
 }
 
-void CalcIriProfile(AnalysisBlock& block, const IriParams& params, bool withBands) {
+void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriParams& params, bool withBands) {
   IriResults& r = block.Iri;
   const double dx = PitchOf(block);
   const int power = PowerOf(params);
@@ -163,10 +180,10 @@ void CalcIriProfile(AnalysisBlock& block, const IriParams& params, bool withBand
   StoreWave(r.IriWindowWave, FirstElements(SlidingWindowIri(work, responseCount, windowEnd, power),
                                            r.IriWindowCount));
 
-  if (DebugTablesOn()) {
+  if (debug.On) {
     const std::string lengthText = FormatNumber(length, "0.00");
-    WriteSeriesTable("IRI_GETPI(" + lengthText + "m).csv", "No, IRI_GETPI(*)", r.IriResponseWave);
-    WriteWindowTable(lengthText, dx, block.Profile.Values, r.IriWindowWave);
+    WriteSeriesTable(debug, "IRI_GETPI(" + lengthText + "m).csv", "No, IRI_GETPI(*)", r.IriResponseWave);
+    WriteWindowTable(debug, lengthText, dx, block.Profile.Values, r.IriWindowWave);
   }
   if (!withBands) return;
 

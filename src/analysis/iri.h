@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 
+#include "base/session.h"
 #include "results/analysis_block.h"
 #include "results/iri_types.h"
 
@@ -29,6 +30,11 @@ std::int32_t IriBaseSamples(double baseLength, double dx);
 void IriResponse(std::span<double> y, std::int32_t& n, double dx, double baseLength, double scale,
                  double& initDistance, double& k1, double& k2, double& c, double& mu, double& speed);
 
+// True when the model of `params` (after the golden-car fallback) has a row of zeros, so that the
+// transition matrix cannot be inverted: the engine then goes on with what stands in the matrices,
+// after the caller has shown "Singular matrix".
+bool QuarterCarIsSingular(const IriParams& params);
+
 // The IRI (mm/m) of elevations y(1..n) (mm, pitch dx m): power mean of the whole response, p = 2 for
 // RMS weighting, else 1. `y` is left untouched; a profile no longer than the base raises
 // LegacyError(DivisionByZero).
@@ -36,11 +42,11 @@ double IriOfArray(std::int32_t n, std::span<const double> y, double dx, const Ir
 
 // The response of the block's prepared profile as the filter kind "IRI": fills IriFilterWave and
 // IriFilterCount, does nothing when IriFilterWave is already calculated.
-void CalcIriFilter(AnalysisBlock& block, const IriParams& params);
+void CalcIriFilter(const DebugTables& debug, AnalysisBlock& block, const IriParams& params);
 
 // The response of the prepared profile, its whole-profile IRI and its sliding-window IRI over
 // params.IriBaseLength m; with `withBands` also of the nine octave bands and of the long and short
 // sums, which must have been calculated. Recomputes unconditionally.
-void CalcIriProfile(AnalysisBlock& block, const IriParams& params, bool withBands);
+void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriParams& params, bool withBands);
 
 }  // namespace velmora

@@ -27,7 +27,7 @@ constexpr double kKpTolerance = 1e-9;  // km
 // A number as the program writes it into a message: up to 15 significant digits, no trailing zeros.
 std::string NumberText(double value) { return fmt::format("{:.15G}", value); }
 
-void Warn(const std::string& text) { Ui().Inform(text, "警告"); }
+void Warn(Session& session, const std::string& text) { session.Ui().Inform(text, "警告"); }
 
 // Mean |response(i)| over i = first..last, counting elements past the response's end as 0: the
 // response is shorter than the points by the slope base, and those samples add nothing.
@@ -105,7 +105,7 @@ void AppendUnitTable(const Array1<SectionEntry>& units, std::vector<std::string>
 
 }  // namespace
 
-bool CheckIriLength(std::string_view text, std::span<ProfileRecord* const> list, double& value) {
+bool CheckIriLength(Session& session, std::string_view text, std::span<ProfileRecord* const> list, double& value) {
   double largestPitch = 0, lastPitch = 0;
   std::int32_t smallestUsable = std::numeric_limits<std::int32_t>::max();
   for (const ProfileRecord* profile : list) {
@@ -117,57 +117,57 @@ bool CheckIriLength(std::string_view text, std::span<ProfileRecord* const> list,
   }
   const std::string trimmed = Trim(text);
   if (trimmed.empty()) {
-    Warn("IRIの評価値が指定されていません。");
+    Warn(session, "IRIの評価値が指定されていません。");
     return false;
   }
   const auto parsed = ParseNumber(trimmed);
   if (!IsNumeric(trimmed) || !parsed) {
-    Warn("IRIの評価値は数値で指定して下さい。");
+    Warn(session, "IRIの評価値は数値で指定して下さい。");
     return false;
   }
   if (*parsed < largestPitch) {
-    Warn(NumberText(largestPitch) + " 以上で指定して下さい。");
+    Warn(session, NumberText(largestPitch) + " 以上で指定して下さい。");
     return false;
   }
   // The shortest profile's count times the last profile's pitch: only differs with mixed pitches.
   const double limit = (static_cast<double>(smallestUsable) - 1) * lastPitch;
   if (!list.empty() && *parsed > limit) {
-    Warn(NumberText(limit) + " 以下で指定して下さい。");
+    Warn(session, NumberText(limit) + " 以下で指定して下さい。");
     return false;
   }
   value = *parsed;
   return true;
 }
 
-bool RunIri(std::span<ProfileRecord* const> list, std::span<ProfileRecord* const> selected,
+bool RunIri(Session& session, std::span<ProfileRecord* const> list, std::span<ProfileRecord* const> selected,
             const IriRunRequest& request, double& lastLength) {
   double length = 0;
-  if (!CheckIriLength(request.LengthText, list, length)) return false;
+  if (!CheckIriLength(session, request.LengthText, list, length)) return false;
   auto needsResponse = [&](const ProfileRecord& profile) {
     return length != lastLength || !profile.Analysis.Iri.IriWindowWave.Calculated;
   };
   // The band split comes first: it shows its own progress, which must not close ours.
   for (ProfileRecord* profile : selected)
-    if (needsResponse(*profile) && !DecomposeProfile(*profile, request.ConvergentBands)) return false;
+    if (needsResponse(*profile) && !DecomposeProfile(session, *profile, request.ConvergentBands, request.Limits)) return false;
 
-  return Guarded("basIRI", "RunIri", [&] {
-    Ui().ProgressStart("ＩＲＩ計算", "しばらくお待ちください。");
-    struct ProgressEnd {
-      ~ProgressEnd() { Ui().ProgressExit(); }
-    } progressEnd;
+  return Guarded(session, "basIRI", "RunIri", [&] {
+    const DebugTables debug = DebugTablesOf(session);
+    ProgressScope display(session.Ui(), "ＩＲＩ計算", "しばらくお待ちください。");
     IriParams params = request.Params;
+    if (QuarterCarIsSingular(params))
+      session.Ui().Message("Singular matrix", "", MsgIcon::None, MsgButtons::Ok, MsgAnswer::Ok);
     params.IriBaseLength = length;
     for (std::size_t i = 0; i < selected.size(); ++i) {
       ProfileRecord& profile = *selected[i];
       AnalysisBlock& block = profile.Analysis;
-      if (needsResponse(profile)) CalcIriProfile(block, params, true);
+      if (needsResponse(profile)) CalcIriProfile(debug, block, params, true);
       // The sections are cheap and follow the short-section option, so they are always laid anew.
       CalcFixedSections(profile.Erd.KpStart, 1.0 / block.SamplesPerMetre, profile.Erd.KpSign == 1, length,
                         block.Count, block.Profile.Values.span(), block.Iri.IriResponseCount,
                         block.Iri.IriResponseWave.span(), request.SkipPartialSections, block.Sections);
-      if (DebugTablesOn())
-        WriteDebugTable("IRI_Sections(" + ProfileList::NameOf(profile) + ").csv", SectionTableLines(block.Sections));
-      Ui().ProgressValue(static_cast<int>(100 * (i + 1) / selected.size()));
+      if (debug.On)
+        WriteDebugTable(debug, "IRI_Sections(" + ProfileList::NameOf(profile) + ").csv", SectionTableLines(block.Sections));
+      ReportProgress(session.Ui(), static_cast<int>(100 * (i + 1) / selected.size()));
     }
     lastLength = length;
   });

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "analysis/fft_filter.h"
+#include "base/session.h"
 #include "results/iri_types.h"
 #include "profile/profile_record.h"
 
@@ -15,7 +17,7 @@ namespace velmora {
 // Checks the evaluation-length text (m) against every profile of the list: blank, not numeric, below
 // the largest pitch, or above what the shortest response allows each show their warning ("警告") and
 // give false. On success `value` holds the length.
-bool CheckIriLength(std::string_view text, std::span<ProfileRecord* const> list, double& value);
+bool CheckIriLength(Session& session, std::string_view text, std::span<ProfileRecord* const> list, double& value);
 
 // The inputs of one IRI run of the IRI tab.
 struct IriRunRequest {
@@ -23,13 +25,14 @@ struct IriRunRequest {
   IriParams Params;                  // the tab's parameters; IriBaseLength is taken from LengthText
   bool SkipPartialSections = false;  // "評価区間長に満たない区間のIRI算出を" "しない"
   bool ConvergentBands = false;      // the octave tab's convergence option, for a missing band split
+  FilterConvergence Limits;          // of that split
 };
 
 // Checks the length, then computes for each selected profile its response, window series, band
 // windows and fixed sections, when the length changed since `lastLength` or the profile has no result
 // yet; a missing octave split is made first. Returns false when the length was refused or an error
 // went to the error log; `lastLength` keeps the last length run.
-bool RunIri(std::span<ProfileRecord* const> list, std::span<ProfileRecord* const> selected,
+bool RunIri(Session& session, std::span<ProfileRecord* const> list, std::span<ProfileRecord* const> selected,
             const IriRunRequest& request, double& lastLength);
 
 // The first grid line at or beyond `kp` (km; kNoValue counts as 0) in the direction of travel, for

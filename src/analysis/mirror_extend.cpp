@@ -15,32 +15,32 @@ namespace {
 
 constexpr std::string_view kModule = "basFFT";
 
-void WriteFoldTable(std::int32_t foldCount, const Array1<double>& dest, std::string_view debugName) {
+void WriteFoldTable(const DebugTables& debug, std::int32_t foldCount, const Array1<double>& dest, std::string_view debugName) {
   std::vector<std::string> lines;
   lines.reserve(static_cast<std::size_t>(dest.size()) + 1);
   lines.push_back("No, 観音開個数折り返し個数 = " + std::to_string(foldCount));
   for (std::ptrdiff_t i = 1; i <= dest.size(); ++i)
     lines.push_back(std::to_string(i) + "," + FormatNumber(dest[i], "0.000000000000000"));
-  WriteDebugTable(debugName.empty() ? std::string_view("観音開きデータ.csv") : debugName, lines);
+  WriteDebugTable(debug, debugName.empty() ? std::string_view("観音開きデータ.csv") : debugName, lines);
 }
 
 // Point-symmetric first stage: to `length` samples, the larger half of the surplus on the left.
 // Returns the left fold count, which is where source(1) lands minus one.
-std::int32_t FoldToLength(std::int32_t n, std::int32_t length, const Array1<double>& source,
+std::int32_t FoldToLength(const DebugTables& debug, std::int32_t n, std::int32_t length, const Array1<double>& source,
                           Array1<double>& dest) {
   const std::int32_t d = length - n;
   std::int32_t a = CLng(d / 2.0);
   std::int32_t b = d - a;
   if (b > a) std::swap(a, b);
   std::int32_t count = 0;
-  MirrorExtend(true, a, n, source, count, dest);
+  MirrorExtend(debug, true, a, n, source, count, dest);
   dest.resize(length);  // the fold made a on both sides; the right end keeps only b
   return a;
 }
 
 }  // namespace
 
-void MirrorExtend(bool pointSymmetric, std::int32_t foldCount, std::int32_t n, const Array1<double>& source,
+void MirrorExtend(const DebugTables& debug, bool pointSymmetric, std::int32_t foldCount, std::int32_t n, const Array1<double>& source,
                   std::int32_t& outCount, Array1<double>& dest, std::string_view debugName) {
   if (n < 1 || n > source.size())
     RaiseSubscriptOutOfRange("MirrorExtend: " + std::to_string(n) + " samples, array 1.." +
@@ -62,31 +62,35 @@ void MirrorExtend(bool pointSymmetric, std::int32_t foldCount, std::int32_t n, c
     const double s = source[n - i];
     dest[foldCount + n + i] = pointSymmetric ? (last - s) + last : s;
   }
-  if (DebugTablesOn()) WriteFoldTable(foldCount, dest, debugName);
+  if (debug.On) WriteFoldTable(debug, foldCount, dest, debugName);
 }
 
-bool subFFT計算用_観音開き作成(std::int32_t n, std::int32_t length1, std::int32_t length2,
+void FoldOutForFft(const DebugTables& debug, std::int32_t n, std::int32_t length1, std::int32_t length2,
+                   const Array1<double>& source, std::int32_t& offset, Array1<double>& dest) {
+  offset = 0;
+  Array1<double> work;
+  if (length1 != n) {
+    offset += FoldToLength(debug, n, length1, source, work);
+  } else {
+    if (n > source.size()) RaiseSubscriptOutOfRange("subFFT計算用_観音開き作成: " + std::to_string(n));
+    work = source;
+    work.resize(n);
+  }
+  const std::int32_t c = CLng((length2 - length1) / 2.0);
+  offset += c;
+  std::int32_t count = 0;
+  MirrorExtend(debug, false, c, length1, work, count, dest);
+}
+
+bool subFFT計算用_観音開き作成(Session& session, std::int32_t n, std::int32_t length1, std::int32_t length2,
                             const Array1<double>& source, std::int32_t& offset, Array1<double>& dest) {
-  return Guarded(kModule, "subFFT計算用_観音開き作成", [&] {
-    offset = 0;
-    Array1<double> work;
-    if (length1 != n) {
-      offset += FoldToLength(n, length1, source, work);
-    } else {
-      if (n > source.size()) RaiseSubscriptOutOfRange("subFFT計算用_観音開き作成: " + std::to_string(n));
-      work = source;
-      work.resize(n);
-    }
-    const std::int32_t c = CLng((length2 - length1) / 2.0);
-    offset += c;
-    std::int32_t count = 0;
-    MirrorExtend(false, c, length1, work, count, dest);
-  });
+  return Guarded(session, kModule, "subFFT計算用_観音開き作成",
+                 [&] { FoldOutForFft(DebugTablesOf(session), n, length1, length2, source, offset, dest); });
 }
 
-bool subPSD計算用_観音開き作成(std::int32_t n, std::int32_t length, const Array1<double>& source,
+bool subPSD計算用_観音開き作成(Session& session, std::int32_t n, std::int32_t length, const Array1<double>& source,
                             std::int32_t& offset, Array1<double>& dest) {
-  return Guarded(kModule, "subPSD計算用_観音開き作成", [&] {
+  return Guarded(session, kModule, "subPSD計算用_観音開き作成", [&] {
     offset = 0;
     if (length == n) {
       if (n > source.size()) RaiseSubscriptOutOfRange("subPSD計算用_観音開き作成: " + std::to_string(n));
@@ -94,7 +98,7 @@ bool subPSD計算用_観音開き作成(std::int32_t n, std::int32_t length, con
       dest.resize(n);
       return;
     }
-    offset = FoldToLength(n, length, source, dest);
+    offset = FoldToLength(DebugTablesOf(session), n, length, source, dest);
   });
 }
 

@@ -8,11 +8,12 @@
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/legacy_math.h"
+#include "base/session.h"
 
 namespace velmora {
 namespace {
 
-void WriteFilterTable(std::int32_t n, const Array1<double>& profile, double dx, FilterKind band,
+void WriteFilterTable(const DebugTables& debug, std::int32_t n, const Array1<double>& profile, double dx, FilterKind band,
                       const Array1<double>& filtered) {
   std::vector<std::string> lines{"No, Dist, Profile, Filter[移動平均](" + FilterKindName(band) + ")"};
   lines.reserve(static_cast<std::size_t>(n) + 1);
@@ -20,18 +21,18 @@ void WriteFilterTable(std::int32_t n, const Array1<double>& profile, double dx, 
     lines.push_back(std::to_string(i) + "," + FormatNumber((i - 1) * dx, "0.000") + "," +
                     FormatNumber(profile[i], "0.000000000000000") + "," +
                     FormatNumber(filtered[i], "0.000000000000000"));
-  WriteDebugTable("Filter.csv", lines);
+  WriteDebugTable(debug, "Filter.csv", lines);
 }
 
 }  // namespace
 
-void MovingAverageSplit(std::int32_t window, std::int32_t n, const Array1<double>& source,
+void MovingAverageSplit(const DebugTables& debug, std::int32_t window, std::int32_t n, const Array1<double>& source,
                         Array1<double>& highPart, Array1<double>& average) {
   if (window == 0) RaiseDivisionByZero("moving average over a window of 0 samples");
   const std::int32_t foldCount = CLng((window - 1) / 2.0);
   std::int32_t count = 0;
   Array1<double> ext;
-  MirrorExtend(true, foldCount, n, source, count, ext, "観音開きデータ(移動平均フィルター).csv");
+  MirrorExtend(debug, true, foldCount, n, source, count, ext, "観音開きデータ(移動平均フィルター).csv");
 
   highPart.assign_zero(n);
   average.assign_zero(n);
@@ -50,12 +51,12 @@ void MovingAverageSplit(std::int32_t window, std::int32_t n, const Array1<double
   }
 }
 
-Array1<double> MovingAverageFilter(std::int32_t n, const Array1<double>& profile, double dx, FilterKind band,
+Array1<double> MovingAverageFilter(const DebugTables& debug, std::int32_t n, const Array1<double>& profile, double dx, FilterKind band,
                                    double longCut, double shortCut) {
   Array1<double> high1, mean1, high2, mean2;
   // The long split runs for every kind, LowPass too: a blank long cut-off fails here.
-  MovingAverageSplit(CLng(longCut / dx), n, profile, high1, mean1);
-  if (band != FilterKind::HiPass) MovingAverageSplit(CLng(shortCut / dx), n, profile, high2, mean2);
+  MovingAverageSplit(debug, CLng(longCut / dx), n, profile, high1, mean1);
+  if (band != FilterKind::HiPass) MovingAverageSplit(debug, CLng(shortCut / dx), n, profile, high2, mean2);
 
   Array1<double> filtered(static_cast<std::size_t>(n));
   for (std::int32_t i = 1; i <= n; ++i) {
@@ -66,7 +67,7 @@ Array1<double> MovingAverageFilter(std::int32_t n, const Array1<double>& profile
       case FilterKind::BandCut: filtered[i] = profile[i] - (mean2[i] - mean1[i]); break;
     }
   }
-  if (DebugTablesOn()) WriteFilterTable(n, profile, dx, band, filtered);
+  if (debug.On) WriteFilterTable(debug, n, profile, dx, band, filtered);
   return filtered;
 }
 

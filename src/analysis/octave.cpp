@@ -76,8 +76,9 @@ void OnTwoCores(int count, std::array<Workspace, 2>& spaces, const Job& job) {
 // lower half of the spectrum is kept and each band comes back through a real inverse transform.
 class OctaveSplitter {
  public:
-  OctaveSplitter(std::int32_t n, std::int32_t length1, std::int32_t length2, const OctaveMasks& masks)
-      : n_(n), length1_(length1), length2_(length2), masks_(masks) {
+  OctaveSplitter(const DebugTables& debug, std::int32_t n, std::int32_t length1, std::int32_t length2,
+                 const OctaveMasks& masks)
+      : debug_(debug), n_(n), length1_(length1), length2_(length2), masks_(masks) {
     for (int k = 1; k <= kMaskCount; ++k)
       if (masks_[static_cast<std::size_t>(k)].size() < length2_)
         RaiseSubscriptOutOfRange("octave mask " + std::to_string(k) + " shorter than " +
@@ -90,8 +91,7 @@ class OctaveSplitter {
   // Folds source(1..n) out to length2 and takes its spectrum, divided by length2.
   void Analyse(const Array1<double>& source) {
     Array1<double> extended;
-    if (!subFFT計算用_観音開き作成(n_, length1_, length2_, source, offset_, extended))
-      throw LegacyError(ErrorNumber::InvalidData, "the fold of the profile failed (see the log)");
+    FoldOutForFft(debug_, n_, length1_, length2_, source, offset_, extended);
     RealForwardFft(length2_, extended, spectrum_);
     const double scale = static_cast<double>(length2_);
     for (Complex& bin : spectrum_) bin = Complex{bin.Re / scale, bin.Im / scale};
@@ -124,6 +124,7 @@ class OctaveSplitter {
   }
 
  private:
+  DebugTables debug_;
   std::int32_t n_, length1_, length2_;
   const OctaveMasks& masks_;
   std::int32_t offset_ = 0;
@@ -131,13 +132,13 @@ class OctaveSplitter {
   std::array<Workspace, 2> spaces_;
 };
 
-void WritePassTables(std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
+void WritePassTables(const DebugTables& debug, std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
                      const Array1<double>& source, const OctaveBands& bands) {
   const std::string stem = "_FFT_(" + std::to_string(iteration) + ")_収束回数=" + FormatNumber(iteration, "00");
   std::vector<std::string> lines{"No, Profile"};
   for (std::int32_t i = 1; i <= n; ++i)
     lines.push_back(std::to_string(i) + "," + FormatNumber(source[i], "0.000000"));
-  WriteDebugTable(Seq(debugSeq) + stem + "_Profile.csv", lines);
+  WriteDebugTable(debug, Seq(debugSeq) + stem + "_Profile.csv", lines);
 
   lines = {"No, Profile, OCT-1, OCT-2, OCT-3, OCT-4, OCT-5, OCT-6, OCT-7, OCT-8, OCT-9, SUM(OCT1:OCT9), "
            "Abs(Profile-SUM)"};
@@ -152,13 +153,13 @@ void WritePassTables(std::int32_t& debugSeq, std::int32_t iteration, std::int32_
     line += "," + FormatNumber(sum, "0.000000000000000") + "," + FormatNumber(std::abs(source[i] - sum), "0.000000000000000");
     lines.push_back(std::move(line));
   }
-  WriteDebugTable(Seq(debugSeq) + stem + "_[OCT1～OCT9].csv", lines);
+  WriteDebugTable(debug, Seq(debugSeq) + stem + "_[OCT1～OCT9].csv", lines);
 }
 
-void SplitOnce(std::int32_t writeDebug, std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
+void SplitOnce(const DebugTables& debug, std::int32_t writeDebug, std::int32_t& debugSeq, std::int32_t iteration, std::int32_t n,
                OctaveSplitter& splitter, const Array1<double>& source, OctaveBands& bands) {
   splitter.Split(source, bands);
-  if (writeDebug != 0 && DebugTablesOn()) WritePassTables(debugSeq, iteration, n, source, bands);
+  if (writeDebug != 0 && debug.On) WritePassTables(debug, debugSeq, iteration, n, source, bands);
 }
 
 // Stage captions of the peeling and the heads of its per-pass tables.
@@ -170,7 +171,7 @@ const char* const kStageHead[5] = {"", "No, OCT-1, OCT-9, (OCT-2～OCT-8)",
                                    "No, OCT-1, OCT2, OCT3, OCT7, OCT8, OCT-9, (OCT-4～OCT-6)",
                                    "No, OCT-1, OCT2, OCT3, OCT4, OCT6, OCT7, OCT8, OCT-9, (OCT-5)"};
 
-void WriteStageTable(std::int32_t& debugSeq, int stage, std::int32_t pass, std::int32_t n,
+void WriteStageTable(const DebugTables& debug, std::int32_t& debugSeq, int stage, std::int32_t pass, std::int32_t n,
                      const OctaveBands& acc, const Array1<double>& rest) {
   std::vector<int> columns;
   for (int k = 1; k <= stage; ++k) columns.push_back(k);
@@ -182,11 +183,11 @@ void WriteStageTable(std::int32_t& debugSeq, int stage, std::int32_t pass, std::
     line += "," + FormatNumber(rest[i], "0.000000");
     lines.push_back(std::move(line));
   }
-  WriteDebugTable(Seq(debugSeq) + "_FFT_(" + kStagePair[stage] + ")_収束回数=" + FormatNumber(pass, "00") + ".csv",
+  WriteDebugTable(debug, Seq(debugSeq) + "_FFT_(" + kStagePair[stage] + ")_収束回数=" + FormatNumber(pass, "00") + ".csv",
                   lines);
 }
 
-void WriteFinalBandTables(std::int32_t n, double dx, const OctaveBands& bands) {
+void WriteFinalBandTables(const DebugTables& debug, std::int32_t n, double dx, const OctaveBands& bands) {
   for (int k = 1; k <= kOctaveCount; ++k) {
     std::vector<std::string> lines{"No, cycle, rPart, iPart"};
     const OctaveBand& band = bands[static_cast<std::size_t>(k)];
@@ -194,7 +195,7 @@ void WriteFinalBandTables(std::int32_t n, double dx, const OctaveBands& bands) {
     for (std::int32_t i = 1; i <= n; ++i)
       lines.push_back(std::to_string(i) + "," + FormatNumber((i - 1) * dx, "0.000") + "," +
                       FormatNumber(band.Values[i], "0.000000") + ",0.000000");  // the wave is real
-    WriteDebugTable("ProfBand_" + FormatNumber(k, "00") + ".csv", lines);
+    WriteDebugTable(debug, "ProfBand_" + FormatNumber(k, "00") + ".csv", lines);
   }
 }
 
@@ -206,15 +207,17 @@ double StdRatio(double previous, double deviation, int octave) {
 
 class PeelingProgress {
  public:
+  explicit PeelingProgress(ProgressSink& sink) : sink_(sink) {}
   void Pass(int stage, std::int32_t pass, std::int32_t maxPasses) {
-    Ui().ProgressStart(kProgressTitle, std::string(kStageCaption[stage]) + std::to_string(pass) + " / " +
+    sink_.ProgressStart(kProgressTitle, std::string(kStageCaption[stage]) + std::to_string(pass) + " / " +
                                            std::to_string(maxPasses) + " ・・・・");
     // The bar moves by 10 at each pass and starts again from 0 after 100.
     value_ = value_ >= 100 ? 0 : value_ + 10;
-    Ui().ProgressValue(value_);
+    ReportProgress(sink_, value_);
   }
 
  private:
+  ProgressSink& sink_;
   int value_ = 0;
 };
 
@@ -227,7 +230,7 @@ struct PassDeviations {
 // are added to their accumulators, and rest becomes the octaves between. With the debug tables on, all
 // nine octaves are made one by one and written out; otherwise the octaves between come back together
 // through one transform, which saves most of the work of the early stages.
-PassDeviations PeelPass(int stage, std::int32_t pass, std::int32_t& debugSeq, OctaveSplitter& splitter,
+PassDeviations PeelPass(const DebugTables& debug, int stage, std::int32_t pass, std::int32_t& debugSeq, OctaveSplitter& splitter,
                         OctaveBands& acc, Array1<double>& rest) {
   const int low = stage, high = 10 - stage;
   const std::int32_t n = splitter.Count();
@@ -245,9 +248,9 @@ PassDeviations PeelPass(int stage, std::int32_t pass, std::int32_t& debugSeq, Oc
     (k == low ? deviations.Low : deviations.High) = stats.StdDev;
   };
 
-  if (DebugTablesOn()) {
+  if (debug.On) {
     OctaveBands bands;
-    SplitOnce(1, debugSeq, pass, n, splitter, rest, bands);
+    SplitOnce(debug, 1, debugSeq, pass, n, splitter, rest, bands);
     for (int k : outer) take(k, bands[static_cast<std::size_t>(k)].Values);
     for (std::int32_t j = 1; j <= n; ++j) {
       rest[j] = 0;
@@ -270,12 +273,13 @@ PassDeviations PeelPass(int stage, std::int32_t pass, std::int32_t& debugSeq, Oc
   return deviations;
 }
 
-void Peel(const AnalysisBlock& block, const FilterConvergence& limits, OctaveBands& result) {
+void Peel(const DebugTables& debug, ProgressSink& sink, const AnalysisBlock& block, const FilterConvergence& limits,
+          OctaveBands& result) {
   const std::int32_t n = block.Count;
   const double dx = 1.0 / block.SamplesPerMetre;
-  Ui().ProgressStart(kProgressTitle, "収束計算中・・・・");
-  OctaveSplitter splitter(n, block.FftLength1, block.FftLength2, block.Masks);
-  PeelingProgress progress;
+  sink.ProgressStart(kProgressTitle, "収束計算中・・・・");
+  OctaveSplitter splitter(debug, n, block.FftLength1, block.FftLength2, block.Masks);
+  PeelingProgress progress(sink);
   std::int32_t debugSeq = 0;
 
   OctaveBands acc;
@@ -289,8 +293,8 @@ void Peel(const AnalysisBlock& block, const FilterConvergence& limits, OctaveBan
     bool lowDone = false, highDone = false;
     for (std::int32_t i = 1; i <= limits.MaxPasses; ++i) {
       progress.Pass(stage, i, limits.MaxPasses);
-      const PassDeviations deviations = PeelPass(stage, i, debugSeq, splitter, acc, rest);
-      if (DebugTablesOn()) WriteStageTable(debugSeq, stage, i, n, acc, rest);
+      const PassDeviations deviations = PeelPass(debug, stage, i, debugSeq, splitter, acc, rest);
+      if (debug.On) WriteStageTable(debug, debugSeq, stage, i, n, acc, rest);
 
       if (StdRatio(prevLow, deviations.Low, low) < limits.StdRatio) lowDone = true;
       prevLow = deviations.Low;
@@ -306,7 +310,7 @@ void Peel(const AnalysisBlock& block, const FilterConvergence& limits, OctaveBan
     band.Values = k == 5 ? std::move(rest) : std::move(acc[static_cast<std::size_t>(k)].Values);
     Summarise(n, band);
   }
-  if (DebugTablesOn()) WriteFinalBandTables(n, dx, result);
+  if (debug.On) WriteFinalBandTables(debug, n, dx, result);
 }
 
 // Which octaves a settings list names; an octave counts once even when listed twice.
@@ -317,8 +321,8 @@ std::array<bool, 10> Named(const std::vector<std::int32_t>& list) {
 }
 
 // Sums of the octaves named in the settings lists, each in ascending octave order.
-void BuildSums(std::int32_t n, OctaveBandSet& set) {
-  const std::array<bool, 10> inLong = Named(Settings().LongOctaves), inShort = Named(Settings().ShortOctaves);
+void BuildSums(const AppSettings& settings, std::int32_t n, OctaveBandSet& set) {
+  const std::array<bool, 10> inLong = Named(settings.LongOctaves), inShort = Named(settings.ShortOctaves);
   Array1<double> longSum(static_cast<std::size_t>(n)), shortSum(static_cast<std::size_t>(n));
   for (std::int32_t i = 1; i <= n; ++i) {
     double l = 0, s = 0;
@@ -336,47 +340,48 @@ void BuildSums(std::int32_t n, OctaveBandSet& set) {
 
 }  // namespace
 
-bool Cal_プロファイル分解_単体処理(std::int32_t writeDebug, std::int32_t& debugSeq, std::int32_t iteration,
+bool Cal_プロファイル分解_単体処理(Session& session, std::int32_t writeDebug, std::int32_t& debugSeq, std::int32_t iteration,
                          std::int32_t n, std::int32_t length1, std::int32_t length2,
                          const OctaveMasks& masks, const Array1<double>& source, OctaveBands& bands) {
-  return Guarded(kModule, kSingleProc, [&] {
-    OctaveSplitter splitter(n, length1, length2, masks);
-    SplitOnce(writeDebug, debugSeq, iteration, n, splitter, source, bands);
+  return Guarded(session, kModule, kSingleProc, [&] {
+    const DebugTables debug = DebugTablesOf(session);
+    OctaveSplitter splitter(debug, n, length1, length2, masks);
+    SplitOnce(debug, writeDebug, debugSeq, iteration, n, splitter, source, bands);
   });
 }
 
-bool Cal_プロファイル分解_収束計算(const AnalysisBlock& block, OctaveBands& bands,
+bool Cal_プロファイル分解_収束計算(Session& session, const AnalysisBlock& block, OctaveBands& bands,
                          const FilterConvergence& limits) {
-  return Guarded(kModule, kConvergeProc, [&] {
+  return Guarded(session, kModule, kConvergeProc, [&] {
     OctaveBands result;
-    Peel(block, limits, result);
+    Peel(DebugTablesOf(session), session.Ui(), block, limits, result);
     bands = std::move(result);
   });
 }
 
-bool DecomposeProfile(ProfileRecord& record, bool converge, bool force, const FilterConvergence& limits) {
+bool DecomposeProfile(Session& session, ProfileRecord& record, bool converge, const FilterConvergence& limits,
+                      bool force) {
   OctaveBandSet& set = record.Analysis.Octave;
   if (set.Calculated && set.Converged == converge && !force) return true;
   if (record.Analysis.Count == 0 &&
-      !Guarded(kModule, "PrepareProfile", [&] { PrepareProfile(record); }))
+      !Guarded(session, kModule, "PrepareProfile", [&] { PrepareProfile(DebugTablesOf(session), record); }))
     return false;
 
   const AnalysisBlock& block = record.Analysis;
-  Ui().ProgressStart(kProgressTitle, "しばらくお待ちください。");
+  ProgressScope display(session.Ui(), kProgressTitle, "しばらくお待ちください。");
   OctaveBands bands;
   std::int32_t debugSeq = 0;
-  const bool done = converge ? Cal_プロファイル分解_収束計算(block, bands, limits)
-                             : Cal_プロファイル分解_単体処理(1, debugSeq, 0, block.Count, block.FftLength1,
+  const bool done = converge ? Cal_プロファイル分解_収束計算(session, block, bands, limits)
+                             : Cal_プロファイル分解_単体処理(session, 1, debugSeq, 0, block.Count, block.FftLength1,
                                                      block.FftLength2, block.Masks, block.Profile.Values,
                                                      bands);
   if (done) {
     set.Band = std::move(bands);
-    BuildSums(block.Count, set);
+    BuildSums(session.Settings, block.Count, set);
     set.Calculated = true;
     set.Converged = converge;
-    Ui().ProgressValue(100);
+    ReportProgress(session.Ui(), 100);
   }
-  Ui().ProgressExit();
   return done;
 }
 

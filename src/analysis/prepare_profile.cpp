@@ -8,6 +8,7 @@
 #include "analysis/octave_bands.h"
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
+#include "base/session.h"
 #include "profile/profile_record.h"
 
 namespace velmora {
@@ -18,7 +19,7 @@ std::int32_t MaskHarmonic(std::int32_t length, std::int32_t p) {
   return p <= length / 2 + 1 ? p : length + 2 - p;
 }
 
-void WriteMaskTable(const AnalysisBlock& block, double dx) {
+void WriteMaskTable(const DebugTables& debug, const AnalysisBlock& block, double dx) {
   const std::int32_t length = block.FftLength2;
   std::vector<std::string> lines;
   lines.reserve(static_cast<std::size_t>(length) + 1);
@@ -33,21 +34,21 @@ void WriteMaskTable(const AnalysisBlock& block, double dx) {
       line += " " + std::to_string(block.Masks[static_cast<std::size_t>(k)][p]);
     lines.push_back(std::move(line));
   }
-  WriteDebugTable("BandFilter.dat", lines);
+  WriteDebugTable(debug, "BandFilter.dat", lines);
 }
 
-void WriteProfileTable(const AnalysisBlock& block, double dx) {
+void WriteProfileTable(const DebugTables& debug, const AnalysisBlock& block, double dx) {
   std::vector<std::string> lines{"No, Dist, Profile"};
   lines.reserve(static_cast<std::size_t>(block.Count) + 1);
   for (std::int32_t i = 1; i <= block.Count; ++i)
     lines.push_back(std::to_string(i) + "," + FormatNumber((i - 1) * dx, "0.000") + "," +
                     FormatNumber(block.Profile.Values[i], "0.000000"));
-  WriteDebugTable("Profile.csv", lines);
+  WriteDebugTable(debug, "Profile.csv", lines);
 }
 
 }  // namespace
 
-void PrepareAnalysis(AnalysisBlock& block, std::int32_t n, const Array1<double>& profile, double pitch) {
+void PrepareAnalysis(const DebugTables& debug, AnalysisBlock& block, std::int32_t n, const Array1<double>& profile, double pitch) {
   if (n < 1 || profile.size() < n)
     throw LegacyError(ErrorNumber::InvalidData, "PrepareProfile: " + std::to_string(n) +
                                                     " samples asked, profile holds " +
@@ -68,15 +69,15 @@ void PrepareAnalysis(AnalysisBlock& block, std::int32_t n, const Array1<double>&
   block.Octave.Calculated = false;
   block.BandReduction.Calculated = false;
   block.Psd.Calculated = false;
-  if (DebugTablesOn()) {
-    WriteMaskTable(block, dx);
-    WriteProfileTable(block, dx);
+  if (debug.On) {
+    WriteMaskTable(debug, block, dx);
+    WriteProfileTable(debug, block, dx);
   }
 }
 
-void PrepareProfile(ProfileRecord& record) {
+void PrepareProfile(const DebugTables& debug, ProfileRecord& record) {
   try {
-    PrepareAnalysis(record.Analysis, record.WorkCount, record.WorkProfile, record.Erd.StepSize);
+    PrepareAnalysis(debug, record.Analysis, record.WorkCount, record.WorkProfile, record.Erd.StepSize);
   } catch (const LegacyError& error) {
     throw LegacyError(error.Number(), record.FileName + ": " + error.what());
   }

@@ -2,6 +2,7 @@
 // The preparation every frequency-domain analysis of a profile starts from.
 #include <cstdint>
 
+#include "base/session.h"
 #include "results/analysis_block.h"
 #include "base/one_based.h"
 
@@ -13,9 +14,9 @@ struct ProfileRecord;
 // metre, the count, the WaveSeries copy, FftLength1/FftLength2 and the ten octave masks; marks the
 // octave and PSD results stale. Writes "BandFilter.dat" and "Profile.csv" at DebugLevel > 0.
 // n >= 1, pitch > 0 and profile.size() >= n, else LegacyError naming what is wrong.
-void PrepareAnalysis(AnalysisBlock& block, std::int32_t n, const Array1<double>& profile, double pitch);
+void PrepareAnalysis(const DebugTables& debug, AnalysisBlock& block, std::int32_t n, const Array1<double>& profile, double pitch);
 
 // The same for a registered profile: WorkProfile, WorkCount and the ERD pitch of `record`.
-void PrepareProfile(ProfileRecord& record);
+void PrepareProfile(const DebugTables& debug, ProfileRecord& record);
 
 }  // namespace velmora

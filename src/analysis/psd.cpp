@@ -24,7 +24,7 @@ constexpr double kPi = 3.14159265358979;
 
 std::string Sci(double value) { return FormatNumber(value, "0.0000000000E+00"); }
 
-void WritePsdTable(std::int32_t n2, double dx, const Array1<double>& y, const Array1<double>& w,
+void WritePsdTable(const DebugTables& debug, std::int32_t n2, double dx, const Array1<double>& y, const Array1<double>& w,
                    const Array1<double>& z, const Array1<Complex>& c, const Array1<double>& out) {
   std::vector<std::string> lines{"No, Profile, 窓関数, Profile*窓関数, ABS(FFT), PSD値, f(Hz)"};
   const double df = 1.0 / (n2 * dx);
@@ -36,10 +36,10 @@ void WritePsdTable(std::int32_t n2, double dx, const Array1<double>& y, const Ar
     if (i <= n2 / 2) line += FormatNumber((i - 1) * df, "0.000000000");
     lines.push_back(std::move(line));
   }
-  WriteDebugTable("PSD.csv", lines);
+  WriteDebugTable(debug, "PSD.csv", lines);
 }
 
-void Calc(std::int32_t n, const Array1<double>& x, double dx, std::int32_t windowKind, bool mirrorFill,
+void Calc(Session& session, const DebugTables& debug, std::int32_t n, const Array1<double>& x, double dx, std::int32_t windowKind, bool mirrorFill,
           Array1<double>& out) {
   if (n < 1 || x.size() < n)
     throw LegacyError(ErrorNumber::InvalidData, "PsdCalc: " + std::to_string(n) + " samples asked, profile holds " +
@@ -62,7 +62,7 @@ void Calc(std::int32_t n, const Array1<double>& x, double dx, std::int32_t windo
   // n2, so the window does not come down to zero at the end of the data.
   std::int32_t offset = 0;
   Array1<double> y;
-  if (!subPSD計算用_観音開き作成(n, n2, x, offset, y))
+  if (!subPSD計算用_観音開き作成(session, n, n2, x, offset, y))
     throw LegacyError(ErrorNumber::InvalidData, "PsdCalc: the fold of the profile failed (see the log)");
   Array1<double> z(static_cast<std::size_t>(n2));
   const std::int32_t filled = mirrorFill ? n2 : n;
@@ -76,7 +76,7 @@ void Calc(std::int32_t n, const Array1<double>& x, double dx, std::int32_t windo
     const double a = ComplexAbs(c[i]);
     out[i] = (a * a / ((1 / dx) * n2)) / u * kPi;
   }
-  if (Paths().DebugSwitch) WritePsdTable(n2, dx, y, w, z, c, out);
+  if (debug.Switch) WritePsdTable(debug, n2, dx, y, w, z, c, out);
 }
 
 // The working tables of the smoothing, 1..h each: raw rows T, step ratios, flags, the grid S, band
@@ -94,7 +94,7 @@ struct SmoothingRows {
   Array1<std::int32_t> row;
 };
 
-void WriteSmoothingTable(const SmoothingRows& r, std::int32_t count) {
+void WriteSmoothingTable(const DebugTables& debug, const SmoothingRows& r, std::int32_t count) {
   std::vector<std::string> lines{
       "No, WN, PSD, WN比, WN比判定, 平滑化WN(X軸), B-Start, 自至内最小行, 平滑化PSD(Y軸)"};
   for (std::int32_t i = 1; i <= r.raw.size(); ++i) {
@@ -107,12 +107,12 @@ void WriteSmoothingTable(const SmoothingRows& r, std::int32_t count) {
       line += ",,,";
     lines.push_back(std::move(line));
   }
-  WriteDebugTable("PSD平滑化.csv", lines);
+  WriteDebugTable(debug, "PSD平滑化.csv", lines);
 }
 
 }  // namespace
 
-std::vector<PsdPair> SmoothPsdValues(const Array1<double>& psd, std::int32_t n, double dx,
+std::vector<PsdPair> SmoothPsdValues(const DebugTables& debug, const Array1<double>& psd, std::int32_t n, double dx,
                                      std::int32_t bandsPerOctave) {
   if (bandsPerOctave < 1)
     throw LegacyError(ErrorNumber::InvalidData, "PsdSmooth: BandsPerOctave " + std::to_string(bandsPerOctave));
@@ -156,27 +156,27 @@ std::vector<PsdPair> SmoothPsdValues(const Array1<double>& psd, std::int32_t n, 
     t.grid[i].Val = sum / (last - first + 1);
   }
   --count;  // the last grid point lies past the Nyquist wave number and has no value
-  if (Paths().DebugSwitch) WriteSmoothingTable(t, count);
+  if (debug.Switch) WriteSmoothingTable(debug, t, count);
   std::vector<PsdPair> out(t.grid.begin(), t.grid.begin() + count);
   return out;
 }
 
-bool PsdCalc(std::int32_t n, const Array1<double>& x, double dx, std::int32_t windowKind, bool mirrorFill,
+bool PsdCalc(Session& session, std::int32_t n, const Array1<double>& x, double dx, std::int32_t windowKind, bool mirrorFill,
              Array1<double>& out) {
-  return Guarded(kModule, "PsdCalc", [&] { Calc(n, x, dx, windowKind, mirrorFill, out); });
+  return Guarded(session, kModule, "PsdCalc", [&] { Calc(session, DebugTablesOf(session), n, x, dx, windowKind, mirrorFill, out); });
 }
 
-bool PsdSmooth(std::int32_t n, const Array1<double>& x, double dx, std::int32_t windowKind, bool mirrorFill,
+bool PsdSmooth(Session& session, std::int32_t n, const Array1<double>& x, double dx, std::int32_t windowKind, bool mirrorFill,
                std::int32_t bandsPerOctave, std::int32_t& outCount, std::vector<PsdPair>& outPairs) {
-  return Guarded(kModule, "PsdSmooth", [&] {
+  return Guarded(session, kModule, "PsdSmooth", [&] {
     Array1<double> psd;
-    Calc(n, x, dx, windowKind, mirrorFill, psd);
-    outPairs = SmoothPsdValues(psd, n, dx, bandsPerOctave);
+    Calc(session, DebugTablesOf(session), n, x, dx, windowKind, mirrorFill, psd);
+    outPairs = SmoothPsdValues(DebugTablesOf(session), psd, n, dx, bandsPerOctave);
     outCount = static_cast<std::int32_t>(outPairs.size());
   });
 }
 
-bool PsdRatioRaw(std::int32_t countA, const Array1<double>& psdA, std::int32_t countB,
+bool PsdRatioRaw(Session& session, std::int32_t countA, const Array1<double>& psdA, std::int32_t countB,
                  const Array1<double>& psdB, double dx, std::int32_t& outCount, std::vector<PsdPair>& outPairs) {
   outCount = 0;
   outPairs.clear();
@@ -185,7 +185,7 @@ bool PsdRatioRaw(std::int32_t countA, const Array1<double>& psdA, std::int32_t c
     outCount = -1;
     return true;
   }
-  return Guarded(kModule, "PsdRatioRaw", [&] {
+  return Guarded(session, kModule, "PsdRatioRaw", [&] {
     std::vector<PsdPair> rows;
     for (std::int32_t i = 2; i <= countA; ++i) {
       const std::int32_t k = i - 1;

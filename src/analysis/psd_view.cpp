@@ -28,8 +28,8 @@ std::vector<PsdPair> RawCurve(const ProfileRecord& record) {
 }
 
 // The stored spectrum smoothed: the same numbers PsdSmooth gives, without a second transform.
-std::vector<PsdPair> SmoothedCurve(const ProfileRecord& record, std::int32_t bandsPerOctave) {
-  return SmoothPsdValues(record.Analysis.Psd.PsdValues, record.WorkCount, record.Erd.StepSize, bandsPerOctave);
+std::vector<PsdPair> SmoothedCurve(const DebugTables& debug, const ProfileRecord& record, std::int32_t bandsPerOctave) {
+  return SmoothPsdValues(debug, record.Analysis.Psd.PsdValues, record.WorkCount, record.Erd.StepSize, bandsPerOctave);
 }
 
 // Gain of the smoothed compared spectrum over the smoothed base, row by row on the compared rows.
@@ -46,19 +46,19 @@ std::vector<PsdPair> SmoothedGain(const std::vector<PsdPair>& base, const std::v
 
 }  // namespace
 
-bool CalcStoredPsd(std::span<ProfileRecord> profiles, std::int32_t windowKind, bool mirrorFill) {
+bool CalcStoredPsd(Session& session, std::span<ProfileRecord> profiles, std::int32_t windowKind, bool mirrorFill) {
   const bool allCurrent = std::all_of(profiles.begin(), profiles.end(), [&](const ProfileRecord& r) {
     return IsCurrent(r.Analysis.Psd, windowKind, mirrorFill);
   });
   if (allCurrent) return true;
-  Ui().ProgressStart("パワースペクトル計算", "しばらくお待ちください。");
+  ProgressScope display(session.Ui(), "パワースペクトル計算", "しばらくお待ちください。");
   bool ok = true;
   for (std::size_t p = 0; p < profiles.size() && ok; ++p) {
     ProfileRecord& record = profiles[p];
     PsdResult& psd = record.Analysis.Psd;
     if (!IsCurrent(psd, windowKind, mirrorFill)) {
       Array1<double> values;
-      ok = PsdCalc(record.WorkCount, record.WorkProfile, record.Erd.StepSize, windowKind, mirrorFill, values);
+      ok = PsdCalc(session, record.WorkCount, record.WorkProfile, record.Erd.StepSize, windowKind, mirrorFill, values);
       if (ok) {
         psd.PsdCount = static_cast<std::int32_t>(values.size());
         psd.PsdValues = std::move(values);
@@ -67,21 +67,21 @@ bool CalcStoredPsd(std::span<ProfileRecord> profiles, std::int32_t windowKind, b
         psd.Calculated = true;
       }
     }
-    Ui().ProgressValue(CLng(static_cast<double>(p + 1) / static_cast<double>(profiles.size()) * 100));
+    ReportProgress(session.Ui(), CLng(static_cast<double>(p + 1) / static_cast<double>(profiles.size()) * 100));
   }
-  Ui().ProgressExit();
   return ok;
 }
 
-bool Redraw_PSD(std::span<ProfileRecord> profiles, std::span<const std::size_t> selected,
+bool Redraw_PSD(Session& session, std::span<ProfileRecord> profiles, std::span<const std::size_t> selected,
                 const PsdTabOptions& options, std::vector<PsdCurve>& curves) {
   curves.clear();
   if (options.BandsPerOctave < 1) {
-    Ui().Inform("BandsPerOctave値はゼロより大きく指定してください。", "警告");
+    session.Ui().Inform("BandsPerOctave値はゼロより大きく指定してください。", "警告");
     return false;
   }
-  if (!CalcStoredPsd(profiles, options.WindowKind, options.MirrorFill)) return false;
-  return Guarded("frmTop", "Redraw_PSD", [&] {
+  if (!CalcStoredPsd(session, profiles, options.WindowKind, options.MirrorFill)) return false;
+  return Guarded(session, "frmTop", "Redraw_PSD", [&] {
+    const DebugTables debug = DebugTablesOf(session);
     std::vector<PsdCurve> out;
     for (std::size_t index : selected)
       if (index >= profiles.size())
@@ -90,20 +90,20 @@ bool Redraw_PSD(std::span<ProfileRecord> profiles, std::span<const std::size_t> 
     if (!options.Ratio) {
       for (std::size_t index : selected) {
         const ProfileRecord& record = profiles[index];
-        out.push_back({index, options.Smooth ? SmoothedCurve(record, options.BandsPerOctave) : RawCurve(record)});
+        out.push_back({index, options.Smooth ? SmoothedCurve(debug, record, options.BandsPerOctave) : RawCurve(record)});
       }
     } else if (!selected.empty()) {
       const ProfileRecord& base = profiles[selected.front()];
       const std::vector<PsdPair> baseSmoothed =
-          options.Smooth ? SmoothedCurve(base, options.BandsPerOctave) : std::vector<PsdPair>{};
+          options.Smooth ? SmoothedCurve(debug, base, options.BandsPerOctave) : std::vector<PsdPair>{};
       for (std::size_t s = 1; s < selected.size(); ++s) {
         const ProfileRecord& compared = profiles[selected[s]];
         PsdCurve curve{selected[s], {}};
         if (options.Smooth) {
-          curve.Points = SmoothedGain(baseSmoothed, SmoothedCurve(compared, options.BandsPerOctave));
+          curve.Points = SmoothedGain(baseSmoothed, SmoothedCurve(debug, compared, options.BandsPerOctave));
         } else {
           std::int32_t count = 0;
-          if (!PsdRatioRaw(base.Analysis.Psd.PsdCount, base.Analysis.Psd.PsdValues, compared.Analysis.Psd.PsdCount,
+          if (!PsdRatioRaw(session, base.Analysis.Psd.PsdCount, base.Analysis.Psd.PsdValues, compared.Analysis.Psd.PsdCount,
                            compared.Analysis.Psd.PsdValues, compared.Erd.StepSize, count, curve.Points))
             throw LegacyError(ErrorNumber::DivisionByZero, "PSD ratio of " + compared.FileName + " (see the log)");
         }

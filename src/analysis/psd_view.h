@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "base/session.h"
 #include "results/psd_types.h"
 #include "analysis/psd_window.h"
 
@@ -31,13 +32,13 @@ struct PsdCurve {
 
 // Computes PsdResult for every profile whose stored spectrum is missing or was made with other
 // options, under the progress display "パワースペクトル計算". False when one fails (it is logged).
-bool CalcStoredPsd(std::span<ProfileRecord> profiles, std::int32_t windowKind, bool mirrorFill);
+bool CalcStoredPsd(Session& session, std::span<ProfileRecord> profiles, std::int32_t windowKind, bool mirrorFill);
 
 // What the PSD tab draws for the `selected` profiles (indices into `profiles`, in list order):
 // refreshes the stored spectra, then one curve per selected profile, or in ratio mode one gain
 // sqrt(compared/base) per further profile against the first. A BandsPerOctave below 1 is refused with
 // the warning the tab shows. False when nothing may be drawn.
-bool Redraw_PSD(std::span<ProfileRecord> profiles, std::span<const std::size_t> selected,
+bool Redraw_PSD(Session& session, std::span<ProfileRecord> profiles, std::span<const std::size_t> selected,
                 const PsdTabOptions& options, std::vector<PsdCurve>& curves);
 
 }  // namespace velmora

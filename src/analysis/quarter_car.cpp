@@ -4,7 +4,6 @@
 #include <string>
 
 #include "base/legacy_error.h"
-#include "base/user_interaction.h"
 
 namespace velmora {
 
@@ -75,17 +74,14 @@ void BuildTransitionMatrix(double dt, Matrix4& a, const Vector4& b, Matrix4& st,
     for (int j = 1; j <= 4; ++j) pr(i) = pr(i) + inverseTimesSt(i, j) * b(j);
 }
 
-void LuDecompose(Matrix4& a, PivotIndex& index, double& d, int n) {
+bool LuDecompose(Matrix4& a, PivotIndex& index, double& d, int n) {
   constexpr double kTiny = 1.0e-20;
   Vector4 scale;
   d = 1.0;
   for (int i = 1; i <= n; ++i) {
     double big = 0;
     for (int j = 1; j <= n; ++j) big = std::max(big, std::fabs(a(i, j)));
-    if (big == 0) {
-      Ui().Message("Singular matrix", "", MsgIcon::None, MsgButtons::Ok, MsgAnswer::Ok);
-      return;
-    }
+    if (big == 0) return false;
     scale(i) = 1.0 / big;
   }
   for (int j = 1; j <= n; ++j) {
@@ -118,6 +114,7 @@ void LuDecompose(Matrix4& a, PivotIndex& index, double& d, int n) {
       for (int i = j + 1; i <= n; ++i) a(i, j) *= factor;
     }
   }
+  return true;
 }
 
 void LuBackSubstitute(const Matrix4& a, const PivotIndex& index, Vector4& column, int n) {

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <span>
 
+#include "base/session.h"
+
 namespace velmora {
 
 class Matrix4 {
@@ -47,8 +49,9 @@ void BuildTransitionMatrix(double dt, Matrix4& a, const Vector4& b, Matrix4& st,
 // partial pivoting and one back-substitution per column of the identity.
 void InvertMatrix(Matrix4& a, int n = 4);
 // Crout LU decomposition in place; `index` records the row swaps, `d` the permutation's sign (±1).
-// A row of zeros shows "Singular matrix" and returns with the matrix as it stands.
-void LuDecompose(Matrix4& a, PivotIndex& index, double& d, int n = 4);
+// A row of zeros stops it with the matrix as it stands: false ("Singular matrix", which the caller of
+// the IRI says before the calculation goes on; see QuarterCarIsSingular).
+bool LuDecompose(Matrix4& a, PivotIndex& index, double& d, int n = 4);
 // Solves (LU)x = column in place for a matrix decomposed by LuDecompose.
 void LuBackSubstitute(const Matrix4& a, const PivotIndex& index, Vector4& column, int n = 4);
 

@@ -20,11 +20,6 @@ struct AppPaths {
   std::string IniFileName = "TOLVAVERI.ini";
   std::string DefaultIniFileName = "Default.ini";
   bool DebugSwitch = false;      // SWDEBUG on the command line
-  std::string ProjectFileName;   // empty for a new project
-  bool ProjectDirty = false;
 };
-
-// The process-wide paths.
-AppPaths& Paths();
 
 }  // namespace velmora

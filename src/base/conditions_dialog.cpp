@@ -86,20 +86,23 @@ std::vector<std::string> InvalidBoxes(const ConditionsBoxes& boxes) {
   return invalid;
 }
 
-ConditionsDialog::ConditionsDialog(std::function<void()> markDependentTabsDirty)
-    : Boxes(BoxesFrom(CurrentConditions())), markDirty_(std::move(markDependentTabsDirty)), copy_(CurrentConditions()) {}
+ConditionsDialog::ConditionsDialog(Session& session, std::function<void()> markDependentTabsDirty)
+    : Boxes(BoxesFrom(session.CurrentConditions)),
+      session_(session),
+      markDirty_(std::move(markDependentTabsDirty)),
+      copy_(session.CurrentConditions) {}
 
 void ConditionsDialog::Store() {
   copy_ = ApplyBoxes(copy_, Boxes);
-  const bool changed = !(copy_ == CurrentConditions());
-  CurrentConditions() = copy_;
+  const bool changed = !(copy_ == session_.CurrentConditions);
+  session_.CurrentConditions = copy_;
   if (changed && markDirty_) markDirty_();
   open_ = false;
 }
 
 bool ConditionsDialog::Ok() {
   if (!InvalidBoxes(Boxes).empty()) {
-    Ui().Inform("指定データにエラーがありました。\r\n修正してください。", "エラー", MsgIcon::Exclamation);
+    session_.Ui().Inform("指定データにエラーがありました。\r\n修正してください。", "エラー", MsgIcon::Exclamation);
     return false;
   }
   Store();
@@ -111,7 +114,7 @@ bool ConditionsDialog::Close() {
     open_ = false;
     return true;
   }
-  const MsgAnswer answer = Ui().Message("データが変更されています。保存しますか？", "確認", MsgIcon::Question,
+  const MsgAnswer answer = session_.Ui().Message("データが変更されています。保存しますか？", "確認", MsgIcon::Question,
                                         MsgButtons::YesNoCancel, MsgAnswer::Yes);
   if (answer == MsgAnswer::Cancel) return false;
   if (answer == MsgAnswer::Yes) return Ok();
@@ -120,9 +123,9 @@ bool ConditionsDialog::Close() {
 }
 
 bool ConditionsDialog::ResetPage(ConditionsPage page) {
-  if (!Ui().AskOkCancel("規定値を読み込み適用します。\r\nよろしいですか？", "確認")) return false;
-  LoadDefaults(static_cast<int>(page));
-  const CalcConditions& defaults = DefaultConditions();
+  if (!session_.Ui().AskOkCancel("規定値を読み込み適用します。\r\nよろしいですか？", "確認")) return false;
+  LoadDefaults(session_, static_cast<int>(page));
+  const CalcConditions& defaults = session_.DefaultConditions;
   switch (page) {
     case ConditionsPage::Iri: ShowIri(defaults, Boxes); break;
     case ConditionsPage::RepairLines: ShowRepairLines(defaults, Boxes); break;
@@ -132,14 +135,14 @@ bool ConditionsDialog::ResetPage(ConditionsPage page) {
 }
 
 bool ConditionsDialog::SavePage(ConditionsPage page) {
-  if (!Ui().AskOkCancel("規定値として保存します。\r\nよろしいですか？", "確認")) return false;
-  CalcConditions& defaults = DefaultConditions();
+  if (!session_.Ui().AskOkCancel("規定値として保存します。\r\nよろしいですか？", "確認")) return false;
+  CalcConditions& defaults = session_.DefaultConditions;
   switch (page) {
     case ConditionsPage::Iri: TakeIri(Boxes, defaults); break;
     case ConditionsPage::RepairLines: TakeRepairLines(Boxes, defaults); break;
     case ConditionsPage::RepairColours: TakeRepairColours(Boxes, defaults); break;
   }
-  return GuardedContinue(kForm, "SaveDefaults", [&] { SaveDefaults(static_cast<int>(page)); });
+  return GuardedContinue(session_, kForm, "SaveDefaults", [&] { SaveDefaults(session_, static_cast<int>(page)); });
 }
 
 }  // namespace velmora

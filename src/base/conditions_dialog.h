@@ -1,7 +1,7 @@
 #pragma once
 // The dialog of the calculation conditions (frm計算条件, caption "計算条件") as an engine: the boxes
-// are a record, the buttons and labels are operations, every question and message goes through Ui().
-// The dialog edits a copy of CurrentConditions(); only OK (or Yes on closing) stores it.
+// are a record, the buttons and labels are operations, every question and message goes through the session's interaction.
+// The dialog edits a copy of session.CurrentConditions; only OK (or Yes on closing) stores it.
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/colour.h"
+#include "base/session.h"
 #include "base/settings.h"
 
 namespace velmora {
@@ -54,8 +55,8 @@ std::vector<std::string> InvalidBoxes(const ConditionsBoxes& boxes);
 
 class ConditionsDialog {
  public:
-  // Opens on a copy of CurrentConditions(). `markDependentTabsDirty` is called when OK stores a change.
-  explicit ConditionsDialog(std::function<void()> markDependentTabsDirty = {});
+  // Opens on a copy of session.CurrentConditions. `markDependentTabsDirty` is called when OK stores a change.
+  explicit ConditionsDialog(Session& session, std::function<void()> markDependentTabsDirty = {});
 
   ConditionsBoxes Boxes;  // edited by the user (or the front end) between operations
 
@@ -63,7 +64,7 @@ class ConditionsDialog {
   const CalcConditions& Copy() const { return copy_; }
 
   // OK: on a failed check shows "指定データにエラーがありました。" CR LF "修正してください。" (title
-  // "エラー") and stays open (false). Otherwise stores the boxes into CurrentConditions(), marks the
+  // "エラー") and stays open (false). Otherwise stores the boxes into session.CurrentConditions, marks the
   // dependent tabs when anything changed, and closes (true).
   bool Ok();
   // Any other way of closing: when the boxes differ from the copy, asks "データが変更されています。
@@ -74,13 +75,14 @@ class ConditionsDialog {
   // the page's group from Default.ini and shows it in the page's boxes. True when reloaded.
   bool ResetPage(ConditionsPage page);
   // "初期値として保存する": asks "規定値として保存します。" CR LF "よろしいですか？"; on OK takes the page's
-  // boxes into DefaultConditions() and saves the group (the IRI group is not one that is written to
+  // boxes into session.DefaultConditions and saves the group (the IRI group is not one that is written to
   // the file). A write failure is reported through the error log. True when saved.
   bool SavePage(ConditionsPage page);
 
  private:
   void Store();
 
+  Session& session_;
   std::function<void()> markDirty_;
   CalcConditions copy_;
   bool open_ = true;

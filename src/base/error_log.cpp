@@ -4,11 +4,9 @@
 #include <optional>
 #include <string>
 
-#include "base/app_paths.h"
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/text_encoding.h"
-#include "base/user_interaction.h"
 
 namespace velmora {
 namespace {
@@ -18,16 +16,16 @@ std::filesystem::path Under(const std::string& folder, const char* name) {
 }
 }  // namespace
 
-void ErrorLog(std::string_view moduleName, std::string_view procName, const std::exception& error,
+void ErrorLog(Session& session, std::string_view moduleName, std::string_view procName, const std::exception& error,
               bool quiet) {
   const std::string text = error.what();
   std::string line = Stamp();
   line.append("  [ ").append(moduleName).append(" : ").append(procName).append(" ]  ERROR : ").append(text);
   // Without a TempPath the line would land in the working folder, which is nobody's log.
   std::optional<LegacyError> logFailure;
-  if (!Paths().TempPath.empty()) {
+  if (!session.Paths.TempPath.empty()) {
     try {
-      AppendSystemTextLine(Under(Paths().TempPath, "Sorvik_Err.log"), line);
+      AppendSystemTextLine(Under(session.Paths.TempPath, "Sorvik_Err.log"), line);
     } catch (const LegacyError& failure) {
       logFailure = failure;
     }
@@ -35,13 +33,13 @@ void ErrorLog(std::string_view moduleName, std::string_view procName, const std:
   if (!quiet) {
     std::string title = "[ ";
     title.append(moduleName).append(" : ").append(procName).append(" ]");
-    Ui().Inform("ERROR : " + text, title, MsgIcon::Exclamation);
+    session.Ui().Inform("ERROR : " + text, title, MsgIcon::Exclamation);
   }
   if (logFailure) throw *logFailure;
 }
 
-void DebugStart() {
-  WriteSystemTextFile(Under(Paths().UserLocalPath, "debug.log"), {Stamp() + " : [START]"});
+void DebugStart(const Session& session) {
+  WriteSystemTextFile(Under(session.Paths.UserLocalPath, "debug.log"), {Stamp() + " : [START]"});
 }
 
 }  // namespace velmora

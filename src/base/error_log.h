@@ -3,6 +3,9 @@
 #include <exception>
 #include <string_view>
 
+#include "base/progress.h"
+#include "base/session.h"
+
 namespace velmora {
 
 // Appends "<stamp>  [ module : proc ]  ERROR : <text>" to TempPath/Sorvik_Err.log and, unless
@@ -10,21 +13,23 @@ namespace velmora {
 // The stamp is "YYYY/MM/DD HH:MM:SS". Before TempPath is known (early start-up) only the message is
 // shown. When the log cannot be written, the message is still shown and then the log's own failure
 // (a LegacyError naming the log file) is raised to the caller.
-void ErrorLog(std::string_view moduleName, std::string_view procName, const std::exception& error,
+void ErrorLog(Session& session, std::string_view moduleName, std::string_view procName, const std::exception& error,
               bool quiet = false);
 // Writes "<stamp> : [START]" into a new UserLocalPath/debug.log.
-void DebugStart();
+void DebugStart(const Session& session);
 
 // Runs `operation` as an operation boundary: a run-time error goes to ErrorLog under the module and
 // procedure names and the result is false. Returns true when the operation ended normally. A log
 // that cannot be written raises to the caller, as any error of a handler does.
 template <class F>
-bool Guarded(std::string_view moduleName, std::string_view procName, F&& operation) {
+bool Guarded(Session& session, std::string_view moduleName, std::string_view procName, F&& operation) {
   try {
     operation();
     return true;
+  } catch (const Cancelled&) {
+    throw;  // a stop asked for is no error: it goes on to the workbench
   } catch (const std::exception& error) {
-    ErrorLog(moduleName, procName, error);
+    ErrorLog(session, moduleName, procName, error);
     return false;
   }
 }
@@ -33,13 +38,15 @@ bool Guarded(std::string_view moduleName, std::string_view procName, F&& operati
 // fall back to built-in values): a log that cannot be written is passed over, the message having
 // been shown.
 template <class F>
-bool GuardedContinue(std::string_view moduleName, std::string_view procName, F&& operation, bool quiet = false) {
+bool GuardedContinue(Session& session, std::string_view moduleName, std::string_view procName, F&& operation, bool quiet = false) {
   try {
     operation();
     return true;
+  } catch (const Cancelled&) {
+    throw;
   } catch (const std::exception& error) {
     try {
-      ErrorLog(moduleName, procName, error, quiet);
+      ErrorLog(session, moduleName, procName, error, quiet);
     } catch (const std::exception&) {
       // The message has been shown (unless quiet); there is nowhere else to report to.
     }

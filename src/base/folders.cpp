@@ -79,13 +79,13 @@ std::string ResolveFolderPath(int id, const FolderEnvironment& environment) {
   }
 }
 
-std::string GetFolderPath(int id) {
+std::string GetFolderPath(const std::string& fallback, int id) {
   std::string folder = ResolveFolderPath(id, ReadFolderEnvironment());
-  if (folder.empty()) return Paths().AppPath;
+  if (folder.empty()) return fallback;
   if (id == kFolderLocalAppDataCreate) {
     std::error_code ec;
     std::filesystem::create_directories(folder, ec);
-    if (ec && !std::filesystem::is_directory(folder, ec)) return Paths().AppPath;
+    if (ec && !std::filesystem::is_directory(folder, ec)) return fallback;
   }
   return folder;
 }

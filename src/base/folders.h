@@ -37,9 +37,9 @@ FolderEnvironment ReadFolderEnvironment();
 // The folder for a shell folder number in `environment`; empty when there is none.
 std::string ResolveFolderPath(int id, const FolderEnvironment& environment);
 
-// The folder of a shell folder number from the process environment; AppPath when it has none, so
-// every folder has a value. kFolderLocalAppDataCreate makes the folder when it is missing.
-std::string GetFolderPath(int id);
+// The folder of a shell folder number from the process environment; `fallback` (AppPath) when it has
+// none, so every folder has a value. kFolderLocalAppDataCreate makes the folder when it is missing.
+std::string GetFolderPath(const std::string& fallback, int id);
 
 // The folder of the running program file (through /proc/self/exe); empty when it cannot be read.
 std::string ProgramFolder();

@@ -30,18 +30,18 @@ std::string uReplaceMacro(std::string_view text, std::string_view macro, std::st
   return out;
 }
 
-std::string uAbbreviatePathMacro(std::string_view path) {
+std::string uAbbreviatePathMacro(const AppPaths& paths, std::string_view path) {
   std::size_t restAt = 0;
-  if (BeginsWithFolder(path, Paths().AppPath, restAt)) return "$(AppPath)" + std::string(path.substr(restAt));
-  if (BeginsWithFolder(path, Paths().UserLocalPath, restAt))
+  if (BeginsWithFolder(path, paths.AppPath, restAt)) return "$(AppPath)" + std::string(path.substr(restAt));
+  if (BeginsWithFolder(path, paths.UserLocalPath, restAt))
     return "$(UserLocalPath)" + std::string(path.substr(restAt));
   return std::string(path);
 }
 
-std::string uExpandPathMacro(std::string_view text) {
+std::string uExpandPathMacro(const AppPaths& paths, std::string_view text) {
   const std::string upper = UCase(text);
-  if (upper.find("$(APPPATH)") != std::string::npos) return uReplaceMacro(text, "$(AppPath)", Paths().AppPath);
-  return uReplaceMacro(text, "$(UserLocalPath)", Paths().UserLocalPath);
+  if (upper.find("$(APPPATH)") != std::string::npos) return uReplaceMacro(text, "$(AppPath)", paths.AppPath);
+  return uReplaceMacro(text, "$(UserLocalPath)", paths.UserLocalPath);
 }
 
 std::string uExpandDate(std::string_view text, const std::tm& now) {

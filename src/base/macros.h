@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/app_paths.h"
+
 namespace velmora {
 
 // Replaces the first occurrence of `macro`, found regardless of ASCII case, by `value`.
@@ -14,10 +16,10 @@ std::string uReplaceMacro(std::string_view text, std::string_view macro, std::st
 // UserLocalPath becomes "$(UserLocalPath)" + the rest; any other text is returned as it is. The
 // beginning is compared as uStrEqual does (case and surrounding blanks ignored), and only at a whole
 // folder: "/opt/velmora2" does not begin with the folder "/opt/velmora".
-std::string uAbbreviatePathMacro(std::string_view path);
+std::string uAbbreviatePathMacro(const AppPaths& paths, std::string_view path);
 // "$(AppPath)" (in any case) is replaced by AppPath; only when it is absent, "$(UserLocalPath)" by
 // UserLocalPath. At most one replacement is made.
-std::string uExpandPathMacro(std::string_view text);
+std::string uExpandPathMacro(const AppPaths& paths, std::string_view text);
 
 // Replaces, in this order and each once, "$(YYYYMMDDHHNNSS)$", "$(YYYYMMDDHHNN)$", "$(YYYYMMDDHH)$",
 // "$(YYYYMMDD)$", "$(YYYYMM)$", "$(YYYY)$", "$(MM)$", "$(DD)$", "$(HH)$", "$(NN)$", "$(SS)$" by the

@@ -20,8 +20,4 @@ struct AppSettings {
   std::vector<Colour> PaletteRepair;
 };
 
-AppSettings& Settings();
-CalcConditions& DefaultConditions();
-CalcConditions& CurrentConditions();
-
 }  // namespace velmora

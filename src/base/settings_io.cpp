@@ -191,9 +191,9 @@ void WriteColourPair(IniDocument& document, std::string_view section, Colour lin
 }
 
 // An unreadable file stands for an empty one, after one report.
-IniDocument LoadReported(const std::filesystem::path& path, std::string_view proc) {
+IniDocument LoadReported(Session& session, const std::filesystem::path& path, std::string_view proc) {
   IniDocument document(path);
-  GuardedContinue(kModule, proc, [&] { document = IniDocument::Load(path); });
+  GuardedContinue(session, kModule, proc, [&] { document = IniDocument::Load(path); });
   return document;
 }
 
@@ -226,12 +226,12 @@ std::vector<Colour> Palette(const IniDocument& document, std::string_view sectio
 
 }  // namespace
 
-std::filesystem::path GeneralIniPath() { return std::filesystem::path(Paths().AppPath) / Paths().IniFileName; }
-std::filesystem::path DefaultIniPath() {
-  return std::filesystem::path(Paths().AppPath) / Paths().DefaultIniFileName;
+std::filesystem::path GeneralIniPath(const AppPaths& paths) { return std::filesystem::path(paths.AppPath) / paths.IniFileName; }
+std::filesystem::path DefaultIniPath(const AppPaths& paths) {
+  return std::filesystem::path(paths.AppPath) / paths.DefaultIniFileName;
 }
-std::filesystem::path PrevValueIniPath() {
-  return std::filesystem::path(Paths().UserLocalPath) / "Resource" / "前回値.ini";
+std::filesystem::path PrevValueIniPath(const AppPaths& paths) {
+  return std::filesystem::path(paths.UserLocalPath) / "Resource" / "前回値.ini";
 }
 
 bool ReadIni(const std::filesystem::path& file, std::string_view section, std::string_view key, std::string& value) {
@@ -241,11 +241,11 @@ bool ReadIni(const std::filesystem::path& file, std::string_view section, std::s
   return true;
 }
 
-void LoadGeneralSettings() {
-  AppSettings& s = Settings();
+void LoadGeneralSettings(Session& session) {
+  AppSettings& s = session.Settings;
   s = AppSettings{};
-  const IniDocument general = LoadReported(GeneralIniPath(), "LoadGeneralSettings");
-  GuardedContinue(kModule, "LoadGeneralSettings", [&] {
+  const IniDocument general = LoadReported(session, GeneralIniPath(session.Paths), "LoadGeneralSettings");
+  GuardedContinue(session, kModule, "LoadGeneralSettings", [&] {
     SectionReader reader(general, "General");
     reader.Integer("DebugLevel", s.DebugLevel);
     reader.Integer("SplushTime", s.SplushTime);
@@ -254,24 +254,24 @@ void LoadGeneralSettings() {
     s.ShortOctaves = OctaveList(reader.Text("短波長合算Octave"));
     reader.RaiseIfProblems();
   });
-  const IniDocument defaults = LoadReported(DefaultIniPath(), "LoadGeneralSettings");
-  GuardedContinue(kModule, "LoadGeneralSettings",
+  const IniDocument defaults = LoadReported(session, DefaultIniPath(session.Paths), "LoadGeneralSettings");
+  GuardedContinue(session, kModule, "LoadGeneralSettings",
                   [&] { s.PaletteProfile = Palette(defaults, "ColorPalette_プロファイル分析"); });
-  GuardedContinue(kModule, "LoadGeneralSettings",
+  GuardedContinue(session, kModule, "LoadGeneralSettings",
                   [&] { s.PaletteRepair = Palette(defaults, "ColorPalette_補修形状検討"); });
 }
 
-void LoadDefaults(int group) {
+void LoadDefaults(Session& session, int group) {
   const int groups[] = {group};
-  LoadDefaultGroups(groups, false);
+  LoadDefaultGroups(session, groups, false);
 }
 
-void LoadDefaultGroups(std::span<const int> groups, bool copyToCurrent) {
-  const IniDocument document = LoadReported(DefaultIniPath(), "LoadDefaults");
+void LoadDefaultGroups(Session& session, std::span<const int> groups, bool copyToCurrent) {
+  const IniDocument document = LoadReported(session, DefaultIniPath(session.Paths), "LoadDefaults");
   for (const int group : groups) {
     if (group < 1 || group > kDefaultGroupCount) continue;
-    GuardedContinue(kModule, "LoadDefaults", [&] { ReadGroup(document, group, DefaultConditions()); });
-    if (copyToCurrent) CopyConditionsGroup(group, DefaultConditions(), CurrentConditions());
+    GuardedContinue(session, kModule, "LoadDefaults", [&] { ReadGroup(document, group, session.DefaultConditions); });
+    if (copyToCurrent) CopyConditionsGroup(group, session.DefaultConditions, session.CurrentConditions);
   }
 }
 
@@ -318,10 +318,10 @@ void CopyConditionsGroup(int group, const CalcConditions& from, CalcConditions& 
   }
 }
 
-void SaveDefaults(int group) {
+void SaveDefaults(Session& session, int group) {
   if (group < 3 || group > 7) return;
-  const CalcConditions& c = DefaultConditions();
-  IniDocument document = IniDocument::Load(DefaultIniPath());
+  const CalcConditions& c = session.DefaultConditions;
+  IniDocument document = IniDocument::Load(DefaultIniPath(session.Paths));
   switch (group) {
     case 3: WriteBandLines(document, "プロファイル分解_バンド別低減ラインパラメータ", c.BandLines); break;
     case 4: WriteColourPair(document, "プロファイル分解_表示オプション", c.LineColour, c.AppliedColour); break;
@@ -336,21 +336,21 @@ void SaveDefaults(int group) {
   document.Save();
 }
 
-std::string GetIniValue(const std::filesystem::path& file, std::string_view section, std::string_view key) {
+std::string GetIniValue(Session& session, const std::filesystem::path& file, std::string_view section, std::string_view key) {
   std::string value;
-  GuardedContinue(kModule, "GetIniValue", [&] {
-    if (const auto text = ReadIniValue(file, section, key)) value = uExpandPathMacro(Trim(*text));
+  GuardedContinue(session, kModule, "GetIniValue", [&] {
+    if (const auto text = ReadIniValue(file, section, key)) value = uExpandPathMacro(session.Paths, Trim(*text));
   });
   return value;
 }
 
-std::string GetPrevValue(std::string_view section, std::string_view key) {
-  return GetIniValue(PrevValueIniPath(), section, key);
+std::string GetPrevValue(Session& session, std::string_view section, std::string_view key) {
+  return GetIniValue(session, PrevValueIniPath(session.Paths), section, key);
 }
 
-void SetPrevValue(std::string_view section, std::string_view key, std::string_view value) {
-  GuardedContinue(
-      kModule, "SetPrevValue", [&] { WriteIniValue(PrevValueIniPath(), section, key, uAbbreviatePathMacro(value)); },
+void SetPrevValue(Session& session, std::string_view section, std::string_view key, std::string_view value) {
+  GuardedContinue(session, 
+      kModule, "SetPrevValue", [&] { WriteIniValue(PrevValueIniPath(session.Paths), section, key, uAbbreviatePathMacro(session.Paths, value)); },
       /*quiet=*/true);
 }
 

@@ -37,11 +37,11 @@ void MakeFolderIfMissing(const std::string& path) {
 }
 
 // The documents, pictures and public folders: made and never read again.
-void MakeLeftoverFolders() {
+void MakeLeftoverFolders(Session& session) {
   for (const std::string& folder :
-       {Under(Paths().PersonalPath, "Velmora"), Under(Paths().PicturesPath, "Velmora"), Paths().PublicPath,
-        Under(Paths().PublicPath, "Resource")})
-    GuardedContinue(kModule, "Main", [&] { MakeFolderIfMissing(folder); });
+       {Under(session.Paths.PersonalPath, "Velmora"), Under(session.Paths.PicturesPath, "Velmora"), session.Paths.PublicPath,
+        Under(session.Paths.PublicPath, "Resource")})
+    GuardedContinue(session, kModule, "Main", [&] { MakeFolderIfMissing(folder); });
 }
 
 bool CommandLineHasDebugSwitch(const std::string& commandLine) {
@@ -61,16 +61,16 @@ std::string FolderName(const std::string& folder) {
   return name;
 }
 
-void ResolvePaths(const StartUpOptions& options) {
-  AppPaths& p = Paths();
+void ResolvePaths(Session& session, const StartUpOptions& options) {
+  AppPaths& p = session.Paths;
   p.AppPath = FolderName(!options.AppPathOverride.empty() ? options.AppPathOverride : ProgramFolder());
-  p.PersonalPath = GetFolderPath(kFolderPersonal);
-  p.PicturesPath = GetFolderPath(kFolderPictures);
-  p.WindowsPath = GetFolderPath(kFolderWindows);
-  p.SystemPath = GetFolderPath(kFolderSystem);
-  p.LocalAppDataPath = GetFolderPath(kFolderLocalAppDataCreate);
+  p.PersonalPath = GetFolderPath(p.AppPath, kFolderPersonal);
+  p.PicturesPath = GetFolderPath(p.AppPath, kFolderPictures);
+  p.WindowsPath = GetFolderPath(p.AppPath, kFolderWindows);
+  p.SystemPath = GetFolderPath(p.AppPath, kFolderSystem);
+  p.LocalAppDataPath = GetFolderPath(p.AppPath, kFolderLocalAppDataCreate);
   p.UserLocalPath = Under(p.LocalAppDataPath, "Velmora");
-  p.PublicPath = Under(GetFolderPath(kFolderCommonDocuments), "Velmora_Public");
+  p.PublicPath = Under(GetFolderPath(p.AppPath, kFolderCommonDocuments), "Velmora_Public");
 }
 
 std::string MissingDefaultIniText(const std::string& path) {
@@ -89,111 +89,106 @@ SplashTiming SplashTimingFor(std::int32_t splushTime) {
   return timing;
 }
 
-ProjectResetHooks& ProjectHooks() {
-  static ProjectResetHooks hooks;
-  return hooks;
-}
-
-bool FolderCreateAndInitialize(const std::string& path) {
-  return GuardedContinue(kModule, "Main->FolderCreateAndInitialize", [&] {
+bool FolderCreateAndInitialize(Session& session, const std::string& path) {
+  return GuardedContinue(session, kModule, "Main->FolderCreateAndInitialize", [&] {
     if (DirCheck(path)) DeletePath(path, "*.*");
     else MakeFolder(path);
   });
 }
 
-void InitCreateFolder() {
-  GuardedContinue(kModule, "Main->InitCreateFolder", [] {
-    const std::string root = Paths().UserLocalPath;
+void InitCreateFolder(Session& session) {
+  GuardedContinue(session, kModule, "Main->InitCreateFolder", [&] {
+    const std::string root = session.Paths.UserLocalPath;
     // The sub-folders of a root that cannot be made cannot be made either: one report is enough.
-    if (!FolderCreateAndInitialize(root)) return;
+    if (!FolderCreateAndInitialize(session, root)) return;
     DeleteFolder(Under(root, "Project"));
     DeleteFolder(Under(root, "Temp"));
     for (const char* sub : {"Project", "Project/Profile", "Project/Screening", "Temp", "Debug"})
-      FolderCreateAndInitialize(Under(root, sub));
+      FolderCreateAndInitialize(session, Under(root, sub));
     MakeFolderIfMissing(Under(root, "Resource"));
   });
 }
 
-void InitProjectData() {
-  Paths().ProjectFileName.clear();
-  Paths().ProjectDirty = false;
-  if (ProjectHooks().ReleaseProject) ProjectHooks().ReleaseProject();
+void InitProjectData(Session& session) {
+  session.Project.FileName.clear();
+  session.Project.Dirty = false;
+  if (session.Hooks.ReleaseProject) session.Hooks.ReleaseProject();
   static constexpr int kOrder[] = {1, 2, 8, 3, 4, 5, 6, 7, 9, 10};
-  LoadDefaultGroups(kOrder, /*copyToCurrent=*/true);
+  LoadDefaultGroups(session, kOrder, /*copyToCurrent=*/true);
   // The evaluation length of the sliding window comes from no file.
-  for (CalcConditions* c : {&DefaultConditions(), &CurrentConditions()}) {
+  for (CalcConditions* c : {&session.DefaultConditions, &session.CurrentConditions}) {
     c->Iri.IriBaseLength = 10.0;
     c->RepairIri.IriBaseLength = 10.0;
   }
-  if (ProjectHooks().ClearRepairStudy) ProjectHooks().ClearRepairStudy();
+  if (session.Hooks.ClearRepairStudy) session.Hooks.ClearRepairStudy();
 }
 
-StartUpResult StartUp(const StartUpOptions& options) {
+StartUpResult StartUp(Session& session, const StartUpOptions& options) {
   StartUpResult result;
 
   // 1. A second instance is refused before anything else is done. The lock file lies beside the
   //    user-local tree, not in it, because the tree's plain files are deleted at every start.
   const FolderEnvironment environment = ReadFolderEnvironment();
   const std::string dataHome = ResolveFolderPath(kFolderLocalAppDataCreate, environment);
-  if (!dataHome.empty()) {
+  if (options.SingleInstance && !dataHome.empty()) {
     std::error_code ec;
     std::filesystem::create_directories(dataHome, ec);
     InstanceLock::Outcome outcome;
     result.Lock = InstanceLock::Acquire(std::filesystem::path(dataHome) / "Velmora.lock", outcome);
     if (outcome == InstanceLock::Outcome::OtherRunning) {
-      Ui().Inform("このアプリケーションはすでに開かれています。", "APP Load Error", MsgIcon::Exclamation);
+      session.Ui().Inform("このアプリケーションはすでに開かれています。", "APP Load Error", MsgIcon::Exclamation);
       return result;
     }
   }
 
   // 2.-6. Switches and folders.
-  Paths() = AppPaths{};
-  Paths().DebugSwitch = CommandLineHasDebugSwitch(options.CommandLine);
-  ResolvePaths(options);
-  MakeLeftoverFolders();
+  session.Paths = AppPaths{};
+  session.Paths.DebugSwitch = CommandLineHasDebugSwitch(options.CommandLine);
+  ResolvePaths(session, options);
+  MakeLeftoverFolders(session);
 
   // 7.-8. The scratch tree, then the paths inside it.
-  InitCreateFolder();
-  Paths().TempPath = Under(Paths().UserLocalPath, "Temp");
-  Paths().DebugPath = Under(Paths().UserLocalPath, "Debug");
-  Paths().TempBmpPath = Under(Paths().TempPath, "temp.bmp");
+  InitCreateFolder(session);
+  session.Paths.TempPath = Under(session.Paths.UserLocalPath, "Temp");
+  session.Paths.DebugPath = Under(session.Paths.UserLocalPath, "Debug");
+  session.Paths.TempBmpPath = Under(session.Paths.TempPath, "temp.bmp");
 
   // 9. A new project with the default conditions (missing keys keep their built-in values).
-  InitProjectData();
+  InitProjectData(session);
 
   // 11. Default.ini must be there.
-  const std::string defaultIni = DefaultIniPath().string();
+  const std::string defaultIni = DefaultIniPath(session.Paths).string();
   if (!flSearchPath(defaultIni)) {
-    Ui().Inform(MissingDefaultIniText(defaultIni), "設定ファイル", MsgIcon::Exclamation);
+    session.Ui().Inform(MissingDefaultIniText(defaultIni), "設定ファイル", MsgIcon::Exclamation);
     return result;
   }
 
   // 12.-14.
-  LoadGeneralSettings();
+  LoadGeneralSettings(session);
   // A debug.log that cannot be written follows from a folder failure already shown: logged only.
-  GuardedContinue(kModule, "Main", [] { DebugStart(); }, /*quiet=*/true);
-  result.Splash = SplashTimingFor(Settings().SplushTime);
+  GuardedContinue(session, kModule, "Main", [&] { DebugStart(session); }, /*quiet=*/true);
+  result.Splash = SplashTimingFor(session.Settings.SplushTime);
   result.MayGoOn = true;
   return result;
 }
 
-bool ConfirmExit() {
-  return Ui().Message("プログラムを終了しますか？", "", MsgIcon::Question, MsgButtons::YesNo, MsgAnswer::Yes) ==
+bool ConfirmExit(Session& session) {
+  return session.Ui().Message("プログラムを終了しますか？", "", MsgIcon::Question, MsgButtons::YesNo, MsgAnswer::Yes) ==
          MsgAnswer::Yes;
 }
 
-void SaveStatisticsFlags(const std::array<bool, kStatisticsFlagCount>& flags) {
+void SaveStatisticsFlags(Session& session, const std::array<bool, kStatisticsFlagCount>& flags) {
   std::string text;
   for (std::size_t i = 0; i < flags.size(); ++i) {
     if (i > 0) text += ',';
     text += flags[i] ? '1' : '0';
   }
-  SetPrevValue(kStatisticsSection, kStatisticsKey, text);
+  SetPrevValue(session, kStatisticsSection, kStatisticsKey, text);
 }
 
-std::vector<bool> LoadStatisticsFlags() {
+std::vector<bool> LoadStatisticsFlags(Session& session) {
   std::vector<bool> flags;
-  const std::string text = GetPrevValue(kStatisticsSection, kStatisticsKey);
+  const std::string text = GetPrevValue(session, kStatisticsSection, kStatisticsKey);
   if (text.empty()) return flags;
   for (const auto& part : uToken(text, ",")) flags.push_back(uLongVal(part) != 0);
   return flags;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/instance_lock.h"
+#include "base/session.h"
 
 namespace velmora {
 
@@ -26,6 +27,9 @@ SplashTiming SplashTimingFor(std::int32_t splushTime);
 struct StartUpOptions {
   std::string CommandLine;      // the words after the program name, as one text (SWDEBUG anywhere)
   std::string AppPathOverride;  // folder of Default.ini and TOLVAVERI.ini; empty: the program's folder
+  // Refuse to start beside another running instance. A rule of the desktop program, which owns one
+  // scratch tree per user; the engine itself can run in any number of sessions.
+  bool SingleInstance = false;
 };
 
 struct StartUpResult {
@@ -34,44 +38,35 @@ struct StartUpResult {
   SplashTiming Splash;
 };
 
-// In order: refuses a second instance (nothing else done), reads SWDEBUG, works out Paths(), makes
+// In order: with SingleInstance, refuses a second instance (nothing else done); reads SWDEBUG, works out session.Paths, makes
 // the documents, pictures and public folders, rebuilds the scratch tree, resets the project and loads
 // the default conditions, checks that Default.ini exists (else its message, and the end), loads the
 // general settings and writes the start line of debug.log. Folders that cannot be made are reported
 // through the error log and start-up goes on.
-StartUpResult StartUp(const StartUpOptions& options);
+StartUpResult StartUp(Session& session, const StartUpOptions& options);
 
 // Rebuilds the scratch tree under UserLocalPath: its plain files deleted, "Project" and "Temp" made
 // anew (with "Project/Profile" and "Project/Screening"), "Debug" emptied of files, "Resource" kept or
 // made. Other sub-folders are left alone. Errors are reported under "Main->InitCreateFolder" or
 // "Main->FolderCreateAndInitialize".
-void InitCreateFolder();
+void InitCreateFolder(Session& session);
 // Deletes every file in an existing folder (sub-folders untouched) or makes the folder. True when the
 // folder is there afterwards; errors are reported under "Main->FolderCreateAndInitialize".
-bool FolderCreateAndInitialize(const std::string& path);
-
-// The parts of the project state that other subsystems own; each may be left empty.
-struct ProjectResetHooks {
-  // Releases every profile (count 0), sets the project's range slots to unset and the selection to -1.
-  std::function<void()> ReleaseProject;
-  // Clears the repair study's working values and its band and line colours.
-  std::function<void()> ClearRepairStudy;
-};
-ProjectResetHooks& ProjectHooks();
+bool FolderCreateAndInitialize(Session& session, const std::string& path);
 
 // Sets the global project state to that of a new project: no file name, not dirty, the hooks run,
 // the default conditions loaded from Default.ini in the order 1, 2, 8, 3, 4, 5, 6, 7, 9, 10 and
 // copied into the current conditions, the evaluation length of both IRI parameter sets 10 m.
-void InitProjectData();
+void InitProjectData(Session& session);
 
 // The close question "プログラムを終了しますか？" (Yes/No, question icon, no title): true to close.
-bool ConfirmExit();
+bool ConfirmExit(Session& session);
 
 // The five display flags of the statistics tab, kept in 前回値.ini (section "統計値", key
 // "表示指定情報") as "0" or "1" joined by ",".
 inline constexpr std::size_t kStatisticsFlagCount = 5;
-void SaveStatisticsFlags(const std::array<bool, kStatisticsFlagCount>& flags);
+void SaveStatisticsFlags(Session& session, const std::array<bool, kStatisticsFlagCount>& flags);
 // The stored flags in order (as many as stored; a part other than a non-zero number is false).
-std::vector<bool> LoadStatisticsFlags();
+std::vector<bool> LoadStatisticsFlags(Session& session);
 
 }  // namespace velmora

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "base/progress.h"
+
 namespace velmora {
 
 enum class MsgIcon { None, Information, Exclamation, Question, Critical };
@@ -20,9 +22,8 @@ struct FileDialogRequest {
   bool MultiSelect = false;
 };
 
-class UserInteraction {
+class UserInteraction : public ProgressSink {
  public:
-  virtual ~UserInteraction() = default;
 
   // A message box. For a question, `defaultAnswer` is the button that has the focus.
   virtual MsgAnswer Message(const std::string& text, const std::string& title, MsgIcon icon,
@@ -34,11 +35,6 @@ class UserInteraction {
   virtual std::vector<std::string> OpenFiles(const FileDialogRequest& request) = 0;
   virtual std::string SaveFile(const FileDialogRequest& request) = 0;
   virtual std::string ChooseFolder(const FileDialogRequest& request) = 0;
-
-  // The progress display: start (title, message), value 0..100, exit.
-  virtual void ProgressStart(const std::string& title, const std::string& message) = 0;
-  virtual void ProgressValue(int percent) = 0;
-  virtual void ProgressExit() = 0;
 
   // Shorthands used all over the program.
   void Inform(const std::string& text, const std::string& title, MsgIcon icon = MsgIcon::Exclamation) {
@@ -52,20 +48,21 @@ class UserInteraction {
   }
 };
 
-// The process-wide interaction in force. Until a front end installs one, a silent implementation
-// answers every question with its default, cancels dialogs and writes messages to stderr.
-UserInteraction& Ui();
-
-// Installs `ui` for the lifetime of this object (front ends at start, tests per case).
-class ScopedUi {
+// Answers every question with its default, cancels dialogs, never stops a computation and writes
+// messages to stderr: what a session uses until a front end installs its own.
+class SilentInteraction final : public UserInteraction {
  public:
-  explicit ScopedUi(UserInteraction& ui);
-  ~ScopedUi();
-  ScopedUi(const ScopedUi&) = delete;
-  ScopedUi& operator=(const ScopedUi&) = delete;
-
- private:
-  UserInteraction* previous_;
+  MsgAnswer Message(const std::string& text, const std::string& title, MsgIcon icon, MsgButtons buttons,
+                    MsgAnswer defaultAnswer) override;
+  std::optional<std::string> Input(const std::string&, const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+  std::vector<std::string> OpenFiles(const FileDialogRequest&) override { return {}; }
+  std::string SaveFile(const FileDialogRequest&) override { return {}; }
+  std::string ChooseFolder(const FileDialogRequest&) override { return {}; }
+  void ProgressStart(const std::string&, const std::string&) override {}
+  bool ProgressValue(int) override { return true; }
+  void ProgressExit() override {}
 };
 
 }  // namespace velmora

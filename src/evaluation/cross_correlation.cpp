@@ -27,8 +27,8 @@ namespace {
 constexpr const char* kModule = "frmTop";
 constexpr const char* kCrLf = "\r\n";
 
-void Warn(const std::string& text) {
-  Ui().Message(text, "警告", MsgIcon::Exclamation, MsgButtons::Ok, MsgAnswer::Ok);
+void Warn(Session& session, const std::string& text) {
+  session.Ui().Message(text, "警告", MsgIcon::Exclamation, MsgButtons::Ok, MsgAnswer::Ok);
 }
 
 // "12" -> "１２", "-3" -> "－３".
@@ -45,29 +45,21 @@ std::vector<std::int32_t> InListOrder(std::span<const std::int32_t> rows) {
   return ordered;
 }
 
-// Ends the progress display however the run ends.
-struct ProgressScope {
-  ProgressScope(const std::string& title, const std::string& message) { Ui().ProgressStart(title, message); }
-  ~ProgressScope() { Ui().ProgressExit(); }
-  ProgressScope(const ProgressScope&) = delete;
-  ProgressScope& operator=(const ProgressScope&) = delete;
-};
-
 // The series a profile is compared with: the aligned elevations, or their IRI filter series.
-std::vector<double> SeriesInUse(const std::vector<double>& aligned, double pitch, bool iriFilter,
+std::vector<double> SeriesInUse(const DebugTables& debug, const std::vector<double>& aligned, double pitch, bool iriFilter,
                                 const IriParams& iri) {
   if (!iriFilter) return aligned;
   AnalysisBlock block;
-  PrepareAnalysis(block, static_cast<std::int32_t>(aligned.size()), Array1<double>(aligned), pitch);
-  CalcIriFilter(block, iri);
+  PrepareAnalysis(debug, block, static_cast<std::int32_t>(aligned.size()), Array1<double>(aligned), pitch);
+  CalcIriFilter(debug, block, iri);
   const auto& wave = block.Iri.IriFilterWave.Values;
   return std::vector<double>(wave.begin(), wave.begin() + block.Iri.IriFilterCount);
 }
 
 // Arithmetic mean of the raw PSD of the series over the whole transform length.
-double PsdValueOf(const std::vector<double>& series, double pitch, const CorrelationPsdOptions& psd) {
+double PsdValueOf(Session& session, const std::vector<double>& series, double pitch, const CorrelationPsdOptions& psd) {
   Array1<double> spectrum;
-  if (!PsdCalc(static_cast<std::int32_t>(series.size()), Array1<double>(series), pitch, psd.WindowKind,
+  if (!PsdCalc(session, static_cast<std::int32_t>(series.size()), Array1<double>(series), pitch, psd.WindowKind,
                psd.MirrorFill, spectrum))
     throw LegacyError(ErrorNumber::InvalidData, "PSD の計算に失敗しました。");
   double sum = 0;
@@ -77,7 +69,7 @@ double PsdValueOf(const std::vector<double>& series, double pitch, const Correla
 
 }  // namespace
 
-bool CheckCorrelationOptions(const ProfileList& list, std::span<const std::int32_t> selectedRows,
+bool CheckCorrelationOptions(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
                              CorrelationOptions& options, CorrelationSelection& selection) {
   selection = {};
   for (std::int32_t row : InListOrder(selectedRows)) {
@@ -90,7 +82,7 @@ bool CheckCorrelationOptions(const ProfileList& list, std::span<const std::int32
     const ProfileRecord& previous = list.Items.at(selection.ListIndices[k - 1]);
     const ProfileRecord& current = list.Items.at(selection.ListIndices[k]);
     if (previous.Erd.StepSize != current.Erd.StepSize) {
-      Warn(std::string("対象プロファイルのサンプルピッチは全て同じにしてください。") + kCrLf +
+      Warn(session, std::string("対象プロファイルのサンプルピッチは全て同じにしてください。") + kCrLf +
            selection.Names[k - 1] + " ： " + FormatNumber(previous.Erd.StepSize, "0.0000") + kCrLf +
            selection.Names[k] + " ： " + FormatNumber(current.Erd.StepSize, "0.0000") + kCrLf +
            "確認してください。");
@@ -118,7 +110,7 @@ bool CheckCorrelationOptions(const ProfileList& list, std::span<const std::int32
     }
   }
   if (selection.CommonCount <= 0) {
-    Warn(std::string("全プロファイルで共通なプロファイル部がありませんでした。") + kCrLf + kCrLf +
+    Warn(session, std::string("全プロファイルで共通なプロファイル部がありませんでした。") + kCrLf + kCrLf +
          "確認してください。");
     return false;
   }
@@ -128,7 +120,7 @@ bool CheckCorrelationOptions(const ProfileList& list, std::span<const std::int32
     const std::int32_t limit = selection.CommonCount - 2;
     const bool whole = value && *value == std::floor(*value) && std::abs(*value) < 2e9;
     if (!whole || *value <= 0 || *value > limit) {
-      Warn("０ < [最大ずらし量] <= " + FullWidthDigits(limit) + "　の範囲で指定してください");
+      Warn(session, "０ < [最大ずらし量] <= " + FullWidthDigits(limit) + "　の範囲で指定してください");
       selection.SelectMaxShiftText = true;
       return false;
     }
@@ -157,14 +149,14 @@ std::vector<double> AlignedSamples(const ProfileRecord& profile, const Correlati
   return std::vector<double>(begin, begin + selection.CommonCount);
 }
 
-bool RunCrossCorrelation(const ProfileList& list, std::span<const std::int32_t> selectedRows,
+bool RunCrossCorrelation(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
                          const CorrelationOptions& options, const IriParams& iri, CorrelationResults& results,
                          bool withoutFilter, const CorrelationPsdOptions& psd) {
   bool done = false;
-  Guarded(kModule, "cmdGO相互相関", [&] {
+  Guarded(session, kModule, "cmdGO相互相関", [&] {
     CorrelationResults fresh;
     fresh.Options = options;
-    if (!CheckCorrelationOptions(list, selectedRows, fresh.Options, fresh.Selection)) return;
+    if (!CheckCorrelationOptions(session, list, selectedRows, fresh.Options, fresh.Selection)) return;
     // The save's second run is always without the filter, whatever the control says.
     fresh.UsedIriFilter = fresh.Options.FilterMode == 1 && !withoutFilter;
     const CorrelationSelection& selection = fresh.Selection;
@@ -174,15 +166,15 @@ bool RunCrossCorrelation(const ProfileList& list, std::span<const std::int32_t> 
     for (std::int32_t row : selection.ListIndices) {
       const ProfileRecord& profile = list.Items.at(row);
       const double pitch = profile.Erd.StepSize;
-      series.push_back(SeriesInUse(AlignedSamples(profile, fresh.Options, selection), pitch,
+      series.push_back(SeriesInUse(DebugTablesOf(session), AlignedSamples(profile, fresh.Options, selection), pitch,
                                    fresh.UsedIriFilter, iri));
       const std::vector<double>& s = series.back();
       // The quarter-car model runs on the series in use, also when that is already its response.
       fresh.IriValues.push_back(IriOfArray(static_cast<std::int32_t>(s.size()), s, pitch, iri));
-      fresh.PsdValues.push_back(PsdValueOf(s, pitch, psd));
+      fresh.PsdValues.push_back(PsdValueOf(session, s, pitch, psd));
     }
 
-    ProgressScope progress("相互相関値の集計中です", "しばらくお待ちください。");
+    ProgressScope progress(session.Ui(), "相互相関値の集計中です", "しばらくお待ちください。");
     fresh.Matrix.assign(static_cast<std::size_t>(count) * static_cast<std::size_t>(count), CorrelationCell{});
     const long total = static_cast<long>(count) * (count + 1) / 2;
     long pairs = 0;
@@ -195,7 +187,7 @@ bool RunCrossCorrelation(const ProfileList& list, std::span<const std::int32_t> 
                                           : fresh.Options.MaxShiftCount;
         const auto n = static_cast<std::int32_t>(std::min(a.size(), b.size()));
         fresh.Cell(i, j) = CrossCorrelatePair(n, a, b, maxShift);
-        Ui().ProgressValue(static_cast<int>(++pairs * 100 / total));
+        ReportProgress(session.Ui(), static_cast<int>(++pairs * 100 / total));
       }
     }
     fresh.Valid = true;
@@ -213,48 +205,48 @@ std::string ShiftedTitleSuffix(std::int32_t shift) {
   return (shift >= 0 ? "(-" : "(+") + std::to_string(std::abs(shift)) + "P)";
 }
 
-bool SaveCrossCorrelation(const ProfileList& list, std::span<const std::int32_t> selectedRows,
+bool SaveCrossCorrelation(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
                           const CorrelationResults& results, const IriParams& iri, const std::string& namePattern,
                           const CorrelationPsdOptions& psd) {
   if (!results.Valid) return false;
   bool saved = false;
-  Guarded(kModule, "cmdSave相互相関_Click", [&] {
+  Guarded(session, kModule, "cmdSave相互相関_Click", [&] {
     CorrelationOptions options = results.Options;
     CorrelationSelection selection;
-    if (!CheckCorrelationOptions(list, selectedRows, options, selection)) return;
+    if (!CheckCorrelationOptions(session, list, selectedRows, options, selection)) return;
     // The files always hold the figures without the IRI filter; the IRI and PSD columns are taken
     // from the same run, so that the error rates in them agree with the values beside them.
     CorrelationResults unfiltered;
     const CorrelationResults* toWrite = &results;
     if (results.UsedIriFilter) {
-      if (!RunCrossCorrelation(list, selectedRows, results.Options, iri, unfiltered, true, psd)) return;
+      if (!RunCrossCorrelation(session, list, selectedRows, results.Options, iri, unfiltered, true, psd)) return;
       toWrite = &unfiltered;
     }
 
-    const std::filesystem::path folder = AskCsvFolder();
+    const std::filesystem::path folder = AskCsvFolder(session);
     if (folder.empty()) return;
     const std::tm now = LocalNow();
     const std::string first = toWrite->Selection.Names.empty() ? "" : toWrite->Selection.Names[0];
     for (std::size_t t = 0; t < kMeasureCaptions.size(); ++t)
       WriteSystemTextFile(folder / CsvFileName(namePattern, "CC", kMeasureCaptions[t], first, now),
                           CorrelationCsvLines(*toWrite, static_cast<std::int32_t>(t)));
-    ShowCsvSaved(folder);
+    ShowCsvSaved(session, folder);
     saved = true;
   });
   return saved;
 }
 
-std::vector<std::string> RegisterShiftedProfiles(ProfileList& list, const CorrelationResults& results) {
-  return RegisterShiftedProfiles(list, results,
-                                 [&list](const std::vector<std::string>& paths) { return AddProfileList(list, paths, true); });
+std::vector<std::string> RegisterShiftedProfiles(Session& session, ProfileList& list, const CorrelationResults& results) {
+  return RegisterShiftedProfiles(session, list, results,
+                                 [&session, &list](const std::vector<std::string>& paths) { return AddProfileList(session, list, paths, true); });
 }
 
-std::vector<std::string> RegisterShiftedProfiles(
+std::vector<std::string> RegisterShiftedProfiles(Session& session, 
     const ProfileList& list, const CorrelationResults& results,
     const std::function<bool(const std::vector<std::string>& paths)>& registerFiles) {
   std::vector<std::string> names;
   if (!results.Valid) return names;
-  Guarded(kModule, "cmd精度検証ずらし量登録", [&] {
+  Guarded(session, kModule, "cmd精度検証ずらし量登録", [&] {
     std::vector<std::string> paths;
     std::vector<std::string> made;
     for (std::int32_t j = 2; j <= results.Selection.ProfileCount; ++j) {
@@ -266,8 +258,8 @@ std::vector<std::string> RegisterShiftedProfiles(
       copy.KpStart = KpStartKm(source) - shift * (source.Erd.StepSize / 1000.0);
       copy.Title += ShiftedTitleSuffix(shift);
       const std::string name = ShiftedProfileName(ProfileList::NameOf(source), shift);
-      std::filesystem::create_directories(ProjectProfileFolder());
-      const std::string path = ProjectProfileFolder() + "/" + name + ".ERD";
+      std::filesystem::create_directories(ProjectProfileFolder(session));
+      const std::string path = ProjectProfileFolder(session) + "/" + name + ".ERD";
       WriteERD(path, copy);
       paths.push_back(path);
       made.push_back(name);

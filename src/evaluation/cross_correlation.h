@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "results/iri_types.h"
 #include "evaluation/cross_correlation_kernel.h"
 #include "profile/profile_list.h"
@@ -71,7 +72,7 @@ struct CorrelationResults {
 // Fills the selection's derived values for `options` and checks them: equal pitches, a common part,
 // the shift range. Each failure shows its warning ("警告") and gives false. selectedRows: 1-based
 // places in `list`, any order.
-bool CheckCorrelationOptions(const ProfileList& list, std::span<const std::int32_t> selectedRows,
+bool CheckCorrelationOptions(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
                              CorrelationOptions& options, CorrelationSelection& selection);
 
 // The elevations a profile contributes under the chosen alignment: CommonCount samples (mm), a
@@ -83,7 +84,7 @@ std::vector<double> AlignedSamples(const ProfileRecord& profile, const Correlati
 // `withoutFilter`), the IRI and PSD value of each and every pair i <= j. The results are replaced
 // only by a complete run; false after a refused check or a run-time error (logged as
 // "cmdGO相互相関"). `iri` are the IRI tab's parameters.
-bool RunCrossCorrelation(const ProfileList& list, std::span<const std::int32_t> selectedRows,
+bool RunCrossCorrelation(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
                          const CorrelationOptions& options, const IriParams& iri, CorrelationResults& results,
                          bool withoutFilter = false, const CorrelationPsdOptions& psd = {});
 
@@ -91,17 +92,17 @@ bool RunCrossCorrelation(const ProfileList& list, std::span<const std::int32_t> 
 // CSV files, one per measure. `namePattern` is the "FileExportName" setting of the kind (may be
 // empty). False when nothing was written (no results, check refused, cancelled, or an error, which
 // is logged as "cmdSave相互相関_Click"; files already written stay).
-bool SaveCrossCorrelation(const ProfileList& list, std::span<const std::int32_t> selectedRows,
+bool SaveCrossCorrelation(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
                           const CorrelationResults& results, const IriParams& iri, const std::string& namePattern,
                           const CorrelationPsdOptions& psd = {});
 
 // "ずらし量適用登録": a copy of each later profile moved by its shift against the first, written as ERD
 // in the project's profile folder and registered in `list` at once. Returns the new names (none when
 // every shift is 0). Errors are logged as "cmd精度検証ずらし量登録" and give an empty list.
-std::vector<std::string> RegisterShiftedProfiles(ProfileList& list, const CorrelationResults& results);
+std::vector<std::string> RegisterShiftedProfiles(Session& session, ProfileList& list, const CorrelationResults& results);
 // The same with the registration left to the caller (the workbench's own): `registerFiles` gets the
 // paths of the written copies at once and answers whether they were registered.
-std::vector<std::string> RegisterShiftedProfiles(
+std::vector<std::string> RegisterShiftedProfiles(Session& session, 
     const ProfileList& list, const CorrelationResults& results,
     const std::function<bool(const std::vector<std::string>& paths)>& registerFiles);
 

@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "evaluation/csv_folder.h"
 
 #include "base/common.h"
@@ -8,17 +9,17 @@
 
 namespace velmora {
 
-std::filesystem::path AskCsvFolder() {
+std::filesystem::path AskCsvFolder(Session& session) {
   FileDialogRequest request;
   request.Title = "CSVファイル保存";
   request.Filter = "データファイル (*.Dummy)|*.Dummy|";
-  request.InitialDirectory = GetPrevValue("CSVファイル保存", "CommonDialogPath");
+  request.InitialDirectory = GetPrevValue(session, "CSVファイル保存", "CommonDialogPath");
   request.DefaultName = "フォルダ名の取得に使用され、ファイル名は無視されます";
-  const std::string chosen = Ui().ChooseFolder(request);
+  const std::string chosen = session.Ui().ChooseFolder(request);
   if (chosen.empty()) return {};
   const std::filesystem::path folder =
       std::filesystem::is_directory(chosen) ? std::filesystem::path(chosen) : std::filesystem::path(chosen).parent_path();
-  SetPrevValue("CSVファイル保存", "CommonDialogPath", folder.string());
+  SetPrevValue(session, "CSVファイル保存", "CommonDialogPath", folder.string());
   return folder;
 }
 
@@ -35,8 +36,8 @@ std::string CsvFileName(std::string_view pattern, std::string_view prefix, std::
   return name + ".CSV";
 }
 
-void ShowCsvSaved(const std::filesystem::path& folder) {
-  Ui().Message("CSV形式で以下のフォルダに保存しました。\r\n\r\n保存先：" + folder.string(), "データ保存",
+void ShowCsvSaved(Session& session, const std::filesystem::path& folder) {
+  session.Ui().Message("CSV形式で以下のフォルダに保存しました。\r\n\r\n保存先：" + folder.string(), "データ保存",
                MsgIcon::Information, MsgButtons::Ok, MsgAnswer::Ok);
 }
 

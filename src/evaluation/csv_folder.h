@@ -5,12 +5,14 @@
 #include <string>
 #include <string_view>
 
+#include "base/session.h"
+
 namespace velmora {
 
 // Asks for the folder of the CSV files through the file dialog (only the folder of the answer
 // counts), starting from the folder remembered last time, and remembers the new one. Empty when
 // cancelled.
-std::filesystem::path AskCsvFolder();
+std::filesystem::path AskCsvFolder(Session& session);
 
 // The file name (without folder) of one CSV file: with an empty `pattern`,
 // `prefix` + "_" + `kind` + "_" + the date "YYYYMMDDHHNNSS"; otherwise the pattern with its date
@@ -19,6 +21,6 @@ std::string CsvFileName(std::string_view pattern, std::string_view prefix, std::
                         std::string_view profileName, const std::tm& now);
 
 // "データ保存": the files are in `folder`.
-void ShowCsvSaved(const std::filesystem::path& folder);
+void ShowCsvSaved(Session& session, const std::filesystem::path& folder);
 
 }  // namespace velmora

@@ -119,11 +119,11 @@ struct BandIri {
   SectionIri Fixed;
 };
 
-std::vector<BandIri> IriOfBands(const ProfileRecord& profile, const StatisticsRequest& request) {
+std::vector<BandIri> IriOfBands(const DebugTables& debug, const ProfileRecord& profile, const StatisticsRequest& request) {
   AnalysisBlock block = profile.Analysis;
   IriParams params = request.Iri;
   params.IriBaseLength = 10.0;
-  CalcIriProfile(block, params, true);
+  CalcIriProfile(debug, block, params, true);
   const IriResults& r = block.Iri;
   const std::array<const Array1<double>*, 12> responses = {
       &r.IriResponseWave,     &r.IriResponseLong,     &r.IriResponseShort,    &r.IriResponseBand[1],
@@ -175,9 +175,9 @@ std::vector<std::string> StatisticsPage::RowText(std::size_t row) const {
   return cells;
 }
 
-bool CheckStatisticsSelection(std::int32_t selectedCount, StatisticsSelection& selection) {
-  auto refuse = [](const char* text) {
-    Ui().Message(text, "警告", MsgIcon::Exclamation, MsgButtons::Ok, MsgAnswer::Ok);
+bool CheckStatisticsSelection(Session& session, std::int32_t selectedCount, StatisticsSelection& selection) {
+  auto refuse = [&session](const char* text) {
+    session.Ui().Message(text, "警告", MsgIcon::Exclamation, MsgButtons::Ok, MsgAnswer::Ok);
     return false;
   };
   if (selectedCount < 1) return refuse("表示用プロファイルが選択されていません。");
@@ -232,23 +232,23 @@ SectionGridLine BuildSectionGrid(double lowestStartKm, double highestEndKm, std:
   return grid;
 }
 
-bool RunStatistics(ProfileList& list, std::span<const std::int32_t> selectedRows, StatisticsSelection selection,
+bool RunStatistics(Session& session, ProfileList& list, std::span<const std::int32_t> selectedRows, StatisticsSelection selection,
                    const StatisticsRequest& request, StatisticsResults& results) {
-  if (!CheckStatisticsSelection(static_cast<std::int32_t>(selectedRows.size()), selection)) return false;
+  if (!CheckStatisticsSelection(session, static_cast<std::int32_t>(selectedRows.size()), selection)) return false;
   for (std::int32_t row : selectedRows)
-    if (!DecomposeProfile(list.Items.at(row), request.ConvergentOctaves)) return false;
-  return RunStatisticsOnSplit(list, selectedRows, selection, request, results);
+    if (!DecomposeProfile(session, list.Items.at(row), request.ConvergentOctaves, request.Limits)) return false;
+  return RunStatisticsOnSplit(session, list, selectedRows, selection, request, results);
 }
 
-bool RunStatisticsOnSplit(const ProfileList& list, std::span<const std::int32_t> selectedRows,
+bool RunStatisticsOnSplit(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
                           StatisticsSelection selection, const StatisticsRequest& request,
                           StatisticsResults& results) {
   bool done = false;
-  Guarded("frmTop", "cmdGo統計値", [&] {
-    if (!CheckStatisticsSelection(static_cast<std::int32_t>(selectedRows.size()), selection)) return;
-    if (Settings().DebugLevel > 0 && !Paths().UserLocalPath.empty())
+  Guarded(session, "frmTop", "cmdGo統計値", [&] {
+    if (!CheckStatisticsSelection(session, static_cast<std::int32_t>(selectedRows.size()), selection)) return;
+    if (session.Settings.DebugLevel > 0 && !session.Paths.UserLocalPath.empty())
       for (const auto& line : StatisticsSettingLines(selection))
-        AppendSystemTextLine(std::filesystem::path(Paths().UserLocalPath) / "debug.log", line);
+        AppendSystemTextLine(std::filesystem::path(session.Paths.UserLocalPath) / "debug.log", line);
     std::vector<std::int32_t> rows(selectedRows.begin(), selectedRows.end());
     std::sort(rows.begin(), rows.end());
     for (std::int32_t row : rows)
@@ -312,7 +312,7 @@ bool RunStatisticsOnSplit(const ProfileList& list, std::span<const std::int32_t>
         }
       }
       if (!selection.IriSide) continue;
-      const std::vector<BandIri> iri = IriOfBands(p, request);
+      const std::vector<BandIri> iri = IriOfBands(DebugTablesOf(session), p, request);
       for (std::size_t b = 0; b < 12; ++b) {
         if (!selection.IriBands[b]) continue;
         for (std::size_t e = 0; e < 4; ++e) {
@@ -363,15 +363,15 @@ bool RunStatisticsOnSplit(const ProfileList& list, std::span<const std::int32_t>
   return done;
 }
 
-bool SaveStatistics(const StatisticsResults& results, const std::string& firstProfileName,
+bool SaveStatistics(Session& session, const StatisticsResults& results, const std::string& firstProfileName,
                     const std::string& namePattern) {
   if (!results.Valid) {
-    Ui().Message("統計値が計算されていません。", "警告", MsgIcon::Exclamation, MsgButtons::Ok, MsgAnswer::Ok);
+    session.Ui().Message("統計値が計算されていません。", "警告", MsgIcon::Exclamation, MsgButtons::Ok, MsgAnswer::Ok);
     return false;
   }
   bool saved = false;
-  Guarded("frmTop", "cmdSave統計値", [&] {
-    const std::filesystem::path folder = AskCsvFolder();
+  Guarded(session, "frmTop", "cmdSave統計値", [&] {
+    const std::filesystem::path folder = AskCsvFolder(session);
     if (folder.empty()) return;
     const std::tm now = LocalNow();
     for (const StatisticsPage& page : results.Pages) {
@@ -385,7 +385,7 @@ bool SaveStatistics(const StatisticsResults& results, const std::string& firstPr
       }
       WriteSystemTextFile(folder / CsvFileName(namePattern, "統計値", page.Caption, firstProfileName, now), lines);
     }
-    ShowCsvSaved(folder);
+    ShowCsvSaved(session, folder);
     saved = true;
   });
   return saved;

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "analysis/fft_filter.h"
+#include "base/session.h"
 #include "results/iri_types.h"
 #include "evaluation/section_statistics.h"
 #include "profile/profile_list.h"
@@ -53,7 +55,7 @@ void SwitchGroup(std::array<bool, N>& group, bool on) {
 }
 
 // Shows the first failing check's warning ("警告") and gives false; otherwise sets the two side flags.
-bool CheckStatisticsSelection(std::int32_t selectedCount, StatisticsSelection& selection);
+bool CheckStatisticsSelection(Session& session, std::int32_t selectedCount, StatisticsSelection& selection);
 
 // The debug lines of the selection ("プロファイル(帯域) = ..." and the like), items joined by " ,  ".
 std::vector<std::string> StatisticsSettingLines(const StatisticsSelection& selection);
@@ -89,6 +91,7 @@ struct StatisticsRequest {
   IriParams Iri;                      // the IRI tab's parameters (the window length is 10 m here)
   bool SkipPartialSections = false;   // "評価区間長に満たない区間のIRI算出を" "しない"
   bool ConvergentOctaves = false;     // the octave split with repeated passes
+  FilterConvergence Limits;           // of that split
 };
 
 struct StatisticsResults {
@@ -100,17 +103,17 @@ struct StatisticsResults {
 // "実行": checks, splits each selected profile into its bands (unless current), builds the grid and
 // fills the pages. selectedRows: 1-based places in `list`. False after a refused check or a run-time
 // error (logged as "cmdGo統計値"); the results are replaced only by a complete run.
-bool RunStatistics(ProfileList& list, std::span<const std::int32_t> selectedRows, StatisticsSelection selection,
+bool RunStatistics(Session& session, ProfileList& list, std::span<const std::int32_t> selectedRows, StatisticsSelection selection,
                    const StatisticsRequest& request, StatisticsResults& results);
 // The same over profiles whose octave split is already made (a profile without it is an error).
-bool RunStatisticsOnSplit(const ProfileList& list, std::span<const std::int32_t> selectedRows,
+bool RunStatisticsOnSplit(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
                           StatisticsSelection selection, const StatisticsRequest& request,
                           StatisticsResults& results);
 
 // "保存": one CSV file per page that holds data, in a folder the user picks. `namePattern` is the
 // "FileExportName" setting (may be empty); the first selected profile's name stands for
 // "$(PROFILENAME)$". False when nothing was written.
-bool SaveStatistics(const StatisticsResults& results, const std::string& firstProfileName,
+bool SaveStatistics(Session& session, const StatisticsResults& results, const std::string& firstProfileName,
                     const std::string& namePattern);
 
 }  // namespace velmora

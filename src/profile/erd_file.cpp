@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "profile/erd_file.h"
 
 #include <charconv>
@@ -48,8 +49,8 @@ std::string_view TrimBlanks(std::string_view text) {
   return text;
 }
 
-void ShowReadError(std::string_view text, const std::string& path) {
-  Ui().Inform(fmt::format("{}\r\n\r\nファイル名：{}", text, path), "読み込みエラー", MsgIcon::Exclamation);
+void ShowReadError(Session& session, std::string_view text, const std::string& path) {
+  session.Ui().Inform(fmt::format("{}\r\n\r\nファイル名：{}", text, path), "読み込みエラー", MsgIcon::Exclamation);
 }
 
 // A data line as the legacy CDbl took it. The plain decimal form goes through from_chars (the hot
@@ -157,7 +158,7 @@ std::string Right7(double value) { return uFormatRight(value, "######0"); }
 
 }  // namespace
 
-bool ReadERD(const std::string& path, ErdRecord& rec) {
+bool ReadERD(Session& session, const std::string& path, ErdRecord& rec) {
   std::error_code ec;
   if (std::filesystem::is_directory(path, ec))
     RaiseFileError(ErrorNumber::PermissionDenied, path, "ファイルではなくフォルダです。");
@@ -166,7 +167,7 @@ bool ReadERD(const std::string& path, ErdRecord& rec) {
   auto nextText = [&] { return lines.AtEnd() ? std::string() : FromSystemCodePage(lines.Next(), path); };
 
   if (Trim(nextText()) != kErdSignature) {
-    ShowReadError("指定されたファイルは ERD フォマットではありません。", path);
+    ShowReadError(session, "指定されたファイルは ERD フォマットではありません。", path);
     return false;
   }
   const std::vector<std::string> tokens = uToken(nextText(), ",", 7);
@@ -175,15 +176,15 @@ bool ReadERD(const std::string& path, ErdRecord& rec) {
   rec.FormatCode = uLongVal(tokens[4]);
   rec.StepSize = uDblVal(tokens[5]);
   if (rec.FormatCode != 5) {
-    ShowReadError("Data not stored in correct format.", path);
+    ShowReadError(session, "Data not stored in correct format.", path);
     return false;
   }
   if (rec.NumChannels < 1 || rec.NumChannels > 2) {
-    ShowReadError("File must have 1 or 2 channels.", path);
+    ShowReadError(session, "File must have 1 or 2 channels.", path);
     return false;
   }
   if (!(rec.StepSize > 0)) {
-    ShowReadError("Illegal step size.", path);
+    ShowReadError(session, "Illegal step size.", path);
     return false;
   }
 
@@ -289,10 +290,10 @@ bool WriteERD(const std::string& path, const ErdRecord& rec) {
   return true;
 }
 
-bool UpdateERD(const std::string& path, const std::string& newTitle, bool showMessage) {
+bool UpdateERD(Session& session, const std::string& path, const std::string& newTitle, bool showMessage) {
   std::error_code ec;
   if (!std::filesystem::is_regular_file(path, ec)) {
-    Ui().Message(fmt::format("ファイルが見つかりませんでした。\r\n\r\nファイル名：{}\r\n\r\n確認してください。", path), "",
+    session.Ui().Message(fmt::format("ファイルが見つかりませんでした。\r\n\r\nファイル名：{}\r\n\r\n確認してください。", path), "",
                  MsgIcon::Information, MsgButtons::Ok, MsgAnswer::Ok);
     return false;
   }
@@ -311,11 +312,11 @@ bool UpdateERD(const std::string& path, const std::string& newTitle, bool showMe
     // Written beside the file and renamed over it: a failure leaves the original in place.
     WriteFileBytesAtomically(path, updated);
   } catch (const std::exception& error) {
-    Ui().Message(fmt::format("{}\r\nUpdateERD", error.what()), "", MsgIcon::Critical, MsgButtons::Ok, MsgAnswer::Ok);
+    session.Ui().Message(fmt::format("{}\r\nUpdateERD", error.what()), "", MsgIcon::Critical, MsgButtons::Ok, MsgAnswer::Ok);
     return false;
   }
   if (showMessage) {
-    Ui().Inform(fmt::format("以下のファイルを書き換えました\r\n\r\n対象ファイル名：{}", path), "ファイル更新",
+    session.Ui().Inform(fmt::format("以下のファイルを書き換えました\r\n\r\n対象ファイル名：{}", path), "ファイル更新",
                 MsgIcon::Information);
   }
   return true;

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/session.h"
 #include "profile/profile_record.h"
 
 namespace velmora {
@@ -19,7 +20,7 @@ inline constexpr std::string_view kErdSignature = "ERDFILEV2.00";
 // Reads an ERD file into `rec`. Header errors (signature, format code, channel count, step size) are
 // shown as "読み込みエラー" messages and give false, leaving `rec` partly filled. An unreadable file
 // or a data line that is not one number raises LegacyError naming the file (and the line).
-bool ReadERD(const std::string& path, ErdRecord& rec);
+bool ReadERD(Session& session, const std::string& path, ErdRecord& rec);
 
 // Writes `rec` in the program's layout: NumSamples elevations of `Elevation` (mm, 1-based), pitch in m.
 // The file is replaced atomically; failure raises LegacyError naming the file. Returns true.
@@ -28,7 +29,7 @@ bool WriteERD(const std::string& path, const ErdRecord& rec);
 // Replaces the TITLE line of an existing ERD file by "TITLE   " + newTitle; the other lines are kept.
 // Shows "ファイル更新" unless `showMessage` is false. False (with a message) when the file is missing
 // or cannot be rewritten; the original then stays as it was.
-bool UpdateERD(const std::string& path, const std::string& newTitle, bool showMessage = true);
+bool UpdateERD(Session& session, const std::string& path, const std::string& newTitle, bool showMessage = true);
 
 // The TITLE text the writer composes: Title, then "｜" + KP text when KpStart is set, then "｜" +
 // the repair range when either end of it is set.

@@ -26,68 +26,68 @@ std::vector<const ProfileRecord*> SelectedProfiles(const ProfileList& list) {
 }
 
 // Recolours every panel of every view by its position, after rows went away.
-void RecolourPanels(ProfileList& list) {
+void RecolourPanels(Session& session, ProfileList& list) {
   for (ProfileListView& view : list.Views) {
-    const auto& palette = view.Palette == ListPalette::Profile ? Settings().PaletteProfile : Settings().PaletteRepair;
+    const auto& palette = view.Palette == ListPalette::Profile ? session.Settings.PaletteProfile : session.Settings.PaletteRepair;
     view.Panels.resize(view.Rows.size());
     for (std::size_t r = 0; r < view.Panels.size(); ++r) view.Panels[r] = RowColour(static_cast<std::int32_t>(r + 1), palette);
   }
 }
 
-void AddFiles(ProfileList& list, ProfileEditResult& result) {
-  std::string start = GetPrevValue(kDialogSection, "ERDファイル追加");
-  if (start.empty() || !DirCheck(start)) start = Paths().AppPath;
+void AddFiles(Session& session, ProfileList& list, ProfileEditResult& result) {
+  std::string start = GetPrevValue(session, kDialogSection, "ERDファイル追加");
+  if (start.empty() || !DirCheck(start)) start = session.Paths.AppPath;
   FileDialogRequest request;
   request.Title = "ERDファイル追加";
   request.Filter = "ERDファイル (*.ERD)|*.ERD|テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*";
   request.InitialDirectory = start;
   request.MultiSelect = true;
-  const std::vector<std::string> files = Ui().OpenFiles(request);
+  const std::vector<std::string> files = session.Ui().OpenFiles(request);
   if (files.empty()) return;
-  SetPrevValue(kDialogSection, "ERDファイル追加", flGetPathName(files.front()));
-  result = RegisterProfileFiles(list, files);
+  SetPrevValue(session, kDialogSection, "ERDファイル追加", flGetPathName(files.front()));
+  result = RegisterProfileFiles(session, list, files);
 }
 
-void ExportAsErd(const ProfileList& list) {
+void ExportAsErd(Session& session, const ProfileList& list) {
   FileDialogRequest request;
   request.Title = "ERDファイル保存";
   request.Filter = "データファイル (*.Dummy)|*.Dummy|";
   request.DefaultName = "フォルダ名の取得に使用され、ファイル名は無視されます";
-  request.InitialDirectory = GetPrevValue(kDialogSection, "ERDファイル保存");
-  const std::string chosen = Ui().SaveFile(request);
+  request.InitialDirectory = GetPrevValue(session, kDialogSection, "ERDファイル保存");
+  const std::string chosen = session.Ui().SaveFile(request);
   if (chosen.empty()) return;
   const std::string folder = flGetPathName(chosen);  // only the folder of the dummy name counts
-  SetPrevValue(kDialogSection, "ERDファイル保存", folder);
+  SetPrevValue(session, kDialogSection, "ERDファイル保存", folder);
   ExportProfilesAsErd(folder, SelectedProfiles(list));
-  Ui().Inform(fmt::format("ERDファイルを保存しました。 \r\n保存先：{}", folder), "データ保存", MsgIcon::Information);
+  session.Ui().Inform(fmt::format("ERDファイルを保存しました。 \r\n保存先：{}", folder), "データ保存", MsgIcon::Information);
 }
 
-void ExportAsCsv(const ProfileList& list) {
+void ExportAsCsv(Session& session, const ProfileList& list) {
   FileDialogRequest request;
   request.Title = "CSVファイル保存";
   request.Filter = "データファイル (*.CSV)|*.CSV|";
   request.DefaultName = "Profile_" + FormatDateTime(LocalNow(), "YYYYMMDDHHNNSS") + ".CSV";
-  request.InitialDirectory = GetPrevValue(kDialogSection, "CSVファイル保存");
-  const std::string chosen = Ui().SaveFile(request);
+  request.InitialDirectory = GetPrevValue(session, kDialogSection, "CSVファイル保存");
+  const std::string chosen = session.Ui().SaveFile(request);
   if (chosen.empty()) return;
-  SetPrevValue(kDialogSection, "CSVファイル保存", flGetPathName(chosen));
+  SetPrevValue(session, kDialogSection, "CSVファイル保存", flGetPathName(chosen));
   std::vector<const ErdRecord*> records;
   for (const ProfileRecord* profile : SelectedProfiles(list)) records.push_back(&profile->Erd);
   std::string paths;
-  for (const std::string& path : WriteProfileCsv(chosen, records)) paths += (paths.empty() ? "" : "\r\n") + path;
-  Ui().Inform(fmt::format("CSVファイルを保存しました。 \r\n保存先：{}", paths), "データ保存", MsgIcon::Information);
+  for (const std::string& path : WriteProfileCsv(session, chosen, records)) paths += (paths.empty() ? "" : "\r\n") + path;
+  session.Ui().Inform(fmt::format("CSVファイルを保存しました。 \r\n保存先：{}", paths), "データ保存", MsgIcon::Information);
 }
 
-void Export(const ProfileList& list, ProfileExportFormat format) {
+void Export(Session& session, const ProfileList& list, ProfileExportFormat format) {
   if (list.SelectedRows.empty()) return;
   ProfileDialogChoice ticked;
   for (const ProfileRecord* profile : SelectedProfiles(list)) ticked.Names.push_back(ProfileList::NameOf(*profile));
-  if (!AcceptProfileDialog(ProfileDialogKind::Export, ticked)) return;
-  if (format == ProfileExportFormat::Erd) ExportAsErd(list);
-  else ExportAsCsv(list);
+  if (!AcceptProfileDialog(session, ProfileDialogKind::Export, ticked)) return;
+  if (format == ProfileExportFormat::Erd) ExportAsErd(session, list);
+  else ExportAsCsv(session, list);
 }
 
-void Rename(ProfileList& list) {
+void Rename(Session& session, ProfileList& list) {
   if (list.SelectedRows.size() != 1) return;
   const std::int32_t row = list.SelectedRows.front();
   ProfileRecord& item = list.Items[row];
@@ -95,30 +95,30 @@ void Rename(ProfileList& list) {
   std::string proposal = oldName;
   std::string newName;
   for (;;) {
-    const std::optional<std::string> input = Ui().Input("変更後のファイル名を指定してください。", "名前の変更", proposal);
+    const std::optional<std::string> input = session.Ui().Input("変更後のファイル名を指定してください。", "名前の変更", proposal);
     if (!input) return;
     newName = Trim(*input);
     if (newName.empty() || newName == oldName) return;
     const std::int32_t other = list.Find(newName);
     if (other == 0 || other == row) break;
-    Ui().Inform(fmt::format("指定されたファイルは既に存在します。\r\n\r\n指定名称：{}\r\n\r\n確認してください。", newName), "警告");
+    session.Ui().Inform(fmt::format("指定されたファイルは既に存在します。\r\n\r\n指定名称：{}\r\n\r\n確認してください。", newName), "警告");
     proposal = newName;
   }
-  const std::string folder = ProjectProfileFolder();
+  const std::string folder = ProjectProfileFolder(session);
   const std::string newFileName = newName + ".ERD";
   uFileMove(folder + "/" + item.FileName, folder + "/" + newFileName);
   item.FileName = newFileName;
   for (ProfileListView& view : list.Views) view.Rows[static_cast<std::size_t>(row - 1)] = newName;
   if (list.Hooks.RenameStudySources) list.Hooks.RenameStudySources(oldName, newName);
-  Paths().ProjectDirty = true;
+  session.Project.Dirty = true;
 }
 
-void Remove(ProfileList& list) {
+void Remove(Session& session, ProfileList& list) {
   if (list.SelectedRows.empty()) return;
-  const MsgAnswer answer = Ui().Message("選択されているプロファイルをプロジェクトリストから解除します。\r\nよろしいですか？", "警告",
+  const MsgAnswer answer = session.Ui().Message("選択されているプロファイルをプロジェクトリストから解除します。\r\nよろしいですか？", "警告",
                                         MsgIcon::Exclamation, MsgButtons::OkCancel, MsgAnswer::Ok);
   if (answer != MsgAnswer::Ok) return;
-  const std::string folder = ProjectProfileFolder();
+  const std::string folder = ProjectProfileFolder(session);
   std::vector<ProfileRecord>& items = list.Items.vector();
   // From the last row up, so the indices of the rows still to go stay valid.
   for (auto it = list.SelectedRows.rbegin(); it != list.SelectedRows.rend(); ++it) {
@@ -127,30 +127,30 @@ void Remove(ProfileList& list) {
     items.erase(items.begin() + static_cast<std::ptrdiff_t>(at));
     for (ProfileListView& view : list.Views) view.Rows.erase(view.Rows.begin() + static_cast<std::ptrdiff_t>(at));
   }
-  RecolourPanels(list);
+  RecolourPanels(session, list);
   list.SelectedRows.clear();
   list.Selected = 0;
-  Paths().ProjectDirty = true;
+  session.Project.Dirty = true;
 }
 
 }  // namespace
 
-ProfileEditResult cmdProfileEdit(ProfileList& list, int index, ProfileExportFormat exportFormat) {
+ProfileEditResult cmdProfileEdit(Session& session, ProfileList& list, int index, ProfileExportFormat exportFormat) {
   ProfileEditResult result;
-  Guarded("frmTop", "cmdProfileEdit_Click", [&] {
+  Guarded(session, "frmTop", "cmdProfileEdit_Click", [&] {
     switch (index) {
-      case 0: AddFiles(list, result); break;
-      case 1: Ui().Inform("この機能は現在対応していません。", "", MsgIcon::Information); break;
-      case 2: Export(list, exportFormat); break;
-      case 3: Rename(list); break;
-      case 4: Remove(list); break;
+      case 0: AddFiles(session, list, result); break;
+      case 1: session.Ui().Inform("この機能は現在対応していません。", "", MsgIcon::Information); break;
+      case 2: Export(session, list, exportFormat); break;
+      case 3: Rename(session, list); break;
+      case 4: Remove(session, list); break;
       default: break;
     }
   });
   return result;
 }
 
-ProfileEditResult RegisterProfileFiles(ProfileList& list, const std::vector<std::string>& paths) {
+ProfileEditResult RegisterProfileFiles(Session& session, ProfileList& list, const std::vector<std::string>& paths) {
   ProfileEditResult result;
   std::vector<std::string> erdFiles;
   for (const std::string& path : paths) {
@@ -158,7 +158,7 @@ ProfileEditResult RegisterProfileFiles(ProfileList& list, const std::vector<std:
     if (extension == "ERD") erdFiles.push_back(path);
     else if (extension == "CSV" || extension == "TXT") result.TextImports.push_back(path);
   }
-  if (!erdFiles.empty()) AddProfileList(list, erdFiles, true);
+  if (!erdFiles.empty()) AddProfileList(session, list, erdFiles, true);
   return result;
 }
 
@@ -185,7 +185,7 @@ ProfileListButtons ProfileButtonStates(const ProfileList& list) {
   return buttons;
 }
 
-bool cmd上下移動(ProfileList& list, int button) {
+bool cmd上下移動(Session& session, ProfileList& list, int button) {
   const ProfileListButtons buttons = ProfileButtonStates(list);
   if (!(button == 0 ? buttons.MoveUp : button == 1 && buttons.MoveDown)) return false;
   const std::int32_t row = list.SelectedRows.front();
@@ -195,15 +195,15 @@ bool cmd上下移動(ProfileList& list, int button) {
     std::swap(view.Rows[static_cast<std::size_t>(row - 1)], view.Rows[static_cast<std::size_t>(other - 1)]);
   list.SelectedRows = {other};
   if (list.Selected == row) list.Selected = other;
-  Paths().ProjectDirty = true;
+  session.Project.Dirty = true;
   return true;
 }
 
-std::optional<ProfileDialogChoice> AcceptProfileDialog(ProfileDialogKind kind, ProfileDialogChoice ticked) {
+std::optional<ProfileDialogChoice> AcceptProfileDialog(Session& session, ProfileDialogKind kind, ProfileDialogChoice ticked) {
   if (ticked.Names.empty()) return std::nullopt;
   if (ticked.Names.size() > kProfilesPerAction) {
     const bool registering = kind == ProfileDialogKind::Register;
-    Ui().Inform(std::string(registering ? "同時に登録できるプロファイル数は５０個までです。"
+    session.Ui().Inform(std::string(registering ? "同時に登録できるプロファイル数は５０個までです。"
                                         : "同時に出力できるプロファイル数は５０個までです。") +
                     "\r\n調整してください。",
                 registering ? "プロファイル登録" : "プロファイル出力", MsgIcon::Exclamation);

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/session.h"
 #include "profile/profile_list.h"
 
 namespace velmora {
@@ -21,15 +22,15 @@ struct ProfileEditResult {
   std::vector<std::string> TextImports;
 };
 
-// cmdProfileEdit(index): 0 ERD追加 (file dialog, then RegisterProfileFiles), 1 PMS追加 (refused),
+// cmdProfileEdit(session, index): 0 ERD追加 (file dialog, then RegisterProfileFiles), 1 PMS追加 (refused),
 // 2 ﾌｧｲﾙ出力 (the selected rows, as ERD files or one CSV), 3 リネーム (the one selected row),
 // 4 登録解除 (the selected rows). Run-time errors are logged under "cmdProfileEdit_Click".
-ProfileEditResult cmdProfileEdit(ProfileList& list, int index, ProfileExportFormat exportFormat = ProfileExportFormat::Erd);
+ProfileEditResult cmdProfileEdit(Session& session, ProfileList& list, int index, ProfileExportFormat exportFormat = ProfileExportFormat::Erd);
 
 // Files chosen in the add dialog or dropped on the list, by extension: when all are ERD they are
 // registered with the replace question; otherwise the ERD files among them are registered and the
 // CSV and TXT files go to the import wizard. Files of other kinds are left out.
-ProfileEditResult RegisterProfileFiles(ProfileList& list, const std::vector<std::string>& paths);
+ProfileEditResult RegisterProfileFiles(Session& session, ProfileList& list, const std::vector<std::string>& paths);
 
 // A click on lstProfile that leaves `rows` (1-based) selected. When the selection changes, the
 // profile tab's boxes are first stored into the item shown there. Exactly one row selected shows
@@ -37,18 +38,18 @@ ProfileEditResult RegisterProfileFiles(ProfileList& list, const std::vector<std:
 void SelectProfileRows(ProfileList& list, std::vector<std::int32_t> rows);
 
 struct ProfileListButtons {
-  bool Export = false;    // cmdProfileEdit(2): at least one row selected
-  bool Rename = false;    // cmdProfileEdit(3): exactly one
-  bool Remove = false;    // cmdProfileEdit(4): at least one
-  bool MoveUp = false;    // cmd上下移動(0) ▲: one row, two or more in the list, not the first
-  bool MoveDown = false;  // cmd上下移動(1) ▼: likewise, not the last
+  bool Export = false;    // cmdProfileEdit(session, 2): at least one row selected
+  bool Rename = false;    // cmdProfileEdit(session, 3): exactly one
+  bool Remove = false;    // cmdProfileEdit(session, 4): at least one
+  bool MoveUp = false;    // cmd上下移動(session, 0) ▲: one row, two or more in the list, not the first
+  bool MoveDown = false;  // cmd上下移動(session, 1) ▼: likewise, not the last
 };
 ProfileListButtons ProfileButtonStates(const ProfileList& list);
 
-// cmd上下移動(button): swaps the one selected item with the one above (0) or below (1), in Items and
+// cmd上下移動(session, button): swaps the one selected item with the one above (0) or below (1), in Items and
 // in every view; the colour panels stay with their positions and the moved row stays selected.
 // False when the button is disabled.
-bool cmd上下移動(ProfileList& list, int button);
+bool cmd上下移動(Session& session, ProfileList& list, int button);
 
 enum class ProfileDialogKind { Register, Export };  // frmプロファイル登録, frmプロファイル出力
 
@@ -61,7 +62,7 @@ inline constexpr std::size_t kProfilesPerAction = 50;
 
 // OK of a selection dialog: the choice when it may close; nullopt keeps it open, silently for no
 // tick and with the message of the limit for more than fifty.
-std::optional<ProfileDialogChoice> AcceptProfileDialog(ProfileDialogKind kind, ProfileDialogChoice ticked);
+std::optional<ProfileDialogChoice> AcceptProfileDialog(Session& session, ProfileDialogKind kind, ProfileDialogChoice ticked);
 
 // lblSample of frmプロファイル登録: the name a registered filter result would get. `pattern` is the
 // "FileExportName" setting of section "Filter"; empty gives "<profile>_MAHP<cutoff>m_<now>".

@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "profile/profile_export.h"
 
 #include <algorithm>
@@ -48,10 +49,10 @@ std::vector<std::string> ProfileCsvLines(const std::vector<const ErdRecord*>& re
   return lines;
 }
 
-std::vector<std::string> WriteProfileCsv(const std::string& path, const std::vector<const ErdRecord*>& records) {
+std::vector<std::string> WriteProfileCsv(Session& session, const std::string& path, const std::vector<const ErdRecord*>& records) {
   // The limit keeps a file within what a spreadsheet opens comfortably; rather than drop profiles,
   // the rest go on into further files.
-  const std::size_t limit = Settings().CsvProfileLimit > 0 ? static_cast<std::size_t>(Settings().CsvProfileLimit)
+  const std::size_t limit = session.Settings.CsvProfileLimit > 0 ? static_cast<std::size_t>(session.Settings.CsvProfileLimit)
                                                            : records.size();
   std::vector<std::string> written;
   for (std::size_t first = 0; first < records.size(); first += limit) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "profile/profile_record.h"
 
 namespace velmora {
@@ -16,7 +17,7 @@ std::vector<std::string> ProfileCsvLines(const std::vector<const ErdRecord*>& re
 // Writes the CSV to `path` (Shift-JIS, CR LF). With a CsvProfileLimit above 0 and more records than
 // it, the records are spread over several files: `path`, then free names "<stem>(001).<ext>", ...
 // Returns the paths written, in order.
-std::vector<std::string> WriteProfileCsv(const std::string& path, const std::vector<const ErdRecord*>& records);
+std::vector<std::string> WriteProfileCsv(Session& session, const std::string& path, const std::vector<const ErdRecord*>& records);
 
 // Writes each profile as "<name>.ERD" in `folder`, numbered "<name>(001).ERD" ... when the name is
 // taken. Returns the paths written.

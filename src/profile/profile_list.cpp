@@ -32,21 +32,21 @@ constexpr std::array<std::pair<const char*, ListPalette>, 12> kViews{{
     {"lst理想形状", ListPalette::Repair},
 }};
 
-const std::vector<Colour>& PaletteOf(ListPalette palette) {
-  return palette == ListPalette::Profile ? Settings().PaletteProfile : Settings().PaletteRepair;
+const std::vector<Colour>& PaletteOf(Session& session, ListPalette palette) {
+  return palette == ListPalette::Profile ? session.Settings.PaletteProfile : session.Settings.PaletteRepair;
 }
 
-bool ReplaceQuestion(const std::string& name) {
-  return Ui().AskYesNo(
+bool ReplaceQuestion(Session& session, const std::string& name) {
+  return session.Ui().AskYesNo(
       fmt::format("指定されたプロファイル名は既に登録されています。\r\n\r\nプロファイル名：{}\r\n\r\n置き換えますか？", name),
       "確認", MsgAnswer::No);
 }
 
 // Appends one row with its colour panel to every view.
-void AppendRow(ProfileList& list, const std::string& name) {
+void AppendRow(Session& session, ProfileList& list, const std::string& name) {
   for (ProfileListView& view : list.Views) {
     view.Rows.push_back(name);
-    view.Panels.push_back(RowColour(static_cast<std::int32_t>(view.Rows.size()), PaletteOf(view.Palette)));
+    view.Panels.push_back(RowColour(static_cast<std::int32_t>(view.Rows.size()), PaletteOf(session, view.Palette)));
   }
 }
 
@@ -83,11 +83,11 @@ Colour RowColour(std::int32_t row, const std::vector<Colour>& palette) {
   return palette[static_cast<std::size_t>(row - 1) % palette.size()];
 }
 
-std::string ProjectProfileFolder() {
+std::string ProjectProfileFolder(Session& session) {
   // Without a user-local folder the copy would land in the file system's root.
-  if (Paths().UserLocalPath.empty())
+  if (session.Paths.UserLocalPath.empty())
     RaiseFileError(ErrorNumber::PathNotFound, "Project/Profile", "UserLocalPath が設定されていません。");
-  return flAddDirSep(Paths().UserLocalPath) + "Project/Profile";
+  return flAddDirSep(session.Paths.UserLocalPath) + "Project/Profile";
 }
 
 std::int32_t TodayDateSerial() {
@@ -99,33 +99,33 @@ std::int32_t TodayDateSerial() {
   return static_cast<std::int32_t>((std::chrono::sys_days{today} - epoch).count());
 }
 
-bool AddProfileList(ProfileList& list, const std::vector<std::string>& paths, bool ask) {
+bool AddProfileList(Session& session, ProfileList& list, const std::vector<std::string>& paths, bool ask) {
   bool allDone = false;
   bool changed = false;
   const std::vector<std::int32_t> selectedRows = list.SelectedRows;
-  Guarded("frmTop", "AddProfileList", [&] {
+  Guarded(session, "frmTop", "AddProfileList", [&] {
     for (const std::string& path : paths) {
       const std::string name = flGetFileNameNonExt(path);
       const std::int32_t hit = list.Find(name);
-      if (hit > 0 && ask && !ReplaceQuestion(name)) continue;
+      if (hit > 0 && ask && !ReplaceQuestion(session, name)) continue;
 
       ProfileRecord fresh;
-      if (!ReadProfile(path, fresh)) return;
+      if (!ReadProfile(session, path, fresh)) return;
 
       std::int32_t index = hit;
       if (hit > 0) {
         // The item keeps its FileName, so that its row and its copy in the project stay one.
         fresh.FileName = list.Items[hit].FileName;
       } else {
-        AppendRow(list, name);
+        AppendRow(session, list, name);
         list.Items.resize(list.Count() + 1);
         index = list.Count();
         fresh.FileName = flGetFileName(path);
       }
       fresh.SourceType = 0;
       fresh.FilePath = path;
-      std::filesystem::create_directories(ProjectProfileFolder());
-      uFileCopy_A(path, ProjectProfileFolder() + "/" + fresh.FileName);
+      std::filesystem::create_directories(ProjectProfileFolder(session));
+      uFileCopy_A(path, ProjectProfileFolder(session) + "/" + fresh.FileName);
       fresh.RouteName = name;
       fresh.MeasureDate = TodayDateSerial();
       fresh.Comment.clear();
@@ -137,7 +137,7 @@ bool AddProfileList(ProfileList& list, const std::vector<std::string>& paths, bo
     allDone = true;
   });
   // Also after a stop: what was registered before it is part of the project now.
-  if (changed) Paths().ProjectDirty = true;
+  if (changed) session.Project.Dirty = true;
   return allDone;
 }
 

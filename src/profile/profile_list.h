@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/one_based.h"
+#include "base/session.h"
 #include "base/settings.h"
 #include "profile/profile_record.h"
 
@@ -64,10 +65,10 @@ Colour RowColour(std::int32_t row, const std::vector<Colour>& palette);
 // With `ask`, a name already listed is first asked about ("置き換えますか？"); No skips that file.
 // A file that cannot be read stops the loop: what was registered so far stays, and the result is
 // false. Run-time errors are logged under "AddProfileList" and give false.
-bool AddProfileList(ProfileList& list, const std::vector<std::string>& paths, bool ask);
+bool AddProfileList(Session& session, ProfileList& list, const std::vector<std::string>& paths, bool ask);
 
 // The folder the registered ERD files are copied to: UserLocalPath + "/Project/Profile".
-std::string ProjectProfileFolder();
+std::string ProjectProfileFolder(Session& session);
 
 // Today as a date serial: whole days since 1899-12-30.
 std::int32_t TodayDateSerial();

@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "profile/profile_reader.h"
 
 #include <filesystem>
@@ -14,12 +15,12 @@ namespace {
 
 // The debug table of a read: one row per working sample. The name carries the profile's name so
 // that several reads in one session do not overwrite each other.
-void WriteDebugTable(const std::string& path, const ProfileRecord& profile) {
+void WriteDebugTable(Session& session, const std::string& path, const ProfileRecord& profile) {
   std::vector<std::string> rows{"No,Elevation(mm)"};
   rows.reserve(static_cast<std::size_t>(profile.WorkCount) + 1);
   for (std::ptrdiff_t i = 1; i <= profile.WorkProfile.size(); ++i)
     rows.push_back(std::to_string(i) + "," + FormatNumber(profile.WorkProfile[i], "0.00000000"));
-  const std::filesystem::path folder(Paths().DebugPath);
+  const std::filesystem::path folder(session.Paths.DebugPath);
   std::filesystem::create_directories(folder);
   const std::string name = std::filesystem::path(path).stem().string();
   WriteSystemTextFile(folder / ("ReadProfile_" + name + ".csv"), rows);
@@ -27,15 +28,15 @@ void WriteDebugTable(const std::string& path, const ProfileRecord& profile) {
 
 }  // namespace
 
-bool ReadProfile(const std::string& path, ProfileRecord& profile) {
+bool ReadProfile(Session& session, const std::string& path, ProfileRecord& profile) {
   ErdRecord& erd = profile.Erd;
-  if (!ReadERD(path, erd)) return false;
+  if (!ReadERD(session, path, erd)) return false;
   profile.SamplesPerMetre = 1.0 / erd.StepSize;
   profile.WorkCount = erd.NumSamples;
   profile.WorkProfile = erd.Elevation;
   profile.Statistics = CalcProfileStatistics(profile.WorkProfile.span());
   erd.KpDisplay = ComposeKpText(erd.KpStart, erd.KpSign, erd.Lane, /*displayForm=*/true);
-  if (Settings().DebugLevel > 0) WriteDebugTable(path, profile);
+  if (session.Settings.DebugLevel > 0) WriteDebugTable(session, path, profile);
   return true;
 }
 

@@ -3,6 +3,7 @@
 // analysis reads derived from it.
 #include <string>
 
+#include "base/session.h"
 #include "profile/profile_record.h"
 
 namespace velmora {
@@ -11,6 +12,6 @@ namespace velmora {
 // WorkProfile (mm, 1..NumSamples) from the elevations, and KpDisplay. With DebugLevel above 0 the
 // working samples go to DebugPath as a table. False when ReadERD refused the file (it has shown
 // why); run-time errors raise to the caller.
-bool ReadProfile(const std::string& path, ProfileRecord& profile);
+bool ReadProfile(Session& session, const std::string& path, ProfileRecord& profile);
 
 }  // namespace velmora

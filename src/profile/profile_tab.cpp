@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "profile/profile_tab.h"
 
 #include <algorithm>
@@ -12,8 +13,8 @@
 namespace velmora {
 namespace {
 
-bool ConfirmRewrite(std::string_view what, const std::string& path) {
-  return Ui().Message(fmt::format("{}\r\n\r\n{}\r\n\r\nよろしいですか？", what, path), "確認", MsgIcon::Question,
+bool ConfirmRewrite(Session& session, std::string_view what, const std::string& path) {
+  return session.Ui().Message(fmt::format("{}\r\n\r\n{}\r\n\r\nよろしいですか？", what, path), "確認", MsgIcon::Question,
                       MsgButtons::OkCancel, MsgAnswer::Ok) == MsgAnswer::Ok;
 }
 
@@ -68,19 +69,19 @@ void StoreProfileTab(const ProfileTabBoxes& boxes, ProfileRecord& profile) {
   erd.RepairRangeEnd = uTextToDbl(boxes.txt補修計画範囲[1]);
 }
 
-bool cmdERD上書き(ProfileTabBoxes& boxes, const ProfileRecord& profile) {
-  if (!ConfirmRewrite("下記のERDファイルのタイトル情報を書き換えます。", profile.FilePath)) return false;
+bool cmdERD上書き(Session& session, ProfileTabBoxes& boxes, const ProfileRecord& profile) {
+  if (!ConfirmRewrite(session, "下記のERDファイルのタイトル情報を書き換えます。", profile.FilePath)) return false;
   std::string title = Trim(boxes.txt緒元[5]);
   const std::string headerInfo = Trim(boxes.txt緒元[9]);
   if (!headerInfo.empty()) title += std::string(kTitleSeparator) + headerInfo;
-  const bool done = UpdateERD(profile.FilePath, title, /*showMessage=*/false);
+  const bool done = UpdateERD(session, profile.FilePath, title, /*showMessage=*/false);
   boxes.Enabled[9] = false;
   boxes.cmdERD上書きEnabled = false;
   return done;
 }
 
-bool cmdERD修正(ProfileTabBoxes& boxes, ProfileRecord& profile) {
-  if (!ConfirmRewrite("下記のERDファイルを実データ件数で書き換えます。", profile.FilePath)) return false;
+bool cmdERD修正(Session& session, ProfileTabBoxes& boxes, ProfileRecord& profile) {
+  if (!ConfirmRewrite(session, "下記のERDファイルを実データ件数で書き換えます。", profile.FilePath)) return false;
   ErdRecord copy = profile.Erd;
   const std::ptrdiff_t count = std::clamp<std::ptrdiff_t>(copy.NumSamples, 0, profile.WorkProfile.size());
   copy.NumSamples = static_cast<std::int32_t>(count);
@@ -96,13 +97,13 @@ bool cmdERD修正(ProfileTabBoxes& boxes, ProfileRecord& profile) {
   return true;
 }
 
-bool ChkDat(int check, const ProfileList& list, std::int32_t* badIndex) {
+bool ChkDat(Session& session, int check, const ProfileList& list, std::int32_t* badIndex) {
   if ((check & 1) == 0) return true;
   for (std::int32_t i = 1; i <= list.Count(); ++i) {
     const ProfileRecord& profile = list.Items[i];
     if (profile.Erd.Title.find(kTitleSeparator) == std::string::npos) continue;
     if (badIndex) *badIndex = i;
-    Ui().Inform(fmt::format("プロファイルのタイトル文字列に  \"｜\" (0x8162) は使用できません。\r\n\r\nファイル名：{}\r\n\r\n確認してください。",
+    session.Ui().Inform(fmt::format("プロファイルのタイトル文字列に  \"｜\" (0x8162) は使用できません。\r\n\r\nファイル名：{}\r\n\r\n確認してください。",
                             profile.FileName),
                 "プロファイルデータ不正");
     return false;

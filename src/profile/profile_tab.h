@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "base/session.h"
 #include "base/settings.h"
 #include "profile/profile_list.h"
 #include "profile/profile_record.h"
@@ -49,15 +50,15 @@ void StoreProfileTab(const ProfileTabBoxes& boxes, ProfileRecord& profile);
 // cmdERD上書き: after an OK to "確認", the TITLE line of the profile's file becomes box 5 and, when
 // box 9 is not empty, "｜" and box 9. Box 9 and the button are then disabled. False when cancelled
 // or when the file could not be rewritten (UpdateERD has said why).
-bool cmdERD上書き(ProfileTabBoxes& boxes, const ProfileRecord& profile);
+bool cmdERD上書き(Session& session, ProfileTabBoxes& boxes, const ProfileRecord& profile);
 // cmdERD修正: after an OK, the profile's file is written again from WorkProfile, so both counts of
 // its header are the real count; the record and boxes 4 and 10 follow. The caller then marks every
 // tab for redrawing. False when cancelled.
-bool cmdERD修正(ProfileTabBoxes& boxes, ProfileRecord& profile);
+bool cmdERD修正(Session& session, ProfileTabBoxes& boxes, ProfileRecord& profile);
 
 // With the lowest bit of `check` set: false (with the message) for the first profile, in list order,
 // whose Title holds "｜"; its index goes to `badIndex` so the caller can show tab 1 and focus box 5.
-bool ChkDat(int check, const ProfileList& list, std::int32_t* badIndex = nullptr);
+bool ChkDat(Session& session, int check, const ProfileList& list, std::int32_t* badIndex = nullptr);
 // With the lowest bit of `check` set: colours boxes 0 to 7 by their contents (see the constants).
 void ChkDatColours(int check, ProfileTabBoxes& boxes);
 

@@ -25,13 +25,13 @@ double KpOrigin(const ErdRecord& erd) { return IsNoValue(erd.KpStart) ? 0.0 : er
 double KpStep(const ErdRecord& erd) { return erd.StepSize * kKmPerMetre * (erd.KpSign == 1 ? -1.0 : 1.0); }
 
 // The no-value-checked number of a box, with the two check messages of the tools.
-std::optional<double> NumberBox(const std::string& text, const std::string& caption) {
+std::optional<double> NumberBox(Session& session, const std::string& text, const std::string& caption) {
   if (Trim(text).empty()) {
-    Ui().Inform(caption + " が指定されていません。", "Error");
+    session.Ui().Inform(caption + " が指定されていません。", "Error");
     return std::nullopt;
   }
   if (!IsNumeric(text)) {
-    Ui().Inform(caption + " は数値で指定して下さい。", "Error");
+    session.Ui().Inform(caption + " は数値で指定して下さい。", "Error");
     return std::nullopt;
   }
   return uDblVal(text);
@@ -74,13 +74,13 @@ double LineValue(const Table& t, double x) {
   return a * x + b;
 }
 
-std::optional<Table> ReadCsvBase(const CompositeInput& input) {
+std::optional<Table> ReadCsvBase(Session& session, const CompositeInput& input) {
   if (Trim(input.CsvPath).empty()) {
-    Ui().Inform("CSVデータが指定されていません。", "Error");
+    session.Ui().Inform("CSVデータが指定されていません。", "Error");
     return std::nullopt;
   }
   if (!flSearchPath(input.CsvPath)) {
-    Ui().Inform("指定されたファイルが見つかりません。", "Error");
+    session.Ui().Inform("指定されたファイルが見つかりません。", "Error");
     return std::nullopt;
   }
   Table t;
@@ -131,15 +131,15 @@ std::vector<ToolOutput> ReverseProfiles(const std::vector<ToolItem>& selected) {
   return outputs;
 }
 
-std::optional<std::vector<ToolOutput>> HeightShiftProfiles(const std::vector<ToolItem>& selected,
+std::optional<std::vector<ToolOutput>> HeightShiftProfiles(Session& session, const std::vector<ToolItem>& selected,
                                                            const HeightShiftInput& input) {
   double kp = 0;
   if (input.Reference == ShiftReference::Kp) {
-    const auto value = NumberBox(input.Kp, "KP");
+    const auto value = NumberBox(session, input.Kp, "KP");
     if (!value) return std::nullopt;
     kp = *value;
   }
-  const auto height = NumberBox(input.Height, "調整高さ");
+  const auto height = NumberBox(session, input.Height, "調整高さ");
   if (!height) return std::nullopt;
 
   std::vector<ToolOutput> outputs;
@@ -217,14 +217,14 @@ double SampleAt(const Array1<double>& e, std::int64_t i, Shortfall fill) {
 
 }  // namespace
 
-std::optional<std::vector<ToolOutput>> CutOutProfiles(const std::vector<ToolItem>& selected,
+std::optional<std::vector<ToolOutput>> CutOutProfiles(Session& session, const std::vector<ToolItem>& selected,
                                                       const CutOutInput& input) {
   std::optional<double> a, b;
   if (input.ByKp) {
-    if (!(a = NumberBox(input.KpStart, "KP始点")) || !(b = NumberBox(input.KpEnd, "KP終点"))) return std::nullopt;
+    if (!(a = NumberBox(session, input.KpStart, "KP始点")) || !(b = NumberBox(session, input.KpEnd, "KP終点"))) return std::nullopt;
     if (*a > *b) std::swap(*a, *b);
   } else {
-    if (!(a = NumberBox(input.Start, "開始位置")) || !(b = NumberBox(input.Length, "終了位置"))) return std::nullopt;
+    if (!(a = NumberBox(session, input.Start, "開始位置")) || !(b = NumberBox(session, input.Length, "終了位置"))) return std::nullopt;
   }
 
   std::vector<ToolOutput> outputs;
@@ -267,12 +267,12 @@ std::optional<std::vector<ToolOutput>> CutOutProfiles(const std::vector<ToolItem
 // the target's line plus d, on the chosen positions. It passes through the base's heights at the base
 // rows and keeps the target's detail between them, which is what levelling a profiler's profile to a
 // survey asks for. Positions outside the overlap are dropped.
-std::optional<std::vector<ToolOutput>> CompositeProfiles(const std::vector<ToolItem>& targets,
+std::optional<std::vector<ToolOutput>> CompositeProfiles(Session& session, const std::vector<ToolItem>& targets,
                                                          const CompositeInput& input) {
   std::optional<Table> base;
   std::string baseName;
   if (input.BaseIsCsv) {
-    base = ReadCsvBase(input);
+    base = ReadCsvBase(session, input);
     if (!base) return std::nullopt;
     baseName = flGetFileNameNonExt(input.CsvPath);
   } else {
@@ -312,14 +312,14 @@ std::optional<std::vector<ToolOutput>> CompositeProfiles(const std::vector<ToolI
   return outputs;
 }
 
-bool RegisterToolOutputs(const std::vector<ToolOutput>& outputs, const RegisterPaths& add) {
+bool RegisterToolOutputs(Session& session, const std::vector<ToolOutput>& outputs, const RegisterPaths& add) {
   if (outputs.empty()) return false;
-  if (!Ui().AskOkCancel("作成したプロファイルを登録します。\r\nよろしいですか？", "登録")) return false;
+  if (!session.Ui().AskOkCancel("作成したプロファイルを登録します。\r\nよろしいですか？", "登録")) return false;
   bool registered = false;
-  Guarded("frmTools", "cmdProfile登録", [&] {
+  Guarded(session, "frmTools", "cmdProfile登録", [&] {
     std::vector<std::string> paths;
     for (const auto& output : outputs) {
-      paths.push_back(flAddDirSep(Paths().TempPath) + output.FileName);
+      paths.push_back(flAddDirSep(session.Paths.TempPath) + output.FileName);
       WriteERD(paths.back(), output.Erd);
     }
     registered = add(paths);
@@ -327,9 +327,9 @@ bool RegisterToolOutputs(const std::vector<ToolOutput>& outputs, const RegisterP
   return registered;
 }
 
-bool RegisterToolOutputs(ProfileList& list, const std::vector<ToolOutput>& outputs) {
-  return RegisterToolOutputs(outputs, [&list](const std::vector<std::string>& paths) {
-    return AddProfileList(list, paths, true);
+bool RegisterToolOutputs(Session& session, ProfileList& list, const std::vector<ToolOutput>& outputs) {
+  return RegisterToolOutputs(session, outputs, [&session, &list](const std::vector<std::string>& paths) {
+    return AddProfileList(session, list, paths, true);
   });
 }
 

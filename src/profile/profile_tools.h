@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "profile/profile_list.h"
 
 namespace velmora {
@@ -35,7 +36,7 @@ struct HeightShiftInput {
   std::string Kp;      // km, only for ShiftReference::Kp
   std::string Height;  // mm: the height the profile gets at the reference sample
 };
-std::optional<std::vector<ToolOutput>> HeightShiftProfiles(const std::vector<ToolItem>& selected,
+std::optional<std::vector<ToolOutput>> HeightShiftProfiles(Session& session, const std::vector<ToolItem>& selected,
                                                            const HeightShiftInput& input);
 
 enum class CutUnit { Samples, Km, M, Mm };              // 個, km, m, mm
@@ -49,7 +50,7 @@ struct CutOutInput {
   Shortfall Fill = Shortfall::None;
 };
 // Profiles whose range lies wholly outside with Shortfall::None give no output.
-std::optional<std::vector<ToolOutput>> CutOutProfiles(const std::vector<ToolItem>& selected,
+std::optional<std::vector<ToolOutput>> CutOutProfiles(Session& session, const std::vector<ToolItem>& selected,
                                                       const CutOutInput& input);
 
 struct CompositeInput {
@@ -62,7 +63,7 @@ struct CompositeInput {
 };
 // For each target: its elevation corrected by the difference between base and target along the
 // overlap (see profile_tools.cpp). Name "<target>_<base>_合成.ERD".
-std::optional<std::vector<ToolOutput>> CompositeProfiles(const std::vector<ToolItem>& targets,
+std::optional<std::vector<ToolOutput>> CompositeProfiles(Session& session, const std::vector<ToolItem>& targets,
                                                          const CompositeInput& input);
 
 // Takes the paths of newly written ERD files into a profile list; true when they were registered.
@@ -70,9 +71,9 @@ using RegisterPaths = std::function<bool(const std::vector<std::string>& paths)>
 // Asks under "登録", writes each output into TempPath and registers them through `add` (the
 // workbench's own registration, so that its results and flags follow). Nothing to register, or the
 // answer Cancel, does nothing and gives false.
-bool RegisterToolOutputs(const std::vector<ToolOutput>& outputs, const RegisterPaths& add);
+bool RegisterToolOutputs(Session& session, const std::vector<ToolOutput>& outputs, const RegisterPaths& add);
 // The same into a bare list, asking before a profile of the same name is replaced.
-bool RegisterToolOutputs(ProfileList& list, const std::vector<ToolOutput>& outputs);
+bool RegisterToolOutputs(Session& session, ProfileList& list, const std::vector<ToolOutput>& outputs);
 
 // Index (may lie outside 1..n) of the first sample whose KP reaches `kp`, walking from the KP start
 // in the profile's sense; a profile without a KP start counts from 0.

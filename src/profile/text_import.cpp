@@ -42,8 +42,8 @@ ImportRange RangeOf(const ImportPreview& preview, const ImportOptions& options) 
           BoxOr(options.LastColumn, preview.Columns)};
 }
 
-bool Fail(const std::string& text) {
-  Ui().Inform(text, "データ不正", MsgIcon::Exclamation);
+bool Fail(Session& session, const std::string& text) {
+  session.Ui().Inform(text, "データ不正", MsgIcon::Exclamation);
   return false;
 }
 
@@ -87,24 +87,24 @@ ImportPreview BuildImportPreview(const std::string& path, const ImportOptions& o
   return preview;
 }
 
-std::int32_t CheckImport(const ImportPreview& preview, const ImportOptions& options) {
-  if (Trim(options.Pitch).empty()) return Fail("ピッチが指定されていません。"), 0;
-  if (!IsNumeric(options.Pitch)) return Fail("数値で指定してください。"), 0;
+std::int32_t CheckImport(Session& session, const ImportPreview& preview, const ImportOptions& options) {
+  if (Trim(options.Pitch).empty()) return Fail(session, "ピッチが指定されていません。"), 0;
+  if (!IsNumeric(options.Pitch)) return Fail(session, "数値で指定してください。"), 0;
   const ImportRange r = RangeOf(preview, options);
-  if (r.FirstRow < 1) return Fail("データ開始行（開始位置）は１以上で指定してください"), 1;
-  if (r.FirstColumn < 1) return Fail("データ開始列（開始位置）は１以上で指定してください"), 3;
+  if (r.FirstRow < 1) return Fail(session, "データ開始行（開始位置）は１以上で指定してください"), 1;
+  if (r.FirstColumn < 1) return Fail(session, "データ開始列（開始位置）は１以上で指定してください"), 3;
   if (r.LastRow > preview.RowCount())
-    return Fail("データ開始行（終了位置）は " + std::to_string(preview.RowCount()) + " 以下で指定してください"), 2;
+    return Fail(session, "データ開始行（終了位置）は " + std::to_string(preview.RowCount()) + " 以下で指定してください"), 2;
   if (r.LastColumn > preview.Columns)
-    return Fail("データ開始列（終了位置）は " + std::to_string(preview.Columns) + " 以下で指定してください"), 4;
+    return Fail(session, "データ開始列（終了位置）は " + std::to_string(preview.Columns) + " 以下で指定してください"), 4;
   if (r.LastRow < r.FirstRow)
-    return Fail("データ開始行（終了位置）は " + std::to_string(r.FirstRow) + " 以上で指定してください"), 2;
+    return Fail(session, "データ開始行（終了位置）は " + std::to_string(r.FirstRow) + " 以上で指定してください"), 2;
   if (r.LastColumn < r.FirstColumn)
-    return Fail("データ開始列（終了位置）は " + std::to_string(r.FirstColumn) + " 以上で指定してください"), 4;
+    return Fail(session, "データ開始列（終了位置）は " + std::to_string(r.FirstColumn) + " 以上で指定してください"), 4;
   return -1;
 }
 
-std::vector<std::string> WriteImportedProfiles(const std::string& path, const ImportPreview& preview,
+std::vector<std::string> WriteImportedProfiles(Session& session, const std::string& path, const ImportPreview& preview,
                                                const ImportOptions& options, const ProfileList& list) {
   const ImportRange r = RangeOf(preview, options);
   const std::string base = flGetFileNameNonExt(path);
@@ -149,26 +149,26 @@ std::vector<std::string> WriteImportedProfiles(const std::string& path, const Im
       }
     }
     names.push_back(UCase(name));
-    const std::string file = flAddDirSep(Paths().TempPath) + name + ".ERD";
+    const std::string file = flAddDirSep(session.Paths.TempPath) + name + ".ERD";
     WriteERD(file, rec);
     written.push_back(file);
   }
   return written;
 }
 
-bool ImportTextFile(ProfileList& list, const std::string& path, const ImportOptions& options) {
+bool ImportTextFile(Session& session, ProfileList& list, const std::string& path, const ImportOptions& options) {
   bool registered = false;
-  const bool ok = Guarded("frmTop", "timImport", [&] {
+  const bool ok = Guarded(session, "frmTop", "timImport", [&] {
     const ImportPreview preview = BuildImportPreview(path, options);
-    if (CheckImport(preview, options) >= 0) return;
-    registered = AddProfileList(list, WriteImportedProfiles(path, preview, options, list), false);
+    if (CheckImport(session, preview, options) >= 0) return;
+    registered = AddProfileList(session, list, WriteImportedProfiles(session, path, preview, options, list), false);
   });
   return ok && registered;
 }
 
-ImportOptions LoadImportSettings() {
+ImportOptions LoadImportSettings(Session& session) {
   ImportOptions options;
-  const auto flags = uToken(GetPrevValue(kSection, "区切り文字"), ",", 6);
+  const auto flags = uToken(GetPrevValue(session, kSection, "区切り文字"), ",", 6);
   if (!Trim(flags[0]).empty()) {
     options.Comma = flags[0] == "1";
     options.Tab = flags[1] == "1";
@@ -177,18 +177,18 @@ ImportOptions LoadImportSettings() {
     options.Other = flags[4] == "1";
     options.OtherText = flags[5];
   }
-  options.TitleFromHeader = GetPrevValue(kSection, "ERDファイルのヘッダー情報") == "1";
-  options.Header = GetPrevValue(kSection, "データのプレビュー") == "1";
+  options.TitleFromHeader = GetPrevValue(session, kSection, "ERDファイルのヘッダー情報") == "1";
+  options.Header = GetPrevValue(session, kSection, "データのプレビュー") == "1";
   return options;
 }
 
-void SaveImportSettings(const ImportOptions& options) {
+void SaveImportSettings(Session& session, const ImportOptions& options) {
   auto flag = [](bool on) { return on ? std::string("1") : std::string("0"); };
-  SetPrevValue(kSection, "区切り文字",
+  SetPrevValue(session, kSection, "区切り文字",
                flag(options.Comma) + "," + flag(options.Tab) + "," + flag(options.Semicolon) + "," +
                    flag(options.Space) + "," + flag(options.Other) + "," + uQuote(options.OtherText));
-  SetPrevValue(kSection, "ERDファイルのヘッダー情報", flag(options.TitleFromHeader));
-  SetPrevValue(kSection, "データのプレビュー", flag(options.Header));
+  SetPrevValue(session, kSection, "ERDファイルのヘッダー情報", flag(options.TitleFromHeader));
+  SetPrevValue(session, kSection, "データのプレビュー", flag(options.Header));
 }
 
 }  // namespace velmora

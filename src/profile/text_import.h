@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "profile/profile_list.h"
 
 namespace velmora {
@@ -44,19 +45,19 @@ ImportPreview BuildImportPreview(const std::string& path, const ImportOptions& o
 
 // The check of 完了, in order. Shows the first failure under "データ不正" and returns the index of
 // the box that gets the focus (0 pitch, 1/2 rows, 3/4 columns); -1 when all is well.
-std::int32_t CheckImport(const ImportPreview& preview, const ImportOptions& options);
+std::int32_t CheckImport(Session& session, const ImportPreview& preview, const ImportOptions& options);
 
 // Builds one ERD file per column into TempPath and returns their paths (in column order). Expects
 // options that passed CheckImport. Names avoid those already in `list`.
-std::vector<std::string> WriteImportedProfiles(const std::string& path, const ImportPreview& preview,
+std::vector<std::string> WriteImportedProfiles(Session& session, const std::string& path, const ImportPreview& preview,
                                                const ImportOptions& options, const ProfileList& list);
 
 // The whole finish: check, write and register (AddProfileList without asking). False when the check
 // failed or an error was logged (under "frmTop" / "timImport").
-bool ImportTextFile(ProfileList& list, const std::string& path, const ImportOptions& options);
+bool ImportTextFile(Session& session, ProfileList& list, const std::string& path, const ImportOptions& options);
 
 // The wizard's settings in 前回値.ini (section "インポートウィザード").
-ImportOptions LoadImportSettings();
-void SaveImportSettings(const ImportOptions& options);
+ImportOptions LoadImportSettings(Session& session);
+void SaveImportSettings(Session& session, const ImportOptions& options);
 
 }  // namespace velmora

@@ -34,14 +34,14 @@ void Need(bool ok) {
   if (!ok) throw StepFailed{};
 }
 
-bool GuardedStep(const char* proc, const std::function<void()>& step) {
+bool GuardedStep(Session& session, const char* proc, const std::function<void()>& step) {
   try {
     step();
     return true;
   } catch (const StepFailed&) {
     return false;
   } catch (const std::exception& error) {
-    ErrorLog(kModule, proc, error);
+    ErrorLog(session, kModule, proc, error);
     return false;
   }
 }
@@ -49,11 +49,16 @@ bool GuardedStep(const char* proc, const std::function<void()>& step) {
 // One progress display for the length of a scope.
 class Progress {
  public:
-  explicit Progress(const char* caption) { Ui().ProgressStart(caption, kWait); }
-  ~Progress() { Ui().ProgressExit(); }
+  Progress(ProgressSink& sink, const char* caption) : sink_(sink) { sink_.ProgressStart(caption, kWait); }
+  ~Progress() { sink_.ProgressExit(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
-  static void Step(int step, int of) { Ui().ProgressValue(CLng(static_cast<double>(step) / of * 100)); }
+  static void Step(ProgressSink& sink, int step, int of) {
+    ReportProgress(sink, CLng(static_cast<double>(step) / of * 100));
+  }
+
+ private:
+  ProgressSink& sink_;
 };
 
 double PitchOf(const ProfileRecord& record) { return record.Erd.StepSize; }
@@ -64,15 +69,15 @@ ProfileRecord& RecordAt(StudyRun& run, std::int32_t row) {
   return run.Profiles[static_cast<std::size_t>(row - 1)];
 }
 
-bool CheckedParams(const StudyRun& run, ThreeWaveParams& params) {
-  return getParam_補修形状検討_3波分解(run.Form, params);
+bool CheckedParams(Session& session, const StudyRun& run, ThreeWaveParams& params) {
+  return getParam_補修形状検討_3波分解(session, run.Form, params);
 }
 
 // Runs `step` for every selected profile; true when none failed.
-bool ForEachSelected(StudyRun& run, const char* proc, const std::function<void(ProfileRecord&, std::size_t)>& step) {
+bool ForEachSelected(Session& session, StudyRun& run, const char* proc, const std::function<void(ProfileRecord&, std::size_t)>& step) {
   bool ok = true;
   for (std::size_t k = 0; k < run.Selected.size(); ++k)
-    ok = GuardedStep(proc, [&] { step(RecordAt(run, run.Selected[k]), k); }) && ok;
+    ok = GuardedStep(session, proc, [&] { step(RecordAt(run, run.Selected[k]), k); }) && ok;
   return ok;
 }
 
@@ -83,19 +88,19 @@ Array1<double> SumOf(const Array1<double>& a, const Array1<double>& b, const Arr
 }
 
 // M' and what follows from it, in the five steps the study's progress counts.
-void ComputeOutcome(const ProfileRecord& record, const ThreeWaveParams& params, Array1<double> mPrime,
+void ComputeOutcome(Session& session, const ProfileRecord& record, const ThreeWaveParams& params, Array1<double> mPrime,
                     MWaveOutcome& out, const std::function<void(int)>& step) {
   const ThreeWaveSplit& split = record.ThreeWave;
   const double pitch = PitchOf(record);
-  const IriParams iri = StudyIriParams(params.IriLength);
+  const IriParams iri = StudyIriParams(session, params.IriLength);
   MWaveOutcome result;
-  Need(AnalyseStudyWave(mPrime, pitch, nullptr, true, 0, result.MPrime));
+  Need(AnalyseStudyWave(session, mPrime, pitch, nullptr, true, 0, result.MPrime));
   step(1);
   // Added in the order S, M', L.
   const Array1<double> corrected = SumOf(split.ShortWave.Values, mPrime, split.LongWave.Values);
   StoreWave(result.Corrected.Wave, corrected);
   step(2);
-  Need(Cal_補修形状3波分解_SUB(params.LongBoundary, params.ShortBoundary, record.WorkCount, pitch, corrected,
+  Need(Cal_補修形状3波分解_SUB(session, params.LongBoundary, params.ShortBoundary, record.WorkCount, pitch, corrected,
                                result.CorrectedSplit.LongWave, result.CorrectedSplit.MiddleWave,
                                result.CorrectedSplit.ShortWave));
   result.CorrectedSplit.LongBoundary = params.LongBoundary;
@@ -103,37 +108,37 @@ void ComputeOutcome(const ProfileRecord& record, const ThreeWaveParams& params, 
   result.CorrectedSplit.Valid = true;
   step(3);
   StudyWave middle;
-  Need(AnalyseStudyWave(result.CorrectedSplit.MiddleWave.Values, pitch, nullptr, true, 0, middle));
+  Need(AnalyseStudyWave(session, result.CorrectedSplit.MiddleWave.Values, pitch, nullptr, true, 0, middle));
   result.CorrectedMiddleOctave = std::move(middle.Octave);
   step(4);
-  Need(AnalyseStudyWave(mPrime, pitch, &iri, false, 0, result.MPrime));
-  Need(AnalyseStudyWave(corrected, pitch, &iri, false, 0, result.Corrected));
+  Need(AnalyseStudyWave(session, mPrime, pitch, &iri, false, 0, result.MPrime));
+  Need(AnalyseStudyWave(session, corrected, pitch, &iri, false, 0, result.Corrected));
   step(5);
   out = std::move(result);
 }
 
 // The M-wave step of one profile, eight progress steps.
-void MiddleWaveStep(ProfileRecord& record, const ThreeWaveParams& params, bool usePlanRange) {
+void MiddleWaveStep(Session& session, ProfileRecord& record, const ThreeWaveParams& params, bool usePlanRange) {
   const ThreeWaveSplit& split = record.ThreeWave;
   const double pitch = PitchOf(record);
-  const IriParams iri = StudyIriParams(params.IriLength);
+  const IriParams iri = StudyIriParams(session, params.IriLength);
   const std::int32_t n = record.WorkCount;
-  auto step = [](int s) { Progress::Step(s, 8); };
+  auto step = [&session](int s) { Progress::Step(session.Ui(), s, 8); };
   RepairStudyData& study = record.RepairStudy;
   study.MiddleValid = false;
 
-  Need(AnalyseStudyWave(split.MiddleWave.Values, pitch, nullptr, true, 0, study.Middle));
+  Need(AnalyseStudyWave(session, split.MiddleWave.Values, pitch, nullptr, true, 0, study.Middle));
   step(1);
   WaveSeries straightened;
-  Need(Cal_補修形状_M波の直線化(n, split.MiddleWave.Values, 0, PlanRangeOf(record, usePlanRange), straightened));
+  Need(Cal_補修形状_M波の直線化(session, n, split.MiddleWave.Values, 0, PlanRangeOf(record, usePlanRange), straightened));
   step(2);
-  ComputeOutcome(record, params, straightened.Values, study.Calculated, [&](int s) { step(2 + s); });
+  ComputeOutcome(session, record, params, straightened.Values, study.Calculated, [&](int s) { step(2 + s); });
   StudyWave profile;
-  Need(AnalyseStudyWave(record.WorkProfile, pitch, &iri, false, 0, profile));
+  Need(AnalyseStudyWave(session, record.WorkProfile, pitch, &iri, false, 0, profile));
   study.ProfileIri = std::move(profile.Iri);
-  Need(AnalyseStudyWave(split.MiddleWave.Values, pitch, &iri, false, 0, study.Middle));
+  Need(AnalyseStudyWave(session, split.MiddleWave.Values, pitch, &iri, false, 0, study.Middle));
   std::vector<MWaveExtremum> crests, troughs;
-  Need(Cal_補修形状_M波の山谷情報(n, split.MiddleWave.Values, crests, troughs));
+  Need(Cal_補修形状_M波の山谷情報(session, n, split.MiddleWave.Values, crests, troughs));
   const Array1<double>& mPrime = study.Calculated.MPrime.Wave.Values;
   study.PointTable.clear();
   for (const MWaveExtremum& c : crests) study.PointTable.push_back({c.Index, mPrime[c.Index], 0, 0});
@@ -144,13 +149,13 @@ void MiddleWaveStep(ProfileRecord& record, const ThreeWaveParams& params, bool u
   step(8);
 }
 
-void WriteAdjustmentTable(const Array1<double>& m, const Array1<double>& adjust, const Array1<double>& mPrime) {
+void WriteAdjustmentTable(Session& session, const Array1<double>& m, const Array1<double>& adjust, const Array1<double>& mPrime) {
   std::vector<std::string> lines{"No, M波, User厚調整値, M'波(M+厚調整)"};
   const char* pattern = "0.000000000000000";
   for (std::ptrdiff_t i = 1; i <= m.size(); ++i)
     lines.push_back(fmt::format("{},{},{},{}", i, FormatNumber(m[i], pattern), FormatNumber(adjust[i], pattern),
                                 FormatNumber(mPrime[i], pattern)));
-  WriteDebugTable("補修計画_M+Use厚調整.csv", lines);
+  WriteDebugTable(DebugTablesOf(session), "補修計画_M+Use厚調整.csv", lines);
 }
 
 // File name of a registered wave (without folder), from the pattern or the built-in form.
@@ -164,27 +169,27 @@ std::string RegisteredName(const std::string& pattern, const std::string& profil
 }
 
 // Writes one wave of a profile as an ERD file in the project's profile folder; returns its path.
-std::string WriteWaveErd(const ProfileRecord& record, const WaveSeries& wave, const std::string& fileName,
+std::string WriteWaveErd(Session& session, const ProfileRecord& record, const WaveSeries& wave, const std::string& fileName,
                          const std::string& titleMark) {
   ErdRecord erd = record.Erd;
   erd.Elevation = wave.Values;
   erd.NumSamples = static_cast<std::int32_t>(wave.Values.size());
   erd.NumSamplesHeader = erd.NumSamples;
   erd.Title = record.Erd.Title + titleMark;
-  std::filesystem::create_directories(ProjectProfileFolder());
-  const std::string path = ProjectProfileFolder() + "/" + fileName;
+  std::filesystem::create_directories(ProjectProfileFolder(session));
+  const std::string path = ProjectProfileFolder(session) + "/" + fileName;
   Need(WriteERD(path, erd));
   return path;
 }
 
-bool RegisterAll(ProfileList& list, const std::vector<std::string>& paths) {
-  return paths.empty() || AddProfileList(list, paths, true);
+bool RegisterAll(Session& session, ProfileList& list, const std::vector<std::string>& paths) {
+  return paths.empty() || AddProfileList(session, list, paths, true);
 }
 
 }  // namespace
 
-IriParams StudyIriParams(double iriLength) {
-  IriParams params = CurrentConditions().RepairIri;
+IriParams StudyIriParams(Session& session, double iriLength) {
+  IriParams params = session.CurrentConditions.RepairIri;
   params.IriBaseLength = iriLength;
   return params;
 }
@@ -200,130 +205,130 @@ PlanRange PlanRangeOf(const ProfileRecord& record, bool use) {
   return plan;
 }
 
-bool AnalyseStudyWave(const Array1<double>& wave, double pitch, const IriParams* iri, bool octave,
+bool AnalyseStudyWave(Session& session, const Array1<double>& wave, double pitch, const IriParams* iri, bool octave,
                       std::int32_t writeDebug, StudyWave& out) {
-  return GuardedStep("AnalyseStudyWave", [&] {
+  return GuardedStep(session, "AnalyseStudyWave", [&] {
     const auto n = static_cast<std::int32_t>(wave.size());
     AnalysisBlock block;
-    PrepareAnalysis(block, n, wave, pitch);
+    PrepareAnalysis(DebugTablesOf(session), block, n, wave, pitch);
     if (octave) {
       std::int32_t seq = 0;
-      Need(Cal_プロファイル分解_単体処理(writeDebug, seq, 0, n, block.FftLength1, block.FftLength2, block.Masks, wave,
+      Need(Cal_プロファイル分解_単体処理(session, writeDebug, seq, 0, n, block.FftLength1, block.FftLength2, block.Masks, wave,
                                        out.Octave.Band));
       out.Octave.Calculated = true;
     }
     if (iri != nullptr) {
-      CalcIriProfile(block, *iri, false);
+      CalcIriProfile(DebugTablesOf(session), block, *iri, false);
       out.Iri = std::move(block.Iri);
     }
     if (!out.Wave.Calculated || !(out.Wave.Values == wave)) StoreWave(out.Wave, wave);
   });
 }
 
-bool cmdGo_3波長分解(StudyRun& run, ThreeWaveRun* result) {
+bool cmdGo_3波長分解(Session& session, StudyRun& run, ThreeWaveRun* result) {
   ThreeWaveParams params;
-  if (run.Selected.empty() || !CheckedParams(run, params)) return false;
-  const ThreeWaveRun done = PubCal_補修形状検討_3波分解(run.Profiles, run.Selected, params, *run.Stored);
+  if (run.Selected.empty() || !CheckedParams(session, run, params)) return false;
+  const ThreeWaveRun done = PubCal_補修形状検討_3波分解(session, run.Profiles, run.Selected, params, *run.Stored);
   if (result != nullptr) *result = done;
   return done.Ok;
 }
 
-bool cmdGo_中波長(StudyRun& run) {
+bool cmdGo_中波長(Session& session, StudyRun& run) {
   ThreeWaveParams params;
-  if (run.Selected.empty() || !CheckedParams(run, params)) return false;
-  bool ok = PubCal_補修形状検討_3波分解(run.Profiles, run.Selected, params, *run.Stored).Ok;
+  if (run.Selected.empty() || !CheckedParams(session, run, params)) return false;
+  bool ok = PubCal_補修形状検討_3波分解(session, run.Profiles, run.Selected, params, *run.Stored).Ok;
   {
-    Progress progress("Ｍ波の計算");
-    ok = ForEachSelected(run, "cmdGo_中波長", [&](ProfileRecord& record, std::size_t) {
-           if (record.ThreeWave.Valid) MiddleWaveStep(record, params, run.UsePlanRange);
+    Progress progress(session.Ui(), "Ｍ波の計算");
+    ok = ForEachSelected(session, run, "cmdGo_中波長", [&](ProfileRecord& record, std::size_t) {
+           if (record.ThreeWave.Valid) MiddleWaveStep(session, record, params, run.UsePlanRange);
          }) && ok;
   }
-  Progress progress("Ｍ波の検討処理中");
-  return ForEachSelected(run, "cmdGo_中波長", [&](ProfileRecord& record, std::size_t) {
+  Progress progress(session.Ui(), "Ｍ波の検討処理中");
+  return ForEachSelected(session, run, "cmdGo_中波長", [&](ProfileRecord& record, std::size_t) {
            if (!record.RepairStudy.MiddleValid) return;
-           for (StudyTarget& target : record.Studies) Need(CalcStudyAdjustment(record, target, run.Form));
+           for (StudyTarget& target : record.Studies) Need(CalcStudyAdjustment(session, record, target, run.Form));
          }) && ok;
 }
 
-bool cmdGo_短波長(StudyRun& run) {
+bool cmdGo_短波長(Session& session, StudyRun& run) {
   ThreeWaveParams params;
-  if (run.Selected.empty() || !CheckedParams(run, params)) return false;
+  if (run.Selected.empty() || !CheckedParams(session, run, params)) return false;
   bool ok;
   {
-    Progress progress("補修形状の中波長計算");
-    ok = PubCal_補修形状検討_3波分解(run.Profiles, run.Selected, params, *run.Stored).Ok;
+    Progress progress(session.Ui(), "補修形状の中波長計算");
+    ok = PubCal_補修形状検討_3波分解(session, run.Profiles, run.Selected, params, *run.Stored).Ok;
   }
-  Progress progress("検討処理中");
+  Progress progress(session.Ui(), "検討処理中");
   const std::array<double, 10> limits = BandLimitsFromTexts(params.Lines);
-  return ForEachSelected(run, "cmdGo_短波長", [&](ProfileRecord& record, std::size_t k) {
-           Progress::Step(static_cast<int>(k + 1), static_cast<int>(run.Selected.size()));
+  return ForEachSelected(session, run, "cmdGo_短波長", [&](ProfileRecord& record, std::size_t k) {
+           Progress::Step(session.Ui(), static_cast<int>(k + 1), static_cast<int>(run.Selected.size()));
            if (!record.ThreeWave.Valid) return;
            RepairStudyData& study = record.RepairStudy;
            study.ShortReducedValid = false;
            StudyWave shortWave;
-           Need(AnalyseStudyWave(record.ThreeWave.ShortWave.Values, PitchOf(record), nullptr, true, 0, shortWave));
+           Need(AnalyseStudyWave(session, record.ThreeWave.ShortWave.Values, PitchOf(record), nullptr, true, 0, shortWave));
            study.ShortOctave = std::move(shortWave.Octave);
            const PlanRange plan = PlanRangeOf(record, run.UsePlanRange);
            PlanIndices range;
-           Need(set補修計画範囲情報(record.WorkCount, plan, range));
+           Need(set補修計画範囲情報(session, record.WorkCount, plan, range));
            BandReductionResult reduced;
-           Need(Cal_バンド別低減(limits, record.WorkCount, study.ShortOctave, reduced, plan.Use, range.S, range.E));
+           Need(Cal_バンド別低減(session, limits, record.WorkCount, study.ShortOctave, reduced, plan.Use, range.S, range.E));
            study.ShortReduced = std::move(reduced.Total);
            study.ShortReducedBands = std::move(reduced.Reduced);
            study.ShortReducedValid = true;
          }) && ok;
 }
 
-bool cmdGo_理想形状(StudyRun& run) {
+bool cmdGo_理想形状(Session& session, StudyRun& run) {
   ThreeWaveParams params;
-  if (run.Selected.empty() || !CheckedParams(run, params)) return false;
-  const IriParams iri = StudyIriParams(params.IriLength);
+  if (run.Selected.empty() || !CheckedParams(session, run, params)) return false;
+  const IriParams iri = StudyIriParams(session, params.IriLength);
   auto ready = [](const ProfileRecord& r) {
     return r.ThreeWave.Valid && r.RepairStudy.MiddleValid && r.RepairStudy.ShortReducedValid;
   };
   bool ok;
   {
-    Progress progress("オリジナルプロファイルの計算");
-    ok = ForEachSelected(run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
+    Progress progress(session.Ui(), "オリジナルプロファイルの計算");
+    ok = ForEachSelected(session, run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
       if (!ready(record)) return;
       StudyWave profile;
-      Need(AnalyseStudyWave(record.WorkProfile, PitchOf(record), &iri, false, 0, profile));
+      Need(AnalyseStudyWave(session, record.WorkProfile, PitchOf(record), &iri, false, 0, profile));
       record.RepairStudy.ProfileIri = std::move(profile.Iri);
     });
   }
   {
-    Progress progress("理想形状案の計算");
-    ok = ForEachSelected(run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
+    Progress progress(session.Ui(), "理想形状案の計算");
+    ok = ForEachSelected(session, run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
            RepairStudyData& study = record.RepairStudy;
            study.IdealValid = false;
            if (!ready(record)) return;
            const Array1<double>& mPrime = ChosenMPrime(record);
            // Added in the order L, M', S'.
            const Array1<double> ideal = SumOf(record.ThreeWave.LongWave.Values, mPrime, study.ShortReduced.Values);
-           Need(AnalyseStudyWave(ideal, PitchOf(record), nullptr, true, 1, study.IdealShape));
+           Need(AnalyseStudyWave(session, ideal, PitchOf(record), nullptr, true, 1, study.IdealShape));
          }) && ok;
   }
-  Progress progress("ＩＲＩ計算");
-  return ForEachSelected(run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
+  Progress progress(session.Ui(), "ＩＲＩ計算");
+  return ForEachSelected(session, run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
            RepairStudyData& study = record.RepairStudy;
            if (!ready(record) || !study.IdealShape.Wave.Calculated) return;
-           Need(AnalyseStudyWave(study.IdealShape.Wave.Values, PitchOf(record), &iri, false, 0, study.IdealShape));
+           Need(AnalyseStudyWave(session, study.IdealShape.Wave.Values, PitchOf(record), &iri, false, 0, study.IdealShape));
            study.IdealValid = true;
          }) && ok;
 }
 
-bool CalcStudyAdjustment(ProfileRecord& record, StudyTarget& target, const ThreeWaveForm& form) {
+bool CalcStudyAdjustment(Session& session, ProfileRecord& record, StudyTarget& target, const ThreeWaveForm& form) {
   ThreeWaveParams params;
-  if (!getParam_補修形状検討_3波分解(form, params)) return false;
-  return GuardedStep("CalcStudyAdjustment", [&] {
+  if (!getParam_補修形状検討_3波分解(session, form, params)) return false;
+  return GuardedStep(session, "CalcStudyAdjustment", [&] {
     if (!record.RepairStudy.MiddleValid) throw LegacyError(ErrorNumber::InvalidData, "Ｍ波が計算されていません");
     const Array1<double>& m = record.ThreeWave.MiddleWave.Values;
     const Array1<double> adjust = UserAdjustOf(m, record.RepairStudy.Calculated.MPrime.Wave.Values, target);
     Array1<double> mPrime(static_cast<std::size_t>(m.size()));
     for (std::ptrdiff_t i = 1; i <= m.size(); ++i) mPrime[i] = m[i] + adjust[i];
-    if (DebugTablesOn()) WriteAdjustmentTable(m, adjust, mPrime);
+    if (DebugTablesOf(session).On) WriteAdjustmentTable(session, m, adjust, mPrime);
     target.Recalculated = false;
-    ComputeOutcome(record, params, std::move(mPrime), target.Outcome, [](int s) { Progress::Step(s, 5); });
+    ComputeOutcome(session, record, params, std::move(mPrime), target.Outcome, [&session](int s) { Progress::Step(session.Ui(), s, 5); });
     target.Recalculated = true;
     ++target.Revision;
   });
@@ -340,10 +345,10 @@ const MWaveOutcome& ChosenOutcome(const ProfileRecord& record) {
 
 const Array1<double>& ChosenMPrime(const ProfileRecord& record) { return ChosenOutcome(record).MPrime.Wave.Values; }
 
-bool cmdProfile登録_3波分解(StudyRun& run, ProfileList& list, const WaveChoice& waves, const std::string& pattern) {
-  if (!cmdGo_3波長分解(run)) return false;
+bool cmdProfile登録_3波分解(Session& session, StudyRun& run, ProfileList& list, const WaveChoice& waves, const std::string& pattern) {
+  if (!cmdGo_3波長分解(session, run)) return false;
   std::vector<std::string> paths;
-  const bool written = ForEachSelected(run, "cmdProfile登録_3波分解", [&](ProfileRecord& record, std::size_t) {
+  const bool written = ForEachSelected(session, run, "cmdProfile登録_3波分解", [&](ProfileRecord& record, std::size_t) {
     if (!record.ThreeWave.Valid) return;
     const std::string name = ProfileList::NameOf(record);
     const struct {
@@ -355,22 +360,22 @@ bool cmdProfile登録_3波分解(StudyRun& run, ProfileList& list, const WaveCho
                  {waves.Short, record.ThreeWave.ShortWave, "S"}};
     for (const auto& kind : kinds)
       if (kind.on)
-        paths.push_back(WriteWaveErd(record, kind.wave,
+        paths.push_back(WriteWaveErd(session, record, kind.wave,
                                      RegisteredName(pattern, name, std::string("_") + kind.letter + "波_", kind.letter),
                                      std::string("(") + kind.letter + ")"));
   });
-  return RegisterAll(list, paths) && written;
+  return RegisterAll(session, list, paths) && written;
 }
 
-bool cmdProfile登録_理想形状(StudyRun& run, ProfileList& list, const std::string& pattern) {
+bool cmdProfile登録_理想形状(Session& session, StudyRun& run, ProfileList& list, const std::string& pattern) {
   std::vector<std::string> paths;
-  const bool written = ForEachSelected(run, "cmdProfile登録_理想形状", [&](ProfileRecord& record, std::size_t) {
+  const bool written = ForEachSelected(session, run, "cmdProfile登録_理想形状", [&](ProfileRecord& record, std::size_t) {
     if (!record.RepairStudy.IdealValid) return;
-    paths.push_back(WriteWaveErd(record, record.RepairStudy.IdealShape.Wave,
+    paths.push_back(WriteWaveErd(session, record, record.RepairStudy.IdealShape.Wave,
                                  RegisteredName(pattern, ProfileList::NameOf(record), "_理想形状案_", ""),
                                  "(理想形状案)"));
   });
-  return RegisterAll(list, paths) && written;
+  return RegisterAll(session, list, paths) && written;
 }
 
 }  // namespace velmora

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "results/iri_types.h"
 #include "profile/profile_list.h"
 #include "profile/profile_record.h"
@@ -25,27 +26,27 @@ struct StudyRun {
   bool UsePlanRange = false;  // chk補修計画範囲
 };
 
-// The study's IRI parameters (CurrentConditions().RepairIri) with the tab's base length (m).
-IriParams StudyIriParams(double iriLength);
+// The study's IRI parameters (session.CurrentConditions.RepairIri) with the tab's base length (m).
+IriParams StudyIriParams(Session& session, double iriLength);
 // The plan range of a profile from its ERD record (used only when `use` and the record has one).
 PlanRange PlanRangeOf(const ProfileRecord& record, bool use);
 
 // Octave split (with writeDebug as the octave pass takes it) and/or IRI of a study wave (mm, 1..n,
 // pitch m) through a preparation of its own; the wave is stored with its statistics in out.Wave.
-bool AnalyseStudyWave(const Array1<double>& wave, double pitch, const IriParams* iri, bool octave,
+bool AnalyseStudyWave(Session& session, const Array1<double>& wave, double pitch, const IriParams* iri, bool octave,
                       std::int32_t writeDebug, StudyWave& out);
 
 // The drivers; each first checks the boxes (messages of the split) and passes over profiles whose
 // earlier step has not run. True when every step that ran succeeded.
-bool cmdGo_3波長分解(StudyRun& run, ThreeWaveRun* result = nullptr);
-bool cmdGo_中波長(StudyRun& run);
-bool cmdGo_短波長(StudyRun& run);
-bool cmdGo_理想形状(StudyRun& run);
+bool cmdGo_3波長分解(Session& session, StudyRun& run, ThreeWaveRun* result = nullptr);
+bool cmdGo_中波長(Session& session, StudyRun& run);
+bool cmdGo_短波長(Session& session, StudyRun& run);
+bool cmdGo_理想形状(Session& session, StudyRun& run);
 
 // M' of a study: M + UserAdjust, with the octave split, S + M' + L, its split and the octave split of
 // its middle wave, and the IRI of M' and of S + M' + L with the study's parameters (five progress
 // steps). Needs the M-wave step of `record`.
-bool CalcStudyAdjustment(ProfileRecord& record, StudyTarget& target, const ThreeWaveForm& form);
+bool CalcStudyAdjustment(Session& session, ProfileRecord& record, StudyTarget& target, const ThreeWaveForm& form);
 
 // What the ideal shape takes for a profile: the chosen study's outcome when it has been calculated,
 // else the calculated one (M' as straightened).
@@ -64,8 +65,8 @@ struct WaveChoice {
 // registers them in `list`. `pattern` is the "FileExportName" setting of the kind (empty: the built-in
 // name "<profile>_L波_<date>"). The title gets "(L)", "(M)" or "(S)". Returns false when the split
 // could not be made or a file could not be written or registered.
-bool cmdProfile登録_3波分解(StudyRun& run, ProfileList& list, const WaveChoice& waves, const std::string& pattern);
+bool cmdProfile登録_3波分解(Session& session, StudyRun& run, ProfileList& list, const WaveChoice& waves, const std::string& pattern);
 // The same for the ideal shape of the selected profiles: "_理想形状案_", title mark "(理想形状案)".
-bool cmdProfile登録_理想形状(StudyRun& run, ProfileList& list, const std::string& pattern);
+bool cmdProfile登録_理想形状(Session& session, StudyRun& run, ProfileList& list, const std::string& pattern);
 
 }  // namespace velmora

@@ -30,7 +30,7 @@ std::string Num(double v) { return FormatNumber(v, "0.0000000000"); }
 
 std::string SignText(MWaveSign s) { return s == MWaveSign::None ? std::string() : std::string(1, static_cast<char>(s)); }
 
-void WriteStraighteningTable(const Array1<double>& m, const Array1<MWaveRow>& rows, const Array1<double>& out) {
+void WriteStraighteningTable(Session& session, const Array1<double>& m, const Array1<MWaveRow>& rows, const Array1<double>& out) {
   std::vector<std::string> lines{
       "M波, 判定(↓), 判定(↑), M波頂部, カウント(↓), カウント(↑), 始点高さ, 終点高さ, 高低差, 直線化（M'波）"};
   for (std::ptrdiff_t i = 1; i <= m.size(); ++i) {
@@ -39,14 +39,14 @@ void WriteStraighteningTable(const Array1<double>& m, const Array1<MWaveRow>& ro
                                 SignText(r.JudgeUp), Num(r.Crest), r.CountDown, r.CountUp, Num(r.StartHeight),
                                 Num(r.EndHeight), Num(r.Rise), Num(out[i])));
   }
-  WriteDebugTable("補修形状_M波の直線化.csv", lines);
+  WriteDebugTable(DebugTablesOf(session), "補修形状_M波の直線化.csv", lines);
 }
 
-void WriteExtremaTable(const char* name, const std::vector<MWaveExtremum>& points) {
+void WriteExtremaTable(Session& session, const char* name, const std::vector<MWaveExtremum>& points) {
   std::vector<std::string> lines{"No, Index, M波値"};
   for (std::size_t k = 0; k < points.size(); ++k)
     lines.push_back(fmt::format("{}, {}, {}", k + 1, points[k].Index, Num(points[k].Value)));
-  WriteDebugTable(name, lines);
+  WriteDebugTable(DebugTablesOf(session), name, lines);
 }
 
 }  // namespace
@@ -188,37 +188,37 @@ PlanIndices PlanRangeIndices(std::int32_t n, const PlanRange& plan) {
 }
 
 namespace {
-PlanIndices PlanIndicesLogged(std::int32_t n, const PlanRange& plan) {
+PlanIndices PlanIndicesLogged(Session& session, std::int32_t n, const PlanRange& plan) {
   if (plan.Use && plan.PitchM == 0) RaiseDivisionByZero("補修計画範囲: ピッチが 0 です");
   const PlanIndices indices = PlanRangeIndices(n, plan);
-  detail::StudyDebugLine(fmt::format("[set補修計画範囲情報] 補修計画範囲で指定された起終点インデックス : {} , {}",
+  detail::StudyDebugLine(session, fmt::format("[set補修計画範囲情報] 補修計画範囲で指定された起終点インデックス : {} , {}",
                                      indices.S, indices.E));
   return indices;
 }
 }  // namespace
 
-bool set補修計画範囲情報(std::int32_t n, const PlanRange& plan, PlanIndices& indices) {
-  return Guarded(kModule, "set補修計画範囲情報", [&] { indices = PlanIndicesLogged(n, plan); });
+bool set補修計画範囲情報(Session& session, std::int32_t n, const PlanRange& plan, PlanIndices& indices) {
+  return Guarded(session, kModule, "set補修計画範囲情報", [&] { indices = PlanIndicesLogged(session, n, plan); });
 }
 
-bool Cal_補修形状_M波の直線化(std::int32_t n, const Array1<double>& m, std::int32_t withTroughs,
+bool Cal_補修形状_M波の直線化(Session& session, std::int32_t n, const Array1<double>& m, std::int32_t withTroughs,
                               const PlanRange& plan, WaveSeries& out) {
-  return Guarded(kModule, "Cal_補修形状_M波の直線化", [&] {
+  return Guarded(session, kModule, "Cal_補修形状_M波の直線化", [&] {
     if (m.size() < n) RaiseSubscriptOutOfRange(fmt::format("M波 {} / {}", n, m.size()));
     Array1<double> wave(std::vector<double>(m.begin(), m.begin() + n));
     Array1<MWaveRow> rows = BuildMWaveRows(wave, withTroughs);
     Array1<double> result = JoinCrests(wave, rows);
     if (plan.Use) {
-      result = ApplyPlanRange(wave, rows, result, PlanIndicesLogged(n, plan));
+      result = ApplyPlanRange(wave, rows, result, PlanIndicesLogged(session, n, plan));
     }
-    if (DebugTablesOn()) WriteStraighteningTable(wave, rows, result);
+    if (DebugTablesOf(session).On) WriteStraighteningTable(session, wave, rows, result);
     StoreWave(out, std::move(result));
   });
 }
 
-bool Cal_補修形状_M波の山谷情報(std::int32_t n, const Array1<double>& m, std::vector<MWaveExtremum>& crests,
+bool Cal_補修形状_M波の山谷情報(Session& session, std::int32_t n, const Array1<double>& m, std::vector<MWaveExtremum>& crests,
                                 std::vector<MWaveExtremum>& troughs) {
-  return Guarded(kModule, "Cal_補修形状_M波の山谷情報", [&] {
+  return Guarded(session, kModule, "Cal_補修形状_M波の山谷情報", [&] {
     if (m.size() < n) RaiseSubscriptOutOfRange(fmt::format("M波 {} / {}", n, m.size()));
     crests.clear();
     troughs.clear();
@@ -227,9 +227,9 @@ bool Cal_補修形状_M波の山谷情報(std::int32_t n, const Array1<double>& 
       if (down == MWaveSign::Plus && up == MWaveSign::Plus) crests.push_back({i, m[i]});
       if (down == MWaveSign::Minus && up == MWaveSign::Minus) troughs.push_back({i, m[i]});
     }
-    if (DebugTablesOn()) {
-      WriteExtremaTable("補修形状_M波の直線化_山情報.csv", crests);
-      WriteExtremaTable("補修形状_M波の直線化_谷情報.csv", troughs);
+    if (DebugTablesOf(session).On) {
+      WriteExtremaTable(session, "補修形状_M波の直線化_山情報.csv", crests);
+      WriteExtremaTable(session, "補修形状_M波の直線化_谷情報.csv", troughs);
     }
   });
 }
@@ -251,8 +251,8 @@ Array1<double> RebuildFromPoints(const Array1<double>& m, std::vector<StudyPoint
   return out;
 }
 
-bool Cal_補修形状_M波の再計算(const Array1<double>& m, const std::vector<StudyPoint>& points, StudyTarget& target) {
-  return Guarded(kModule, "Cal_補修形状_M波の再計算", [&] {
+bool Cal_補修形状_M波の再計算(Session& session, const Array1<double>& m, const std::vector<StudyPoint>& points, StudyTarget& target) {
+  return Guarded(session, kModule, "Cal_補修形状_M波の再計算", [&] {
     StoreWave(target.Outcome.MPrime.Wave, RebuildFromPoints(m, points));
     target.Recalculated = true;
   });

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/one_based.h"
+#include "base/session.h"
 #include "results/wave_series.h"
 #include "results/repair_types.h"
 
@@ -47,14 +48,14 @@ Array1<double> ApplyPlanRange(const Array1<double>& m, const Array1<MWaveRow>& r
 // The plan range in sample indices for a profile of n samples. Ends not given or outside the
 // profile are cut back to the profile's ends and then count as not given.
 PlanIndices PlanRangeIndices(std::int32_t n, const PlanRange& plan);
-bool set補修計画範囲情報(std::int32_t n, const PlanRange& plan, PlanIndices& indices);
+bool set補修計画範囲情報(Session& session, std::int32_t n, const PlanRange& plan, PlanIndices& indices);
 
 // M' of M[1..n] (mm) with its statistics into `out`. False after an error, which is in the log.
-bool Cal_補修形状_M波の直線化(std::int32_t n, const Array1<double>& m, std::int32_t withTroughs,
+bool Cal_補修形状_M波の直線化(Session& session, std::int32_t n, const Array1<double>& m, std::int32_t withTroughs,
                               const PlanRange& plan, WaveSeries& out);
 
 // The crests and the troughs of M[1..n], in ascending index.
-bool Cal_補修形状_M波の山谷情報(std::int32_t n, const Array1<double>& m, std::vector<MWaveExtremum>& crests,
+bool Cal_補修形状_M波の山谷情報(Session& session, std::int32_t n, const Array1<double>& m, std::vector<MWaveExtremum>& crests,
                                 std::vector<MWaveExtremum>& troughs);
 
 // M rebuilt through the kept points (value + adjustment), ascending index, straight between
@@ -62,7 +63,7 @@ bool Cal_補修形状_M波の山谷情報(std::int32_t n, const Array1<double>& 
 // by zero.
 Array1<double> RebuildFromPoints(const Array1<double>& m, std::vector<StudyPoint> points);
 // The same into the study's MPrime with statistics, and its Recalculated flag set.
-bool Cal_補修形状_M波の再計算(const Array1<double>& m, const std::vector<StudyPoint>& points,
+bool Cal_補修形状_M波の再計算(Session& session, const Array1<double>& m, const std::vector<StudyPoint>& points,
                               StudyTarget& target);
 
 }  // namespace velmora

@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "repair/study_debug.h"
 
 #include <filesystem>
@@ -8,8 +9,8 @@
 
 namespace velmora::detail {
 
-void StudyDebugLine(std::string_view line) {
-  if (DebugTablesOn()) AppendSystemTextLine(std::filesystem::path(Paths().UserLocalPath) / "debug.log", line);
+void StudyDebugLine(Session& session, std::string_view line) {
+  if (DebugTablesOf(session).On) AppendSystemTextLine(std::filesystem::path(session.Paths.UserLocalPath) / "debug.log", line);
 }
 
 }  // namespace velmora::detail

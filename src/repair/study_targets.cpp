@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "repair/study_targets.h"
 
 #include <algorithm>
@@ -23,15 +24,15 @@ bool EndsWith(std::string_view text, std::string_view tail) {
 }
 
 // The creation dialog: a name with the suffix that no other study (but `except`) holds, or nullopt.
-std::optional<std::string> AskStudyName(const std::vector<StudyTarget>& studies, std::string_view suffix,
+std::optional<std::string> AskStudyName(Session& session, const std::vector<StudyTarget>& studies, std::string_view suffix,
                                         std::string typed, std::size_t except) {
   for (;;) {
-    const std::optional<std::string> answer = Ui().Input(kNamePrompt, kNameTitle, typed);
+    const std::optional<std::string> answer = session.Ui().Input(kNamePrompt, kNameTitle, typed);
     if (!answer || Trim(*answer).empty()) return std::nullopt;
     typed = Trim(*answer);
     std::string name = typed + std::string(suffix);
     if (!NameTaken(studies, name, except)) return name;
-    Ui().Inform("指定された検討対象名は既に登録されています。\r\n指定検討対象名：" + name, "警告");
+    session.Ui().Inform("指定された検討対象名は既に登録されています。\r\n指定検討対象名：" + name, "警告");
   }
 }
 
@@ -64,9 +65,9 @@ StudyTarget NewStudy(std::string name, const std::vector<StudyPoint>& table) {
   return study;
 }
 
-std::optional<std::size_t> CreateStudy(std::vector<StudyTarget>& studies, StudyForm form,
+std::optional<std::size_t> CreateStudy(Session& session, std::vector<StudyTarget>& studies, StudyForm form,
                                        const std::vector<StudyPoint>& table) {
-  const std::optional<std::string> name = AskStudyName(studies, StudySuffix(form), "", studies.size());
+  const std::optional<std::string> name = AskStudyName(session, studies, StudySuffix(form), "", studies.size());
   if (!name) return std::nullopt;
   StudyTarget study = NewStudy(*name, table);
   study.Thickness.assign(table.size(), 0.0);
@@ -74,17 +75,17 @@ std::optional<std::size_t> CreateStudy(std::vector<StudyTarget>& studies, StudyF
   return studies.size() - 1;
 }
 
-bool DeleteStudy(std::vector<StudyTarget>& studies, StudyList list, int row) {
+bool DeleteStudy(Session& session, std::vector<StudyTarget>& studies, StudyList list, int row) {
   const StudyTarget* study = StudyAtRow(studies, row);
   if (study == nullptr) return false;
   const char* what = list == StudyList::Targets ? " を検討対象から削除します。" : " をM波選択から削除します。";
   // A deletion cannot be undone, so No has the focus.
-  if (!Ui().AskYesNo(study->Name + what + "\r\nよろしいですか？", "確認", MsgAnswer::No)) return false;
+  if (!session.Ui().AskYesNo(study->Name + what + "\r\nよろしいですか？", "確認", MsgAnswer::No)) return false;
   studies.erase(studies.begin() + (row - 1));
   return true;
 }
 
-bool RenameStudy(std::vector<StudyTarget>& studies, int row) {
+bool RenameStudy(Session& session, std::vector<StudyTarget>& studies, int row) {
   StudyTarget* study = StudyAtRow(studies, row);
   if (study == nullptr) return false;
   const std::string_view suffix =
@@ -92,15 +93,15 @@ bool RenameStudy(std::vector<StudyTarget>& studies, int row) {
                                                             : StudySuffix(StudyForm::Thickness);
   const std::string bare =
       EndsWith(study->Name, suffix) ? study->Name.substr(0, study->Name.size() - suffix.size()) : study->Name;
-  const auto name = AskStudyName(studies, suffix, bare, static_cast<std::size_t>(row - 1));
+  const auto name = AskStudyName(session, studies, suffix, bare, static_cast<std::size_t>(row - 1));
   if (!name || *name == study->Name) return false;
   study->Name = *name;
   return true;
 }
 
-bool StudyListKeyDown(std::vector<StudyTarget>& studies, StudyList list, int row, int keyCode) {
-  if (keyCode == kKeyDelete) return DeleteStudy(studies, list, row);
-  if (keyCode == kKeyF2) return RenameStudy(studies, row);
+bool StudyListKeyDown(Session& session, std::vector<StudyTarget>& studies, StudyList list, int row, int keyCode) {
+  if (keyCode == kKeyDelete) return DeleteStudy(session, studies, list, row);
+  if (keyCode == kKeyF2) return RenameStudy(session, studies, row);
   return false;
 }
 

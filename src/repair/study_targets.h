@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/one_based.h"
+#include "base/session.h"
 #include "results/repair_types.h"
 
 namespace velmora {
@@ -32,14 +33,14 @@ std::vector<std::string> StudyListItems(const std::vector<StudyTarget>& studies)
 StudyTarget NewStudy(std::string name, const std::vector<StudyPoint>& table);
 // Asks for a name until it is new among `studies` or the user cancels; then appends a study with the
 // points and flags of the calculated point `table`. Returns the new study's position (0-based).
-std::optional<std::size_t> CreateStudy(std::vector<StudyTarget>& studies, StudyForm form,
+std::optional<std::size_t> CreateStudy(Session& session, std::vector<StudyTarget>& studies, StudyForm form,
                                        const std::vector<StudyPoint>& table);
 // Row of a list (0 is the fixed item). Asks, and removes the study on Yes. True when removed.
-bool DeleteStudy(std::vector<StudyTarget>& studies, StudyList list, int row);
+bool DeleteStudy(Session& session, std::vector<StudyTarget>& studies, StudyList list, int row);
 // New name for the study at `row` by the creation dialog; the study keeps its suffix. True when renamed.
-bool RenameStudy(std::vector<StudyTarget>& studies, int row);
+bool RenameStudy(Session& session, std::vector<StudyTarget>& studies, int row);
 // A key on either list: Delete removes, F2 renames the selected row. True when the studies changed.
-bool StudyListKeyDown(std::vector<StudyTarget>& studies, StudyList list, int row, int keyCode);
+bool StudyListKeyDown(Session& session, std::vector<StudyTarget>& studies, StudyList list, int row, int keyCode);
 
 // The user's edits of the point table of a study; both mark it adjusted.
 void SetPointThickness(StudyTarget& target, std::size_t point, double thicknessMm);

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/one_based.h"
+#include "base/session.h"
 #include "base/settings.h"
 #include "profile/profile_record.h"
 #include "results/repair_types.h"
@@ -42,24 +43,24 @@ ThreeWaveParams ThreeWaveParamsFromConditions(const CalcConditions& conditions);
 
 // Checks the boxes in order (empty, then numeric); a failure shows its message titled "警告", names the
 // box in `focus` and answers false.
-bool getParam_補修形状検討_3波分解(const ThreeWaveForm& form, ThreeWaveParams& params,
+bool getParam_補修形状検討_3波分解(Session& session, const ThreeWaveForm& form, ThreeWaveParams& params,
                                   ThreeWaveField* focus = nullptr);
 
 // Split of profile(1..n) (mm, pitch m) into L, M and S (each resized to n, with statistics) by three
 // separate FFT filter passes; L + M + S differs from the profile by what the passes lose. With debug
 // output on, writes "<short> ～ <long>.csv". False after an error, which is in the log.
-bool Cal_補修形状3波分解_SUB(double longBoundary, double shortBoundary, std::int32_t n, double pitch,
+bool Cal_補修形状3波分解_SUB(Session& session, double longBoundary, double shortBoundary, std::int32_t n, double pitch,
                            const Array1<double>& profile, WaveSeries& L, WaveSeries& M, WaveSeries& S);
 
 // The split repeated on what the parts have not yet taken of the profile, until their sum no longer
 // changes at all or `maxCount` (settings "最大収束回数") runs are done. Same outputs as _SUB.
-bool Cal_収束計算による波形分解(double longBoundary, double shortBoundary, std::int32_t n, double pitch,
+bool Cal_収束計算による波形分解(Session& session, double longBoundary, double shortBoundary, std::int32_t n, double pitch,
                            const Array1<double>& profile, std::int32_t maxCount, WaveSeries& L, WaveSeries& M,
                            WaveSeries& S);
 // One run of the convergent variant: `remainder` split at each wavelength of `wavelengths` (m,
 // ascending), shortest part first; parts[k] gets what lies below wavelengths[k] and above the one
 // before; parts.back() (one more than the wavelengths) what lies above the last.
-bool Cal_収束計算による波形分解_SUB(std::int32_t iteration, std::int32_t n, double pitch,
+bool Cal_収束計算による波形分解_SUB(Session& session, std::int32_t iteration, std::int32_t n, double pitch,
                                std::span<const double> wavelengths, const Array1<double>& remainder,
                                std::vector<Array1<double>>& parts);
 
@@ -77,7 +78,7 @@ struct ThreeWaveRun {
 // or a line against `stored` clears the study data of every profile and stores the new values; then
 // every selected profile without a valid split is split. Progress "３波長分解"; after a reset the box
 // titled "確認" tells that the study data were cleared.
-ThreeWaveRun PubCal_補修形状検討_3波分解(std::span<ProfileRecord> profiles, std::span<const std::int32_t> selected,
+ThreeWaveRun PubCal_補修形状検討_3波分解(Session& session, std::span<ProfileRecord> profiles, std::span<const std::int32_t> selected,
                                    const ThreeWaveParams& params, ThreeWaveParams& stored);
 
 }  // namespace velmora

@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "report/repair_export.h"
 
 #include <cmath>
@@ -40,22 +41,22 @@ std::vector<std::string> ThreeWaveProfileLines(const ProfileRecord& record, cons
 }
 
 // The sliding-window IRI (mm/m) of a wave of the record with the study's parameters.
-IriResults WindowIri(const ProfileRecord& record, const Array1<double>& wave, const IriParams& iri) {
+IriResults WindowIri(Session& session, const ProfileRecord& record, const Array1<double>& wave, const IriParams& iri) {
   StudyWave out;
-  if (!AnalyseStudyWave(wave, record.Erd.StepSize, &iri, false, 0, out))
+  if (!AnalyseStudyWave(session, wave, record.Erd.StepSize, &iri, false, 0, out))
     throw LegacyError(ErrorNumber::InvalidData, ProfileList::NameOf(record) + ": IRIを計算できません");
   return std::move(out.Iri);
 }
 
 // The same with the nine octave bands of the wave, split as the octave tab splits a profile.
-IriResults WindowIriWithBands(const ProfileRecord& record, const Array1<double>& wave, const IriParams& iri) {
+IriResults WindowIriWithBands(Session& session, const ProfileRecord& record, const Array1<double>& wave, const IriParams& iri) {
   ProfileRecord alone;
   alone.Erd = record.Erd;
   alone.WorkCount = static_cast<std::int32_t>(wave.size());
   alone.WorkProfile = wave;
-  if (!DecomposeProfile(alone, false))
+  if (!DecomposeProfile(session, alone, false, FilterConvergence{}))
     throw LegacyError(ErrorNumber::InvalidData, ProfileList::NameOf(record) + ": オクターブ分解できません");
-  CalcIriProfile(alone.Analysis, iri, true);
+  CalcIriProfile(DebugTablesOf(session), alone.Analysis, iri, true);
   return std::move(alone.Analysis.Iri);
 }
 
@@ -80,19 +81,19 @@ std::vector<std::string> WindowLines(const ProfileRecord& record, const Position
   return SectionCsvLines(axis, geometry, heads, rows);
 }
 
-std::vector<std::string> ThreeWaveIriLines(const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
+std::vector<std::string> ThreeWaveIriLines(Session& session, const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
   const ThreeWaveSplit& split = record.ThreeWave;
-  const IriResults l = WindowIri(record, split.LongWave.Values, iri);
-  const IriResults m = WindowIri(record, split.MiddleWave.Values, iri);
-  const IriResults s = WindowIri(record, split.ShortWave.Values, iri);
+  const IriResults l = WindowIri(session, record, split.LongWave.Values, iri);
+  const IriResults m = WindowIri(session, record, split.MiddleWave.Values, iri);
+  const IriResults s = WindowIri(session, record, split.ShortWave.Values, iri);
   return WindowLines(record, axis, iri, {"L波-IRI(mm/m)", "M波-IRI(mm/m)", "S波-IRI(mm/m)"},
                      {&l.IriWindowWave, &m.IriWindowWave, &s.IriWindowWave});
 }
 
-std::vector<std::string> ShortWaveIriLines(const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
-  const IriResults profile = WindowIri(record, record.WorkProfile, iri);
-  const IriResults shortWave = WindowIriWithBands(record, record.ThreeWave.ShortWave.Values, iri);
-  const IriResults reduced = WindowIri(record, record.RepairStudy.ShortReduced.Values, iri);
+std::vector<std::string> ShortWaveIriLines(Session& session, const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
+  const IriResults profile = WindowIri(session, record, record.WorkProfile, iri);
+  const IriResults shortWave = WindowIriWithBands(session, record, record.ThreeWave.ShortWave.Values, iri);
+  const IriResults reduced = WindowIri(session, record, record.RepairStudy.ShortReduced.Values, iri);
   const std::string window = fmt::format("IRI({}m連続)", iri.IriBaseLength);
   std::vector<std::string> heads{"Profile", "S波" + window};
   std::vector<const WaveSeries*> columns{&profile.IriWindowWave, &shortWave.IriWindowWave};
@@ -174,13 +175,13 @@ bool IsRepairErdKind(RepairExportKind kind) {
   return kind == RepairExportKind::ShortWave || kind == RepairExportKind::IdealShape;
 }
 
-std::vector<std::string> RepairKindLines(RepairExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
+std::vector<std::string> RepairKindLines(Session& session, RepairExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
                                          const IriParams& iri) {
   switch (kind) {
     case RepairExportKind::ThreeWaveProfile: return ThreeWaveProfileLines(record, axis);
-    case RepairExportKind::ThreeWaveIri: return ThreeWaveIriLines(record, axis, iri);
+    case RepairExportKind::ThreeWaveIri: return ThreeWaveIriLines(session, record, axis, iri);
     case RepairExportKind::ShortWave: return ShortWaveLines(record, axis);
-    case RepairExportKind::ShortWaveIri: return ShortWaveIriLines(record, axis, iri);
+    case RepairExportKind::ShortWaveIri: return ShortWaveIriLines(session, record, axis, iri);
     case RepairExportKind::IdealShape: return IdealShapeLines(record, axis);
   }
   return {};

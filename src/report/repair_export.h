@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "results/iri_types.h"
 #include "base/one_based.h"
 #include "profile/profile_record.h"
@@ -37,7 +38,7 @@ bool IsRepairErdKind(RepairExportKind kind);
 
 // The CSV lines of one profile's file: the distance head, then the kind's columns joined by ", ".
 // `iri` (the study's IRI parameters with their base length in m) is used by the IRI kinds only.
-std::vector<std::string> RepairKindLines(RepairExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
+std::vector<std::string> RepairKindLines(Session& session, RepairExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
                                          const IriParams& iri);
 // The one wave of an ERD kind, mm, 1..n: S' for ShortWave, L + M' + S' for IdealShape.
 const Array1<double>& RepairKindValues(RepairExportKind kind, const ProfileRecord& record);

@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "report/result_export.h"
 
 #include <cmath>
@@ -230,21 +231,21 @@ std::vector<std::string> PsdRawLines(const ProfileRecord& record) {
   return lines;
 }
 
-std::vector<std::string> PsdSmoothedLines(const ProfileRecord& record, const ExportOptions& options) {
+std::vector<std::string> PsdSmoothedLines(Session& session, const ProfileRecord& record, const ExportOptions& options) {
   std::vector<std::string> lines{kPsdHeadStart + "平滑化PSD(m^2-m/cycle)"};
-  for (const PsdPair& pair : SmoothPsdValues(record.Analysis.Psd.PsdValues, record.WorkCount, record.Erd.StepSize,
+  for (const PsdPair& pair : SmoothPsdValues(DebugTablesOf(session), record.Analysis.Psd.PsdValues, record.WorkCount, record.Erd.StepSize,
                                              options.BandsPerOctave))
     lines.push_back(PsdLine(pair.Wn, pair.Val));
   return lines;
 }
 
-std::vector<std::string> PsdRatioLines(const ProfileRecord& base, const ProfileRecord& compared,
+std::vector<std::string> PsdRatioLines(Session& session, const ProfileRecord& base, const ProfileRecord& compared,
                                        const ExportOptions& options) {
   std::vector<std::string> lines{kPsdHeadStart + "Gain(PSD比の平方根)"};
   const double dx = base.Erd.StepSize;
   if (options.Smoothed) {
-    const auto a = SmoothPsdValues(base.Analysis.Psd.PsdValues, base.WorkCount, dx, options.BandsPerOctave);
-    const auto b = SmoothPsdValues(compared.Analysis.Psd.PsdValues, compared.WorkCount, dx, options.BandsPerOctave);
+    const auto a = SmoothPsdValues(DebugTablesOf(session), base.Analysis.Psd.PsdValues, base.WorkCount, dx, options.BandsPerOctave);
+    const auto b = SmoothPsdValues(DebugTablesOf(session), compared.Analysis.Psd.PsdValues, compared.WorkCount, dx, options.BandsPerOctave);
     // Row by row over the compared profile's rows, keeping its wave numbers.
     for (std::size_t i = 0; i < b.size() && i < a.size(); ++i) {
       if (a[i].Val == 0) RaiseDivisionByZero("PSD比 " + ProfileList::NameOf(base));
@@ -254,7 +255,7 @@ std::vector<std::string> PsdRatioLines(const ProfileRecord& base, const ProfileR
   }
   std::int32_t count = 0;
   std::vector<PsdPair> pairs;
-  if (!PsdRatioRaw(base.Analysis.Psd.PsdCount, base.Analysis.Psd.PsdValues, compared.Analysis.Psd.PsdCount,
+  if (!PsdRatioRaw(session, base.Analysis.Psd.PsdCount, base.Analysis.Psd.PsdValues, compared.Analysis.Psd.PsdCount,
                    compared.Analysis.Psd.PsdValues, dx, count, pairs))
     RaiseDivisionByZero("PSD比 " + ProfileList::NameOf(base));
   for (const PsdPair& pair : pairs) lines.push_back(PsdLine(pair.Wn, pair.Val));

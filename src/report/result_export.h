@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "results/filter_types.h"
 #include "profile/profile_record.h"
 #include "report/result_csv.h"
@@ -70,9 +71,9 @@ Array1<double> PointKindValues(ExportKind kind, const ProfileRecord& record, int
 // PSD files: wavelength (m/cycle), wave number (cycle/m) and the value, numbers in "0.0000000000E+00".
 // Raw: the stored spectrum from the first non-zero wave number up to the Nyquist wave number.
 std::vector<std::string> PsdRawLines(const ProfileRecord& record);
-std::vector<std::string> PsdSmoothedLines(const ProfileRecord& record, const ExportOptions& options);
+std::vector<std::string> PsdSmoothedLines(Session& session, const ProfileRecord& record, const ExportOptions& options);
 // Gain sqrt(compared/base); empty lines (head only) when the spectra differ in length.
-std::vector<std::string> PsdRatioLines(const ProfileRecord& base, const ProfileRecord& compared,
+std::vector<std::string> PsdRatioLines(Session& session, const ProfileRecord& base, const ProfileRecord& compared,
                                        const ExportOptions& options);
 
 // IRI files. Whole: one line per profile with its name, "全区間IRI(<length>m)" and the value.

@@ -21,8 +21,8 @@ struct OctaveBand {
 // The nine octave bands of a profile with the long-wave and short-wave sums.
 struct OctaveBandSet {
   std::array<OctaveBand, 10> Band;  // [1..9], 1 the longest wavelengths; [0] unused
-  WaveSeries LongSum;               // sum of the octaves of Settings().LongOctaves
-  WaveSeries ShortSum;              // sum of the octaves of Settings().ShortOctaves
+  WaveSeries LongSum;               // sum of the long-wave octaves of the settings
+  WaveSeries ShortSum;              // sum of the short-wave octaves of the settings
   bool Calculated = false;          // bands and sums are valid for the prepared profile
   bool Converged = false;           // they came from the peeling with repeated passes
 };

@@ -9,6 +9,7 @@
 #include "analysis/prepare_profile.h"
 #include "analysis/psd.h"
 #include "base/common.h"
+#include "base/session.h"
 #include "base/user_interaction.h"
 #include "workbench/workbench.h"
 
@@ -16,9 +17,13 @@ namespace velmora::workbench {
 namespace {
 
 // The analysis block is prepared once per working profile; an edit of the profile clears Count.
-void EnsurePrepared(ProfileRecord& record) {
-  if (record.Analysis.Count != record.WorkCount || record.Analysis.Count == 0) PrepareProfile(record);
+void EnsurePrepared(const Session& session, ProfileRecord& record) {
+  if (record.Analysis.Count != record.WorkCount || record.Analysis.Count == 0)
+    PrepareProfile(DebugTablesOf(session), record);
 }
+
+// The limits of the repeated passes, read at every run so that an edited file counts at once.
+FilterConvergence Limits(const Workbench& bench) { return ReadFilterConvergence(bench.Session().Paths); }
 
 std::string IriKey(const IriParams& p) {
   return fmt::format("{}|{}|{}|{}|{}|{}|{}|{}", p.Speed, p.KsMs, p.CsMs, p.MuMs, p.KtMs, p.InitFilter,
@@ -37,9 +42,9 @@ FilterSpec SpecOf(const FilterTabInputs& in) {
   return filterSpec;
 }
 
-std::string FilterKey(const FilterSpec& s) {
+std::string FilterKey(const FilterSpec& s, const IriParams& iri) {
   return fmt::format("{}|{}|{}|{}|{}|{}|{}|{}", static_cast<int>(s.CalcType), static_cast<int>(s.Band), s.SlopeMode,
-                     s.LongCut, s.ShortCut, s.SlopeCut, s.Converge, IriKey(CurrentConditions().Iri));
+                     s.LongCut, s.ShortCut, s.SlopeCut, s.Converge, IriKey(iri));
 }
 
 std::vector<ProfileRecord*> AllRecords(Workbench& bench) {
@@ -50,11 +55,13 @@ std::vector<ProfileRecord*> AllRecords(Workbench& bench) {
 
 void InstallFilter(Workbench& bench) {
   TabComputation c;
-  c.StoreInputs = [&bench] { return CheckFilterSpec(SpecOf(bench.Filter)) == FilterField::None; };
-  c.InputKey = [&bench] { return FilterKey(SpecOf(bench.Filter)); };
+  c.StoreInputs = [&bench] { return CheckFilterSpec(bench.Session(), SpecOf(bench.Filter)) == FilterField::None; };
+  c.InputKey = [&bench] { return FilterKey(SpecOf(bench.Filter), bench.Session().CurrentConditions.Iri); };
   c.ComputeRows = [&bench](const std::vector<ProfileRecord*>& rows) {
-    for (ProfileRecord* record : rows) EnsurePrepared(*record);
-    return RunFilter(SpecOf(bench.Filter), true, rows, CurrentConditions().Iri).Completed;
+    for (ProfileRecord* record : rows) EnsurePrepared(bench.Session(), *record);
+    return RunFilter(bench.Session(), SpecOf(bench.Filter), true, rows, bench.Session().CurrentConditions.Iri,
+                     Limits(bench))
+        .Completed;
   };
   bench.SetComputation(tab::Filter, std::move(c));
 }
@@ -64,8 +71,8 @@ void InstallOctave(Workbench& bench) {
   c.ProgressTitle = "プロファイル分解計算";
   c.InputKey = [&bench] { return fmt::format("{}", bench.Octave.Converge); };
   c.Compute = [&bench](ProfileRecord& record) {
-    EnsurePrepared(record);
-    return DecomposeProfile(record, bench.Octave.Converge, true);
+    EnsurePrepared(bench.Session(), record);
+    return DecomposeProfile(bench.Session(), record, bench.Octave.Converge, Limits(bench), true);
   };
   bench.SetComputation(tab::Octave, std::move(c));
 }
@@ -86,7 +93,7 @@ void InstallBandReduction(Workbench& bench) {
   c.ProgressTitle = "バンド別低減計算";
   // A line that is not a number means no limit; nothing is refused here.
   c.StoreInputs = [&bench] {
-    BandReductionLines& lines = CurrentConditions().BandLines;
+    BandReductionLines& lines = bench.Session().CurrentConditions.BandLines;
     for (std::size_t k = 1; k <= 9; ++k) {
       const double limit = BandLimitFromText(bench.Band.Lines[k]);
       lines.Value[k] = limit == NoLimit ? kNoValue : limit;
@@ -99,15 +106,15 @@ void InstallBandReduction(Workbench& bench) {
     return key;
   };
   c.Compute = [&bench](ProfileRecord& record) {
-    EnsurePrepared(record);
-    if (!DecomposeProfile(record, bench.Octave.Converge)) return false;
+    EnsurePrepared(bench.Session(), record);
+    if (!DecomposeProfile(bench.Session(), record, bench.Octave.Converge, Limits(bench))) return false;
     BandReductionBlock& block = record.Analysis.BandReduction;
     block.Calculated = false;
     block.Limits = BandLimitsFromTexts(bench.Band.Lines);
     const std::int32_t n = record.Analysis.Count;
-    if (!Cal_バンド別低減(block.Limits, n, record.Analysis.Octave, block.Result)) return false;
-    SumOfOctaves(block.Result, n, Settings().LongOctaves, block.LongSum);
-    SumOfOctaves(block.Result, n, Settings().ShortOctaves, block.ShortSum);
+    if (!Cal_バンド別低減(bench.Session(), block.Limits, n, record.Analysis.Octave, block.Result)) return false;
+    SumOfOctaves(block.Result, n, bench.Session().Settings.LongOctaves, block.LongSum);
+    SumOfOctaves(block.Result, n, bench.Session().Settings.ShortOctaves, block.ShortSum);
     block.Calculated = true;
     return true;
   };
@@ -120,7 +127,7 @@ void InstallPsd(Workbench& bench) {
   c.AllProfiles = true;
   c.StoreInputs = [&bench] {
     if (bench.Psd.Smooth && uLongVal(bench.Psd.BandsPerOctave) < 1) {
-      Ui().Inform("BandsPerOctave値はゼロより大きく指定してください。", "警告");
+      bench.Session().Ui().Inform("BandsPerOctave値はゼロより大きく指定してください。", "警告");
       return false;
     }
     return true;
@@ -129,7 +136,7 @@ void InstallPsd(Workbench& bench) {
   c.Compute = [&bench](ProfileRecord& record) {
     PsdResult& psd = record.Analysis.Psd;
     Array1<double> values;
-    if (!PsdCalc(record.WorkCount, record.WorkProfile, record.Erd.StepSize, bench.Psd.WindowKind,
+    if (!PsdCalc(bench.Session(), record.WorkCount, record.WorkProfile, record.Erd.StepSize, bench.Psd.WindowKind,
                  bench.Psd.MirrorFill, values))
       return false;
     psd.PsdCount = static_cast<std::int32_t>(values.size());
@@ -147,26 +154,27 @@ void InstallIri(Workbench& bench) {
   c.StoreInputs = [&bench] {
     const std::vector<ProfileRecord*> all = AllRecords(bench);
     double length = 0;
-    if (!CheckIriLength(bench.Iri.EvalLength, all, length)) return false;
-    CurrentConditions().Iri.IriBaseLength = length;
+    if (!CheckIriLength(bench.Session(), bench.Iri.EvalLength, all, length)) return false;
+    bench.Session().CurrentConditions.Iri.IriBaseLength = length;
     return true;
   };
   c.InputKey = [&bench] {
-    return IriKey(CurrentConditions().Iri) + fmt::format("|{}|{}", bench.Iri.SkipPartialSections, bench.Octave.Converge);
+    return IriKey(bench.Session().CurrentConditions.Iri) + fmt::format("|{}|{}", bench.Iri.SkipPartialSections, bench.Octave.Converge);
   };
   c.ComputeRows = [&bench](const std::vector<ProfileRecord*>& rows) {
     // The band IRIs need the octave split of each profile first.
     for (ProfileRecord* record : rows) {
-      EnsurePrepared(*record);
-      if (!DecomposeProfile(*record, bench.Octave.Converge)) return false;
+      EnsurePrepared(bench.Session(), *record);
+      if (!DecomposeProfile(bench.Session(), *record, bench.Octave.Converge, Limits(bench))) return false;
     }
     IriRunRequest request;
     request.LengthText = bench.Iri.EvalLength;
-    request.Params = CurrentConditions().Iri;
+    request.Params = bench.Session().CurrentConditions.Iri;
     request.SkipPartialSections = bench.Iri.SkipPartialSections;
+    request.Limits = Limits(bench);
     double lastLength = kNoValue;  // the workbench has decided these rows need computing
     const std::vector<ProfileRecord*> all = AllRecords(bench);
-    return RunIri(all, rows, request, lastLength);
+    return RunIri(bench.Session(), all, rows, request, lastLength);
   };
   bench.SetComputation(tab::Iri, std::move(c));
 }

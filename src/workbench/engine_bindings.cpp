@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "workbench/engine_bindings.h"
 
 #include "base/number_helpers.h"
@@ -20,18 +21,18 @@ EngineBindings::EngineBindings(Workbench& bench) : bench_(bench) {
   // The workbench marks its tabs and refills its boxes itself when this reports a change.
   hooks.EditConditions = [this] {
     bool changed = false;
-    ConditionsDialog dialog([&changed] { changed = true; });
+    ConditionsDialog dialog(bench_.Session(), [&changed] { changed = true; });
     if (RunConditionsDialog) RunConditionsDialog(dialog);
     if (dialog.IsOpen()) dialog.Close();
     return changed;
   };
-  ProjectHooks().ClearRepairStudy = [this] {
+  bench_.Session().Hooks.ClearRepairStudy = [this] {
     for (int row = 1; row <= bench_.ProfileCount(); ++row) ClearRepairStudy(bench_.Profile(row));
   };
 }
 
 EngineBindings::~EngineBindings() {
-  ProjectHooks().ClearRepairStudy = nullptr;
+  bench_.Session().Hooks.ClearRepairStudy = nullptr;
   bench_.Hooks.ClearProfileBoxes = nullptr;
   bench_.Hooks.CheckTabInputs = nullptr;
   bench_.Hooks.StoreProfileBoxes = nullptr;

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "analysis/octave.h"
+#include "base/session.h"
 #include "base/user_interaction.h"
 #include "workbench/file_export_name.h"
 #include "workbench/workbench.h"
@@ -47,31 +48,32 @@ void InstallStatistics(Workbench& bench) {
   TabComputation c;
   c.StoreInputs = [&bench] {
     StatisticsSelection selection = SelectionOf(bench);
-    return CheckStatisticsSelection(static_cast<std::int32_t>(bench.Selection(tab::Statistics).size()), selection);
+    return CheckStatisticsSelection(bench.Session(), static_cast<std::int32_t>(bench.Selection(tab::Statistics).size()), selection);
   };
   c.InputKey = [&bench] {
     const StatisticsSelection s = SelectionOf(bench);
     return fmt::format("{}|{}{}{}{}{}{}{}|{}|{}|{}|{}|{}", Joined(bench.Selection(tab::Statistics)),
                        Bits(s.ProfileBands), s.ProfileBandsHeader, Bits(s.ProfileMeasures), Bits(s.IriBands),
                        s.IriBandsHeader, Bits(s.IriMeasures), Bits(s.IriLengths), fmt::join(s.ProfileOrder, ","),
-                       fmt::join(s.IriOrder, ","), IriParamsKey(CurrentConditions().Iri),
+                       fmt::join(s.IriOrder, ","), IriParamsKey(bench.Session().CurrentConditions.Iri),
                        bench.Iri.SkipPartialSections, bench.Octave.Converge);
   };
   c.ComputeRows = [&bench](const std::vector<ProfileRecord*>&) {
     const std::vector<std::int32_t> rows = Rows(bench, tab::Statistics);
+    const FilterConvergence limits = ReadFilterConvergence(bench.Session().Paths);
     // The band series come from the octave tab's split, made here when it is missing or stale.
     for (std::int32_t row : rows)
-      if (!DecomposeProfile(bench.Profile(row), bench.Octave.Converge)) return false;
+      if (!DecomposeProfile(bench.Session(), bench.Profile(row), bench.Octave.Converge, limits)) return false;
     StatisticsRequest request;
-    request.Iri = CurrentConditions().Iri;
+    request.Iri = bench.Session().CurrentConditions.Iri;
     request.SkipPartialSections = bench.Iri.SkipPartialSections;
     request.ConvergentOctaves = bench.Octave.Converge;
-    Ui().ProgressStart("統計値計算", std::string(kPleaseWait));
+    request.Limits = limits;
+    ProgressScope display(bench.Session().Ui(), "統計値計算", std::string(kPleaseWait));
     StatisticsResults& results = bench.Evaluation.Statistics.Results;
     results = {};  // a failed run leaves no pages of an earlier one
-    const bool ok = RunStatisticsOnSplit(bench.List(), rows, SelectionOf(bench), request, results);
-    Ui().ProgressValue(100);
-    Ui().ProgressExit();
+    const bool ok = RunStatisticsOnSplit(bench.Session(), bench.List(), rows, SelectionOf(bench), request, results);
+    ReportProgress(bench.Session().Ui(), 100);
     return ok;
   };
   bench.SetComputation(tab::Statistics, std::move(c));
@@ -83,20 +85,20 @@ void InstallVerification(Workbench& bench) {
     CorrelationOptions options = bench.Evaluation.Verification.Options;
     CorrelationSelection selection;
     const std::vector<std::int32_t> rows = Rows(bench, tab::Verification);
-    return CheckCorrelationOptions(bench.List(), rows, options, selection);
+    return CheckCorrelationOptions(bench.Session(), bench.List(), rows, options, selection);
   };
   c.InputKey = [&bench] {
     const CorrelationOptions& o = bench.Evaluation.Verification.Options;
     return fmt::format("{}|{}|{}|{}|{}|{}|{}|{}|{}|{}|{}|{}", Joined(bench.Selection(tab::Verification)),
                        o.MaxShiftMode, o.MaxShiftText, o.Measure, o.FilterMode, o.TableLayout, o.Alignment,
-                       o.ShowIri, o.ShowPsd, IriParamsKey(CurrentConditions().Iri), bench.Psd.WindowKind,
+                       o.ShowIri, o.ShowPsd, IriParamsKey(bench.Session().CurrentConditions.Iri), bench.Psd.WindowKind,
                        bench.Psd.MirrorFill);
   };
   c.ComputeRows = [&bench](const std::vector<ProfileRecord*>&) {
     CorrelationResults& results = bench.Evaluation.Verification.Results;
     results = {};
-    return RunCrossCorrelation(bench.List(), Rows(bench, tab::Verification), bench.Evaluation.Verification.Options,
-                               CurrentConditions().Iri, results, false, PsdOptionsOf(bench));
+    return RunCrossCorrelation(bench.Session(), bench.List(), Rows(bench, tab::Verification), bench.Evaluation.Verification.Options,
+                               bench.Session().CurrentConditions.Iri, results, false, PsdOptionsOf(bench));
   };
   bench.SetComputation(tab::Verification, std::move(c));
 }
@@ -111,17 +113,17 @@ void InstallEvaluation(Workbench& bench) {
 bool SaveStatisticsTab(Workbench& bench) {
   const std::vector<int>& rows = bench.Selection(tab::Statistics);
   const std::string first = rows.empty() ? std::string() : ProfileList::NameOf(bench.Profile(rows.front()));
-  return SaveStatistics(bench.Evaluation.Statistics.Results, first, FileExportPattern("統計値"));
+  return SaveStatistics(bench.Session(), bench.Evaluation.Statistics.Results, first, FileExportPattern(bench.Session(), "統計値"));
 }
 
 bool SaveVerificationTab(Workbench& bench) {
   const VerificationTab& tab = bench.Evaluation.Verification;
-  return SaveCrossCorrelation(bench.List(), Rows(bench, tab::Verification), tab.Results, CurrentConditions().Iri,
-                              FileExportPattern("相互相関"), PsdOptionsOf(bench));
+  return SaveCrossCorrelation(bench.Session(), bench.List(), Rows(bench, tab::Verification), tab.Results, bench.Session().CurrentConditions.Iri,
+                              FileExportPattern(bench.Session(), "相互相関"), PsdOptionsOf(bench));
 }
 
 std::vector<std::string> RegisterShiftedProfilesTab(Workbench& bench) {
-  return RegisterShiftedProfiles(bench.List(), bench.Evaluation.Verification.Results,
+  return RegisterShiftedProfiles(bench.Session(), bench.List(), bench.Evaluation.Verification.Results,
                                  [&bench](const std::vector<std::string>& paths) {
                                    return bench.RegisterFiles(paths, true);
                                  });

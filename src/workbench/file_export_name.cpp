@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "workbench/file_export_name.h"
 
 #include "base/common.h"
@@ -14,8 +15,8 @@ std::string FileExportName(std::string_view pattern, std::string_view builtIn, s
   return name;
 }
 
-std::string FileExportPattern(std::string_view section) {
-  return GetIniValue(GeneralIniPath(), section, "FileExportName");
+std::string FileExportPattern(Session& session, std::string_view section) {
+  return GetIniValue(session, GeneralIniPath(session.Paths), section, "FileExportName");
 }
 
 }  // namespace velmora::workbench

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/session.h"
+
 namespace velmora::workbench {
 
 struct NameMacro {
@@ -23,6 +25,6 @@ std::string FileExportName(std::string_view pattern, std::string_view builtIn, s
                            const std::vector<NameMacro>& kindMacros, const std::tm& now);
 
 // The value of "FileExportName" in `section` of TOLVAVERI.ini (empty when the key or file is absent).
-std::string FileExportPattern(std::string_view section);
+std::string FileExportPattern(Session& session, std::string_view section);
 
 }  // namespace velmora::workbench

@@ -27,19 +27,19 @@ bool IsOneColumn(ExportKind kind) {
 }
 
 // The checks that stop an export before the dialog, with their warnings.
-bool Checked(const ExportRequest& request) {
+bool Checked(Session& session, const ExportRequest& request) {
   if (request.Kind == ExportKind::OctaveBand && request.Options.Octaves.empty()) {
-    Ui().Inform("バンド別表示が１個も指定されていません。\r\nファイル出力を中止します。", "警告");
+    session.Ui().Inform("バンド別表示が１個も指定されていません。\r\nファイル出力を中止します。", "警告");
     return false;
   }
   if (request.Kind == ExportKind::BandOne && request.Options.Octaves.empty()) {
-    Ui().Inform("バンド別低減ライン値が１個も指定されていません。\r\nファイル出力を中止します。", "警告");
+    session.Ui().Inform("バンド別低減ライン値が１個も指定されていません。\r\nファイル出力を中止します。", "警告");
     return false;
   }
   const bool smoothing = request.Kind == ExportKind::PsdSmoothed ||
                          (request.Kind == ExportKind::PsdRatio && request.Options.Smoothed);
   if (smoothing && request.Options.BandsPerOctave < 1) {
-    Ui().Inform("BandsPerOctave値はゼロより大きく指定してください。", "警告");
+    session.Ui().Inform("BandsPerOctave値はゼロより大きく指定してください。", "警告");
     return false;
   }
   if (request.Erd && !IsOneColumn(request.Kind))
@@ -50,9 +50,10 @@ bool Checked(const ExportRequest& request) {
 // The folder from the save dialog, remembered under "CommonDialogPath"; empty when cancelled.
 class Writer {
  public:
-  Writer(const ExportRequest& request, const std::tm& now, std::string folder, ExportOutcome& outcome)
+  Writer(Session& session, const ExportRequest& request, const std::tm& now, std::string folder,
+         ExportOutcome& outcome)
       : request_(request), now_(now), folder_(std::move(folder)), outcome_(outcome),
-        pattern_(FileExportPattern(ExportSection(request.Kind))) {}
+        pattern_(FileExportPattern(session, ExportSection(request.Kind))) {}
 
   std::string Name(const std::string& profileName, std::vector<NameMacro> macros) const {
     macros.push_back({"$(出力種別)$", ExportKindWord(request_.Kind)});
@@ -96,11 +97,11 @@ void WriteAll(Workbench& bench, const ExportRequest& request, const std::vector<
     const ProfileRecord& base = *profiles.front();
     for (std::size_t i = 1; i < profiles.size(); ++i) {
       const std::string pair = ProfileList::NameOf(base) + "_vs_" + ProfileList::NameOf(*profiles[i]);
-      writer.Csv(writer.Name(pair, {}), PsdRatioLines(base, *profiles[i], request.Options));
+      writer.Csv(writer.Name(pair, {}), PsdRatioLines(bench.Session(), base, *profiles[i], request.Options));
     }
     return;
   }
-  const double evalLength = CurrentConditions().Iri.IriBaseLength;
+  const double evalLength = bench.Session().CurrentConditions.Iri.IriBaseLength;
   for (ProfileRecord* record : profiles) {
     const std::string name = ProfileList::NameOf(*record);
     switch (kind) {
@@ -136,7 +137,7 @@ void WriteAll(Workbench& bench, const ExportRequest& request, const std::vector<
           writer.Csv(writer.Name(name, {}), PointKindLines(kind, *record, axis));
         break;
       case ExportKind::PsdRaw: writer.Csv(writer.Name(name, {}), PsdRawLines(*record)); break;
-      case ExportKind::PsdSmoothed: writer.Csv(writer.Name(name, {}), PsdSmoothedLines(*record, request.Options)); break;
+      case ExportKind::PsdSmoothed: writer.Csv(writer.Name(name, {}), PsdSmoothedLines(bench.Session(), *record, request.Options)); break;
       case ExportKind::IriContinuous:
         writer.Csv(writer.Name(name, {{"$(IRI種別)$", IriKindWord(kind, evalLength, 0)}}),
                    IriContinuousLines(*record, axis, evalLength, request.Options.WithBands));
@@ -154,47 +155,47 @@ void WriteAll(Workbench& bench, const ExportRequest& request, const std::vector<
 
 ExportOutcome MakeResultFiles(Workbench& bench, const ExportRequest& request, const std::tm& now) {
   ExportOutcome outcome;
-  Guarded("frmTop", "cmdMakeErd_Click", [&] {
-    if (!Checked(request)) return;
+  Guarded(bench.Session(), "frmTop", "cmdMakeErd_Click", [&] {
+    if (!Checked(bench.Session(), request)) return;
     std::vector<ProfileRecord*> profiles;
     for (int row : bench.Selection(request.Tab))
       if (HasResult(request.Kind, bench.Profile(row))) profiles.push_back(&bench.Profile(row));
     const std::size_t needed = request.Kind == ExportKind::PsdRatio ? 2 : 1;
     if (profiles.size() < needed) {
-      Ui().Inform("該当する件数がありません。", "案内", MsgIcon::Information);
+      bench.Session().Ui().Inform("該当する件数がありません。", "案内", MsgIcon::Information);
       return;
     }
     // CSV出力プロファイル数制限: a CSV export takes at most this many profiles (0: no limit).
-    const std::int32_t limit = Settings().CsvProfileLimit;
+    const std::int32_t limit = bench.Session().Settings.CsvProfileLimit;
     if (!request.Erd && limit > 0 && profiles.size() > static_cast<std::size_t>(limit)) {
-      Ui().Inform(fmt::format("CSV出力は {} プロファイルまでです。\r\n先頭の {} プロファイルを出力します。", limit, limit),
+      bench.Session().Ui().Inform(fmt::format("CSV出力は {} プロファイルまでです。\r\n先頭の {} プロファイルを出力します。", limit, limit),
                   "確認", MsgIcon::Information);
       profiles.resize(static_cast<std::size_t>(limit));
     }
-    const std::string folder = AskExportFolder(request.Erd, IsPsd(request.Kind));
+    const std::string folder = AskExportFolder(bench.Session(), request.Erd, IsPsd(request.Kind));
     if (folder.empty()) return;
     outcome.Folder = folder;
-    Writer writer(request, now, folder, outcome);
+    Writer writer(bench.Session(), request, now, folder, outcome);
     WriteAll(bench, request, profiles, writer);
     const std::string done = IsPsd(request.Kind) ? "CSVファイルを保存しました。 "
                              : request.Erd       ? "ERD形式で以下のフォルダに保存しました。 "
                                                  : "CSV形式で以下のフォルダに保存しました。 ";
-    Ui().Inform(done + "\r\n保存先：" + folder, "データ保存", MsgIcon::Information);
+    bench.Session().Ui().Inform(done + "\r\n保存先：" + folder, "データ保存", MsgIcon::Information);
   });
   return outcome;
 }
 
-std::string AskExportFolder(bool erd, bool psd) {
+std::string AskExportFolder(Session& session, bool erd, bool psd) {
   FileDialogRequest dialog;
   dialog.Title = erd ? "ERDファイル保存" : "CSVファイル保存";
   dialog.Filter = psd ? "データファイル (*.CSV)|*.CSV|すべてのファイル (*.*)|*.*" : "データファイル (*.Dummy)|*.Dummy|";
-  dialog.InitialDirectory = GetPrevValue("CommonDialogPath", dialog.Title);
+  dialog.InitialDirectory = GetPrevValue(session, "CommonDialogPath", dialog.Title);
   dialog.DefaultName = "フォルダ名の取得に使用され、ファイル名は無視されます";
-  const std::string answer = Ui().SaveFile(dialog);
+  const std::string answer = session.Ui().SaveFile(dialog);
   if (answer.empty()) return {};
   std::string folder = std::filesystem::path(answer).parent_path().string();
   if (folder.empty()) folder = ".";
-  SetPrevValue("CommonDialogPath", dialog.Title, folder);
+  SetPrevValue(session, "CommonDialogPath", dialog.Title, folder);
   return folder;
 }
 

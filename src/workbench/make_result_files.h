@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "workbench/workbench.h"
 #include "report/result_export.h"
 
@@ -24,12 +25,12 @@ struct ExportOutcome {
   std::vector<std::string> Files;
 };
 
-// The export with the time `now` in names. Messages and the dialog go through Ui(); failures are
+// The export with the time `now` in names. Messages and the dialog go through session.Ui(); failures are
 // logged under "cmdMakeErd_Click" and files already written stay.
 ExportOutcome MakeResultFiles(Workbench& bench, const ExportRequest& request, const std::tm& now);
 
 // The save dialog of the exports, which only asks for a folder: its answer's folder, remembered under
 // "CommonDialogPath" by the dialog's title; empty when cancelled. PSD files offer "*.CSV".
-std::string AskExportFolder(bool erd, bool psd);
+std::string AskExportFolder(Session& session, bool erd, bool psd);
 
 }  // namespace velmora::workbench

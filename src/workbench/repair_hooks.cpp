@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "base/common.h"
+#include "base/session.h"
 #include "workbench/file_export_name.h"
 #include "workbench/repair_register.h"
 #include "report/repair_export.h"
@@ -75,7 +76,7 @@ void ActOnStudyReset(Workbench& bench) {
   bench.LoadingProfile = loading;
 }
 
-using Driver = bool (*)(StudyRun&);
+using Driver = bool (*)(Session&, StudyRun&);
 
 bool RunDriver(Workbench& bench, int tab, Driver driver, const std::vector<ProfileRecord*>& records) {
   RepairTabInputs& in = bench.Repair;
@@ -86,7 +87,7 @@ bool RunDriver(Workbench& bench, int tab, Driver driver, const std::vector<Profi
   StudyRun run{std::span<ProfileRecord>(first, static_cast<std::size_t>(count)), rows, in.Form, &in.Stored,
                in.UsePlanRange};
   const ThreeWaveParams before = in.Stored;
-  const bool ok = driver(run);
+  const bool ok = driver(bench.Session(), run);
   ++in.Revision[Slot(tab)];
   // Every driver splits first; a change of the stored values means the split cleared all study data.
   in.LastRunReset = !(before == in.Stored);
@@ -101,7 +102,7 @@ bool RunDriver(Workbench& bench, int tab, Driver driver, const std::vector<Profi
   return ok;
 }
 
-bool ThreeWaveDriver(StudyRun& run) { return cmdGo_3波長分解(run); }
+bool ThreeWaveDriver(Session& session, StudyRun& run) { return cmdGo_3波長分解(session, run); }
 
 // The ideal shape takes each profile's chosen study (its M' once rebuilt from the adjusted points):
 // another choice or a rebuild is a new input.
@@ -123,7 +124,7 @@ void InstallStudyTab(Workbench& bench, int tab, Driver driver, std::vector<int> 
   TabComputation c;
   c.StoreInputs = [&bench] {
     ThreeWaveParams params;
-    return getParam_補修形状検討_3波分解(bench.Repair.Form, params);
+    return getParam_補修形状検討_3波分解(bench.Session(), bench.Repair.Form, params);
   };
   c.InputKey = [&bench, tab, inputsFrom] {
     std::string key = FormKey(bench.Repair);
@@ -160,17 +161,17 @@ RegisteredWaves RegisterStudyWaves(Workbench& bench, const WaveChoice& waves, bo
   if (count == 0) return result;
   RepairTabInputs& in = bench.Repair;
   std::span<ProfileRecord> profiles(&bench.Profile(1), static_cast<std::size_t>(count));
-  const std::string pattern = FileExportPattern(kRepairExportSection);
+  const std::string pattern = FileExportPattern(bench.Session(), kRepairExportSection);
   ProfileList registered;
   if (waves.Long || waves.Middle || waves.Short) {
     const std::vector<std::int32_t> rows(bench.Selection(tab::ThreeWave).begin(), bench.Selection(tab::ThreeWave).end());
     StudyRun run{profiles, rows, in.Form, &in.Stored, in.UsePlanRange};
-    result.Ok = cmdProfile登録_3波分解(run, registered, waves, pattern);
+    result.Ok = cmdProfile登録_3波分解(bench.Session(), run, registered, waves, pattern);
   }
   if (idealShape) {
     const std::vector<std::int32_t> rows(bench.Selection(tab::IdealShape).begin(), bench.Selection(tab::IdealShape).end());
     StudyRun run{profiles, rows, in.Form, &in.Stored, in.UsePlanRange};
-    result.Ok = cmdProfile登録_理想形状(run, registered, pattern) && result.Ok;
+    result.Ok = cmdProfile登録_理想形状(bench.Session(), run, registered, pattern) && result.Ok;
   }
   for (ProfileRecord& record : registered.Items) {
     result.FileNames.push_back(record.FileName);

@@ -16,10 +16,10 @@
 namespace velmora::workbench {
 namespace {
 
-void WriteOne(const RepairExportRequest& request, const ProfileRecord& record, const std::string& path,
+void WriteOne(Session& session, const RepairExportRequest& request, const ProfileRecord& record, const std::string& path,
               const PositionAxis& axis, const IriParams& iri) {
   if (!request.Erd) {
-    WriteSystemTextFile(path, RepairKindLines(request.Kind, record, axis, iri));
+    WriteSystemTextFile(path, RepairKindLines(session, request.Kind, record, axis, iri));
     return;
   }
   ErdRecord erd = record.Erd;
@@ -33,31 +33,31 @@ void WriteOne(const RepairExportRequest& request, const ProfileRecord& record, c
 
 ExportOutcome MakeRepairResultFiles(Workbench& bench, const RepairExportRequest& request, const std::tm& now) {
   ExportOutcome outcome;
-  Guarded("frmTop", "cmdMakeErd_Click", [&] {
+  Guarded(bench.Session(), "frmTop", "cmdMakeErd_Click", [&] {
     if (request.Erd && !IsRepairErdKind(request.Kind))
       throw LegacyError(ErrorNumber::InvalidData, "ERD形式で出力できない種別です: " + RepairKindWord(request.Kind));
     std::vector<const ProfileRecord*> profiles;
     for (int row : bench.Selection(request.Tab))
       if (HasRepairResult(request.Kind, bench.Profile(row))) profiles.push_back(&bench.Profile(row));
     if (profiles.empty()) {
-      Ui().Inform("該当する件数がありません。", "案内", MsgIcon::Information);
+      bench.Session().Ui().Inform("該当する件数がありません。", "案内", MsgIcon::Information);
       return;
     }
-    const std::string folder = AskExportFolder(request.Erd, false);
+    const std::string folder = AskExportFolder(bench.Session(), request.Erd, false);
     if (folder.empty()) return;
     outcome.Folder = folder;
-    const std::string pattern = FileExportPattern(kRepairExportSection);
-    const IriParams iri = StudyIriParams(bench.Repair.Stored.IriLength);
+    const std::string pattern = FileExportPattern(bench.Session(), kRepairExportSection);
+    const IriParams iri = StudyIriParams(bench.Session(), bench.Repair.Stored.IriLength);
     for (const ProfileRecord* record : profiles) {
       const std::string name = FileExportName(pattern, BuiltInRepairPattern(request.Kind), ProfileList::NameOf(*record),
                                               {{"$(出力種別)$", RepairKindWord(request.Kind)}}, now);
       const std::string path = flAddDirSep(folder) + name + (request.Erd ? ".ERD" : ".CSV");
-      WriteOne(request, *record, path, bench.Axis, iri);
+      WriteOne(bench.Session(), request, *record, path, bench.Axis, iri);
       outcome.Files.push_back(path);
     }
     const std::string done =
         request.Erd ? "ERD形式で以下のフォルダに保存しました。 " : "CSV形式で以下のフォルダに保存しました。 ";
-    Ui().Inform(done + "\r\n保存先：" + folder, "データ保存", MsgIcon::Information);
+    bench.Session().Ui().Inform(done + "\r\n保存先：" + folder, "データ保存", MsgIcon::Information);
   });
   return outcome;
 }

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "base/error_log.h"
+#include "base/progress.h"
 #include "base/path_helpers.h"
 #include <fmt/format.h>
 
@@ -28,7 +29,7 @@ std::string HandlerName(int tab) {
 
 }  // namespace
 
-Workbench::Workbench() {
+Workbench::Workbench(velmora::Session& session) : session_(session) {
   TabDirty.fill(true);
   InstallAnalyses(*this);
 }
@@ -42,14 +43,14 @@ bool Workbench::RegisterFiles(const std::vector<std::string>& paths, bool ask) {
     if (hit > 0 && static_cast<std::size_t>(hit) <= resultKeys_.size())
       resultKeys_[static_cast<std::size_t>(hit - 1)].fill(std::string());
   }
-  const bool ok = AddProfileList(list_, paths, ask);
+  const bool ok = AddProfileList(session_, list_, paths, ask);
   KeepKeysInStep();
   MarkAllDirty();
   return ok;
 }
 
 bool Workbench::RegisterToolOutputs(const std::vector<ToolOutput>& outputs) {
-  return velmora::RegisterToolOutputs(outputs, [this](const std::vector<std::string>& paths) {
+  return velmora::RegisterToolOutputs(session_, outputs, [this](const std::vector<std::string>& paths) {
     return RegisterFiles(paths, true);
   });
 }
@@ -59,8 +60,8 @@ void Workbench::AddProfile(ProfileRecord record) {
   for (auto& view : list_.Views) {
     view.Rows.push_back(name);
     view.Panels.push_back(RowColour(static_cast<std::int32_t>(view.Rows.size()),
-                                    view.Palette == ListPalette::Profile ? Settings().PaletteProfile
-                                                                         : Settings().PaletteRepair));
+                                    view.Palette == ListPalette::Profile ? session_.Settings.PaletteProfile
+                                                                         : session_.Settings.PaletteRepair));
   }
   list_.Items.resize(list_.Count() + 1);
   list_.Items[list_.Count()] = std::move(record);
@@ -111,7 +112,7 @@ void Workbench::FormReset() {
   Repair.MWaveChoices.clear();
   Repair.OutputEnabled.fill(false);
   Repair.LastRunReset = false;
-  Repair.Stored = ThreeWaveParamsFromConditions(CurrentConditions());
+  Repair.Stored = ThreeWaveParamsFromConditions(session_.CurrentConditions);
   TabDirty.fill(true);
   PreviousTab = CurrentTab;
   CurrentTab = tab::Profile;
@@ -122,7 +123,7 @@ void Workbench::FormReset() {
 }
 
 void Workbench::InputsFromConditions() {
-  const CalcConditions& conditions = CurrentConditions();
+  const CalcConditions& conditions = session_.CurrentConditions;
   Filter.LongCut = std::to_string(conditions.FilterLong);
   Filter.ShortCut = std::to_string(conditions.FilterShort);
   Iri.EvalLength = fmt::format("{}", conditions.Iri.IriBaseLength);
@@ -170,11 +171,13 @@ void Workbench::TabClick(int newTab) {
   if (info.OnEntry == EntryAction::AlwaysRefill) RefillReportRows();
 }
 
-bool Workbench::Go(int tab) {
-  if (LoadingProfile || list_.Count() == 0) return false;
+bool Workbench::Go(int tab) { return RunGo(tab) == GoOutcome::Completed; }
+
+GoOutcome Workbench::RunGo(int tab) {
+  if (LoadingProfile || list_.Count() == 0) return GoOutcome::Failed;
   const TabComputation& computation = computations_[At(tab)];
-  if (computation.StoreInputs && !computation.StoreInputs()) return false;
-  return Redraw(tab, true);
+  if (computation.StoreInputs && !computation.StoreInputs()) return GoOutcome::Failed;
+  return RedrawOutcome(tab, true);
 }
 
 bool Workbench::ListClick(int tab, std::vector<int> rows) {
@@ -189,7 +192,25 @@ bool Workbench::ListClick(int tab, std::vector<int> rows) {
 }
 
 bool Workbench::Redraw(int tab, bool alwaysShowProgress) {
+  return RedrawOutcome(tab, alwaysShowProgress) == GoOutcome::Completed;
+}
+
+Workbench::WorkState Workbench::SaveWorkState() const {
+  return {list_, resultKeys_, Evaluation, Repair, session_.CurrentConditions};
+}
+
+void Workbench::RestoreWorkState(WorkState&& state) {
+  list_ = std::move(state.List);
+  resultKeys_ = std::move(state.ResultKeys);
+  Evaluation = std::move(state.Evaluation);
+  Repair = std::move(state.Repair);
+  session_.CurrentConditions = std::move(state.Conditions);
+}
+
+GoOutcome Workbench::RedrawOutcome(int tab, bool alwaysShowProgress) {
   bool progressShown = false;
+  // What a computation may change, kept until it ends, so that a stop asked for leaves no trace.
+  std::optional<WorkState> before;
   try {
     const TabComputation& computation = computations_[At(tab)];
     if (computation.Compute || computation.ComputeRows) {
@@ -203,6 +224,7 @@ bool Workbench::Redraw(int tab, bool alwaysShowProgress) {
       std::vector<int> stale;
       for (int row : rows)
         if (resultKeys_[static_cast<std::size_t>(row - 1)][At(tab)] != key) stale.push_back(row);
+      if (!stale.empty()) before = SaveWorkState();
       // A failure leaves no claim of validity behind.
       for (int row : stale) resultKeys_[static_cast<std::size_t>(row - 1)][At(tab)].clear();
       if (computation.ComputeRows) {
@@ -210,26 +232,27 @@ bool Workbench::Redraw(int tab, bool alwaysShowProgress) {
           std::vector<ProfileRecord*> records;
           for (int row : stale) records.push_back(&list_.Items[row]);
           ++computeCount_[At(tab)];
-          if (!computation.ComputeRows(records)) return false;
+          if (!computation.ComputeRows(records)) return GoOutcome::Failed;
         }
       } else {
         if (alwaysShowProgress || !stale.empty()) {
-          Ui().ProgressStart(computation.ProgressTitle, computation.ProgressMessage);
+          session_.Ui().ProgressStart(computation.ProgressTitle, computation.ProgressMessage);
           progressShown = true;
         }
         for (std::size_t s = 0; s < stale.size(); ++s) {
-          Ui().ProgressValue(static_cast<int>(s * 100 / stale.size()));
+          ReportProgress(session_.Ui(), static_cast<int>(s * 100 / stale.size()));
           ++computeCount_[At(tab)];
           if (!computation.Compute(list_.Items[stale[s]])) {
-            Ui().ProgressExit();
-            return false;
+            session_.Ui().ProgressExit();
+            return GoOutcome::Failed;
           }
           resultKeys_[static_cast<std::size_t>(stale[s] - 1)][At(tab)] = key;
         }
         if (progressShown) {
-          Ui().ProgressValue(100);
-          Ui().ProgressExit();
+          const bool goOn = session_.Ui().ProgressValue(100);
+          session_.Ui().ProgressExit();
           progressShown = false;
+          if (!goOn) throw Cancelled();
         }
       }
       for (int row : stale) resultKeys_[static_cast<std::size_t>(row - 1)][At(tab)] = key;
@@ -238,11 +261,15 @@ bool Workbench::Redraw(int tab, bool alwaysShowProgress) {
     }
     DrawTab(tab);
     TabDirty[At(tab)] = false;
-    return true;
+    return GoOutcome::Completed;
+  } catch (const Cancelled&) {
+    if (progressShown) session_.Ui().ProgressExit();
+    if (before) RestoreWorkState(std::move(*before));
+    return GoOutcome::Cancelled;
   } catch (const std::exception& error) {
-    if (progressShown) Ui().ProgressExit();
-    ErrorLog(kModule, HandlerName(tab), error);
-    return false;
+    if (progressShown) session_.Ui().ProgressExit();
+    ErrorLog(session_, kModule, HandlerName(tab), error);
+    return GoOutcome::Failed;
   }
 }
 
@@ -320,7 +347,7 @@ void Workbench::MnuAbout() {
 ProjectSnapshot Workbench::CurrentSnapshot() const {
   ProjectSnapshot snapshot;
   for (const auto& profile : list_.Items) snapshot.ProfileNames.push_back(profile.FileName);
-  snapshot.Conditions = CurrentConditions();
+  snapshot.Conditions = session_.CurrentConditions;
   return snapshot;
 }
 

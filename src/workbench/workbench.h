@@ -4,9 +4,11 @@
 // operations; the computations are the analyses' own, reached through one TabComputation per tab.
 #include <array>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "base/settings.h"
 #include "workbench/evaluation_tabs.h"
 #include "workbench/repair_inputs.h"
@@ -20,6 +22,9 @@
 namespace velmora::workbench {
 
 enum class WorkMode { ProfileAnalysis, RepairStudy };
+// How a Go ended. Cancelled: the progress display asked to stop, and the profiles, their results and
+// the conditions are as they were before the Go.
+enum class GoOutcome { Completed, Failed, Cancelled };
 inline constexpr std::string_view kCaptionAnalysis = "●プロファイル分析　○補修形状検討";
 inline constexpr std::string_view kCaptionRepair = "○プロファイル分析　●補修形状検討";
 inline constexpr std::string_view kTitleNew = " velmora : [ 新規作成 ]";
@@ -62,7 +67,9 @@ struct WorkbenchHooks {
 
 class Workbench {
  public:
-  Workbench();
+  // The session holds the settings, conditions, folders and interaction the workbench works with; it
+  // outlives the workbench.
+  explicit Workbench(velmora::Session& session);
   // The installed computations refer to this object: it stays where it was made.
   Workbench(const Workbench&) = delete;
   Workbench& operator=(const Workbench&) = delete;
@@ -99,6 +106,8 @@ class Workbench {
 
   WorkbenchHooks Hooks;
 
+  velmora::Session& Session() const { return session_; }
+
   // ---- profiles: row i (from 1) of every tab's list is item i of the list ----
   const ProfileList& List() const { return list_; }
   int ProfileCount() const { return list_.Count(); }
@@ -122,6 +131,7 @@ class Workbench {
   std::string ModeCaption() const;
   void TabClick(int newTab);           // SSTab1 click
   bool Go(int tab);                    // the Go button of a tab; true when it ran to the end
+  GoOutcome RunGo(int tab);            // the same, telling a stop from a failure
   bool ListClick(int tab, std::vector<int> rows);  // a click in a tab's list: redraw from results
   void ProfileEdited(int row);         // an edit of WorkProfile, StepSize or KP data
   void ClearPositionBoxes(ErdRecord& erd);          // cmd位置情報クリア
@@ -146,7 +156,19 @@ class Workbench {
   int ComputeCount(int tab) const { return computeCount_.at(static_cast<std::size_t>(tab)); }
 
  private:
+  // Everything a computation writes, for putting back after a stop.
+  struct WorkState {
+    ProfileList List;
+    std::vector<std::array<std::string, kTabCount>> ResultKeys;
+    EvaluationTabs Evaluation;
+    RepairTabInputs Repair;
+    CalcConditions Conditions;
+  };
+  WorkState SaveWorkState() const;
+  void RestoreWorkState(WorkState&& state);
+
   bool Redraw(int tab, bool alwaysShowProgress);
+  GoOutcome RedrawOutcome(int tab, bool alwaysShowProgress);
   void RunComputation(int tab, bool alwaysShowProgress);
   void DrawTab(int tab);
   void UpdatePsdLegend();
@@ -156,6 +178,7 @@ class Workbench {
 
   void KeepKeysInStep();
 
+  velmora::Session& session_;
   ProfileList list_;
   std::vector<std::array<std::string, kTabCount>> resultKeys_;  // per item (from 0): key of its results
   std::array<std::vector<int>, kTabCount> selection_;

@@ -12,6 +12,7 @@
 #include "base/common.h"
 #include "base/settings.h"
 #include "support/expect_values.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -89,7 +90,9 @@ OctaveBandSet BandsOf(const std::vector<std::vector<double>>& waves) {
   return set;
 }
 
-TEST(BandReduction, LimitsFromLineTexts) {
+class BandReduction : public testing::SessionTest {};
+
+TEST_F(BandReduction, LimitsFromLineTexts) {
   EXPECT_EQ(BandLimitFromText(" 2.5 "), 2.5);
   EXPECT_EQ(BandLimitFromText(""), NoLimit);
   EXPECT_EQ(BandLimitFromText("abc"), NoLimit);
@@ -106,8 +109,8 @@ TEST(BandReduction, LimitsFromLineTexts) {
   EXPECT_EQ(stored[9], 0.5);
 }
 
-TEST(BandReduction, ReducesEachBandAndSumsAllNine) {
-  testing::ScriptedUi ui;
+TEST_F(BandReduction, ReducesEachBandAndSumsAllNine) {
+  testing::ScriptedUi ui(session);
   std::vector<std::vector<double>> waves(9, std::vector<double>{0, 0, 0, 0});
   waves[0] = {10, 10, 10, 10};  // octave 1, no line: kept
   waves[2] = {1, 4, -2, -1};    // octave 3, line 2: (1, 4) × 1/2, (−2, −1) kept
@@ -117,7 +120,7 @@ TEST(BandReduction, ReducesEachBandAndSumsAllNine) {
   texts[3] = "2";
   texts[9] = " 1.5";
   BandReductionResult result;
-  ASSERT_TRUE(Cal_バンド別低減(BandLimitsFromTexts(texts), 4, bands, result));
+  ASSERT_TRUE(Cal_バンド別低減(session, BandLimitsFromTexts(texts), 4, bands, result));
   const std::vector<double> third = {0.5, 2, -2, -1}, ninth = {-1.5, 1.5, 1.5, -1.5};
   for (int i = 1; i <= 4; ++i) {
     EXPECT_EQ(result.Reduced[1].Values[i], 10.0);
@@ -131,8 +134,8 @@ TEST(BandReduction, ReducesEachBandAndSumsAllNine) {
   EXPECT_TRUE(result.Total.Calculated);
 }
 
-TEST(BandReduction, RangeKeepsTheReductionOnTheHalfWavesItMeets) {
-  testing::ScriptedUi ui;
+TEST_F(BandReduction, RangeKeepsTheReductionOnTheHalfWavesItMeets) {
+  testing::ScriptedUi ui(session);
   std::vector<std::vector<double>> waves(9, std::vector<double>(6, 0.0));
   waves[4] = {4, 4, -4, -4, 4, 4};  // octave 5, line 1
   const OctaveBandSet bands = BandsOf(waves);
@@ -140,7 +143,7 @@ TEST(BandReduction, RangeKeepsTheReductionOnTheHalfWavesItMeets) {
   limits.fill(NoLimit);
   limits[5] = 1;
   BandReductionResult result;
-  ASSERT_TRUE(Cal_バンド別低減(limits, 6, bands, result, true, 3, 3));
+  ASSERT_TRUE(Cal_バンド別低減(session, limits, 6, bands, result, true, 3, 3));
   const std::vector<double> expected = {4, 4, -1, -1, 4, 4};
   for (int i = 1; i <= 6; ++i) {
     EXPECT_NEAR(result.Reduced[5].Values[i], expected[static_cast<std::size_t>(i - 1)], 1e-12);
@@ -148,23 +151,23 @@ TEST(BandReduction, RangeKeepsTheReductionOnTheHalfWavesItMeets) {
   }
 }
 
-TEST(BandReduction, BadRangeIsLoggedAndLeavesTheResult) {
+TEST_F(BandReduction, BadRangeIsLoggedAndLeavesTheResult) {
   testing::TempDir dir;
-  const AppPaths saved = Paths();
-  Paths().TempPath = dir.path().string();
-  testing::ScriptedUi ui;
+  const AppPaths saved = session.Paths;
+  session.Paths.TempPath = dir.path().string();
+  testing::ScriptedUi ui(session);
   const OctaveBandSet bands = BandsOf(std::vector<std::vector<double>>(9, std::vector<double>{1, -1}));
   std::array<double, 10> limits;
   limits.fill(NoLimit);
   BandReductionResult result;
   result.Total.Values = Array1<double>({42});
-  EXPECT_FALSE(Cal_バンド別低減(limits, 2, bands, result, true, 1, 5));
+  EXPECT_FALSE(Cal_バンド別低減(session, limits, 2, bands, result, true, 1, 5));
   EXPECT_EQ(result.Total.Values, Array1<double>({42}));
   ASSERT_EQ(ui.Messages().size(), 1u);
   EXPECT_EQ(ui.Messages()[0].Title, "[ bas計算共通 : Cal_バンド別低減 ]");
   // Bands shorter than the count asked for are refused the same way.
-  EXPECT_FALSE(Cal_バンド別低減(limits, 3, bands, result));
-  Paths() = saved;
+  EXPECT_FALSE(Cal_バンド別低減(session, limits, 3, bands, result));
+  session.Paths = saved;
 }
 
 }  // namespace

@@ -22,7 +22,7 @@
 #include "base/settings.h"
 #include "base/text_encoding.h"
 #include "support/profile_fixture.h"
-#include "support/scratch_paths.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -53,22 +53,22 @@ struct Table {
 struct DebugCase {
   const char* name;
   bool bySwitch;  // the PSD follows the debug switch of the paths, the others DebugLevel
-  std::function<void()> run;
+  std::function<void(Session&)> run;
   std::vector<Table> tables;
 };
 void PrintTo(const DebugCase& c, std::ostream* out) { *out << c.name; }
 
-class DebugTablesTest : public testing::ScratchPathsTest, public ::testing::WithParamInterface<DebugCase> {};
+class DebugTablesTest : public testing::SessionTest, public ::testing::WithParamInterface<DebugCase> {};
 
 TEST_P(DebugTablesTest, WrittenOnlyWhenAskedForWithTheirHeadsAndHandRows) {
   const DebugCase& c = GetParam();
   const auto debug = dir_ / "Debug";
-  c.run();
+  c.run(session);
   EXPECT_FALSE(std::filesystem::exists(debug)) << "debugging off";
 
-  if (c.bySwitch) Paths().DebugSwitch = true;
-  else Settings().DebugLevel = 1;
-  c.run();
+  if (c.bySwitch) session.Paths.DebugSwitch = true;
+  else session.Settings.DebugLevel = 1;
+  c.run(session);
   for (const Table& table : c.tables) {
     SCOPED_TRACE(table.file);
     ASSERT_TRUE(std::filesystem::exists(debug / table.file));
@@ -91,21 +91,21 @@ TEST_P(DebugTablesTest, WrittenOnlyWhenAskedForWithTheirHeadsAndHandRows) {
   }
 }
 
-void Fold() {
+void Fold(Session& session) {
   Array1<double> dest;
   std::int32_t count = 0;
-  MirrorExtend(true, 1, 3, Array1<double>({1, 2, 4}), count, dest);
-  MirrorExtend(false, 1, 3, Array1<double>({1, 2, 4}), count, dest, "観音開きデータ(移動平均フィルター).csv");
+  MirrorExtend(DebugTablesOf(session), true, 1, 3, Array1<double>({1, 2, 4}), count, dest);
+  MirrorExtend(DebugTablesOf(session), false, 1, 3, Array1<double>({1, 2, 4}), count, dest, "観音開きデータ(移動平均フィルター).csv");
 }
 
-void FourierHiPass() {
+void FourierHiPass(Session& session) {
   std::int32_t seq = 0;
   WaveSeries result, other;  // N = 8: lengths 8 and 16
-  Cal_FFTフィルタ_単体処理(seq, 0, 8, 8, 16, 1.0, FilterKind::HiPass, 10, 2, Array1<double>({1, 2, 4, 7, 11, 16, 22, 29}),
+  Cal_FFTフィルタ_単体処理(session, seq, 0, 8, 8, 16, 1.0, FilterKind::HiPass, 10, 2, Array1<double>({1, 2, 4, 7, 11, 16, 22, 29}),
                     result, other);
 }
 
-void IriOfAWave() {
+void IriOfAWave(Session& session) {
   AnalysisBlock block;  // 48 samples at 0.25 m
   block.SamplesPerMetre = 4;
   block.Count = 48;
@@ -114,20 +114,20 @@ void IriOfAWave() {
   StoreWave(block.Profile, wave);
   IriParams params;
   params.InitFilter = 11;
-  CalcIriFilter(block, params);
+  CalcIriFilter(DebugTablesOf(session), block, params);
   params.IriBaseLength = 2.5;
-  CalcIriProfile(block, params, false);
+  CalcIriProfile(DebugTablesOf(session), block, params, false);
 }
 
-void SmoothedPsd() {
+void SmoothedPsd(Session& session) {
   std::int32_t count = 0;
   std::vector<PsdPair> pairs;
-  PsdSmooth(100, Array1<double>(testing::Road(100)), 0.1, kWindowHanning, true, 3, count, pairs);
+  PsdSmooth(session, 100, Array1<double>(testing::Road(100)), 0.1, kWindowHanning, true, 3, count, pairs);
 }
 
-void OctaveSplit() {
+void OctaveSplit(Session& session) {
   ProfileRecord record = testing::MakeProfile("road", 0.1, testing::Road(300));
-  DecomposeProfile(record, false);
+  DecomposeProfile(session, record, false, FilterConvergence{});
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -141,7 +141,7 @@ INSTANTIATE_TEST_SUITE_P(
                    {"観音開きデータ(移動平均フィルター).csv", 6, {{5, "5,2.000000000000000"}}}}},
         // Long cut 2 m at 0.5 m: window 4, mean of sample 2 is 1.75, so 2 − 1.75 passes.
         DebugCase{"MovingAverage", false,
-                  [] { MovingAverageFilter(5, Array1<double>({1, 2, 4, 7, 11}), 0.5, FilterKind::HiPass, 2, 1.5); },
+                  [](Session& session) { MovingAverageFilter(DebugTablesOf(session), 5, Array1<double>({1, 2, 4, 7, 11}), 0.5, FilterKind::HiPass, 2, 1.5); },
                   {{"Filter.csv", 6,
                     {{0, "No, Dist, Profile, Filter[移動平均](HiPass)"}, {2, "2,0.500,2.000000000000000,0.250000000000000"}}},
                    {"観音開きデータ(移動平均フィルター).csv", 0, {}}}},

@@ -15,7 +15,7 @@
 #include "base/text_encoding.h"
 #include "support/expect_values.h"
 #include "support/literal_pass.h"
-#include "support/scratch_paths.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -43,20 +43,20 @@ bool SameBits(const Array1<double>& a, const Array1<double>& b) {
          std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(double)) == 0;
 }
 
-class FftFilterTest : public testing::ScratchPathsTest {
+class FftFilterTest : public testing::SessionTest {
  protected:
   // One pass with the lengths of n samples.
   bool Single(FilterKind kind, double longCut, double shortCut, const Array1<double>& source, double dx,
               WaveSeries& result, WaveSeries& other) {
     const auto n = static_cast<std::int32_t>(source.size());
     std::int32_t seq = 0;
-    return Cal_FFTフィルタ_単体処理(seq, 0, n, FftLength1(n), FftLength2(n), dx, kind, longCut, shortCut, source,
+    return Cal_FFTフィルタ_単体処理(session, seq, 0, n, FftLength1(n), FftLength2(n), dx, kind, longCut, shortCut, source,
                               result, other);
   }
   bool Converge(FilterKind kind, double longCut, double shortCut, const Array1<double>& source, double dx,
                 WaveSeries& result, FilterConvergence limits) {
     const auto n = static_cast<std::int32_t>(source.size());
-    return Cal_FFTフィルタ_収束計算(n, FftLength1(n), FftLength2(n), dx, kind, longCut, shortCut, source, result,
+    return Cal_FFTフィルタ_収束計算(session, n, FftLength1(n), FftLength2(n), dx, kind, longCut, shortCut, source, result,
                               limits);
   }
 };
@@ -203,26 +203,26 @@ TEST_F(FftFilterTest, APassThatRemovesNothingOrBadLengthsEndInTheErrorPath) {
   // Lengths that do not hold the profile are logged under the single pass.
   WaveSeries single, other;
   std::int32_t seq = 0;
-  EXPECT_FALSE(Cal_FFTフィルタ_単体処理(seq, 0, 10, 16, 24, 1.0, FilterKind::HiPass, 5, 0, RandomProfile(10, 1), single, other));
+  EXPECT_FALSE(Cal_FFTフィルタ_単体処理(session, seq, 0, 10, 16, 24, 1.0, FilterKind::HiPass, 5, 0, RandomProfile(10, 1), single, other));
   ASSERT_EQ(ui_.Messages().size(), 2u);
   EXPECT_EQ(ui_.Messages()[1].Title, "[ basFFTFilter : Cal_FFTフィルタ_単体処理 ]");
   EXPECT_FALSE(single.Calculated);
 }
 
 TEST_F(FftFilterTest, ConvergenceLimitsComeFromTheSettingsFile) {
-  Paths().AppPath = dir_.path().string();
+  session.Paths.AppPath = dir_.path().string();
   const auto ini = dir_ / "TOLVAVERI.ini";
-  FilterConvergence limits = ReadFilterConvergence();  // no file: the defaults
+  FilterConvergence limits = ReadFilterConvergence(session.Paths);  // no file: the defaults
   EXPECT_EQ(limits.StdRatio, 1.1);
   EXPECT_EQ(limits.MaxPasses, 10);
 
   WriteSystemTextFile(ini, {"[General]", "DebugLevel=0", "[収束判定値]", "標準偏差比=1.5", "最大収束回数=4"});
-  limits = ReadFilterConvergence();
+  limits = ReadFilterConvergence(session.Paths);
   EXPECT_EQ(limits.StdRatio, 1.5);
   EXPECT_EQ(limits.MaxPasses, 4);
 
   WriteSystemTextFile(ini, {"[収束判定値]", "標準偏差比=", "最大収束回数=many"});
-  limits = ReadFilterConvergence();
+  limits = ReadFilterConvergence(session.Paths);
   EXPECT_EQ(limits.StdRatio, 1.1);
   EXPECT_EQ(limits.MaxPasses, 10);
 }

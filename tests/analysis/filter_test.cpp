@@ -13,7 +13,7 @@
 #include "profile/profile_record.h"
 #include "support/expect_values.h"
 #include "support/error_of.h"
-#include "support/scratch_paths.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -45,30 +45,30 @@ FilterSpec MakeFilter(FilterCalcType type, FilterKind band, double longCut, doub
   return filterSpec;
 }
 
-using FilterTest = testing::ScratchPathsTest;
+using FilterTest = testing::SessionTest;
 
 TEST_F(FilterTest, MovingAverageMatchesHandSumsAndRefusesWindowsItCannotUse) {
   const Array1<double> source = A({1, 2, 4, 7, 11});
   Array1<double> high, mean;
   // Window 3 folds one sample: ext = (0, 1, 2, 4, 7, 11, 15), centred means.
-  MovingAverageSplit(3, 5, source, high, mean);
+  MovingAverageSplit(DebugTables{}, 3, 5, source, high, mean);
   ExpectValues(mean, {1, 7.0 / 3, 13.0 / 3, 22.0 / 3, 11});
   ExpectValues(high, {0, -1.0 / 3, -1.0 / 3, -1.0 / 3, 0});
 
   // Window 4 folds round(1.5) = 2: ext = (−2, 0, 1, 2, 4, 7, 11, 15, 18); each mean covers
   // source(o − 2 .. o + 1), half a sample to the left.
-  MovingAverageSplit(4, 5, source, high, mean);
+  MovingAverageSplit(DebugTables{}, 4, 5, source, high, mean);
   ExpectValues(mean, {0.25, 1.75, 3.5, 6, 9.25});
 
   // Window 2 folds round(0.5) = 0: the sum never reaches the last sample, which stays 0.
-  MovingAverageSplit(2, 5, source, high, mean);
+  MovingAverageSplit(DebugTables{}, 2, 5, source, high, mean);
   ExpectValues(mean, {1.5, 3, 5.5, 9, 0});
   ExpectValues(high, {-0.5, -1, -1.5, -2, 0});
 
   using testing::ErrorOf;
-  EXPECT_EQ(ErrorOf([&] { MovingAverageSplit(0, 5, source, high, mean); }), ErrorNumber::DivisionByZero);
+  EXPECT_EQ(ErrorOf([&] { MovingAverageSplit(DebugTables{}, 0, 5, source, high, mean); }), ErrorNumber::DivisionByZero);
   // A fold of 5 reaches beyond 5 samples.
-  EXPECT_EQ(ErrorOf([&] { MovingAverageSplit(11, 5, source, high, mean); }), ErrorNumber::SubscriptOutOfRange);
+  EXPECT_EQ(ErrorOf([&] { MovingAverageSplit(DebugTables{}, 11, 5, source, high, mean); }), ErrorNumber::SubscriptOutOfRange);
 }
 
 TEST_F(FilterTest, MovingAverageOfARampShowsWhereAnEvenWindowStands) {
@@ -77,7 +77,7 @@ TEST_F(FilterTest, MovingAverageOfARampShowsWhereAnEvenWindowStands) {
   Array1<double> ramp(200);
   for (int i = 1; i <= 200; ++i) ramp[i] = 0.5 * i;
   Array1<double> high, mean;
-  MovingAverageSplit(110, 200, ramp, high, mean);
+  MovingAverageSplit(DebugTables{}, 110, 200, ramp, high, mean);
   for (int o = 1; o <= 199; ++o) ASSERT_NEAR(mean[o], 0.5 * (o + 0.5), 1e-9) << o;
   EXPECT_EQ(mean[200], 0.0);
 }
@@ -87,12 +87,12 @@ TEST_F(FilterTest, MovingAverageKindsCombineTheTwoMeans) {
   // m3 = (1, 7/3, 13/3, 22/3, 11) from the hand sums above. HiPass p − m4, LowPass m3, BandPass
   // m3 − m4, BandCut p − (m3 − m4).
   const Array1<double> p = A({1, 2, 4, 7, 11});
-  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::HiPass, 2, 1.5), {0.75, 0.25, 0.5, 1, 1.75});
-  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::LowPass, 2, 1.5), {1, 7.0 / 3, 13.0 / 3, 22.0 / 3, 11});
-  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::BandPass, 2, 1.5), {0.75, 7.0 / 12, 5.0 / 6, 4.0 / 3, 1.75});
-  ExpectValues(MovingAverageFilter(5, p, 0.5, FilterKind::BandCut, 2, 1.5), {0.25, 17.0 / 12, 19.0 / 6, 17.0 / 3, 9.25});
+  ExpectValues(MovingAverageFilter(DebugTables{}, 5, p, 0.5, FilterKind::HiPass, 2, 1.5), {0.75, 0.25, 0.5, 1, 1.75});
+  ExpectValues(MovingAverageFilter(DebugTables{}, 5, p, 0.5, FilterKind::LowPass, 2, 1.5), {1, 7.0 / 3, 13.0 / 3, 22.0 / 3, 11});
+  ExpectValues(MovingAverageFilter(DebugTables{}, 5, p, 0.5, FilterKind::BandPass, 2, 1.5), {0.75, 7.0 / 12, 5.0 / 6, 4.0 / 3, 1.75});
+  ExpectValues(MovingAverageFilter(DebugTables{}, 5, p, 0.5, FilterKind::BandCut, 2, 1.5), {0.25, 17.0 / 12, 19.0 / 6, 17.0 / 3, 9.25});
   // LowPass still splits with the long cut-off first: left blank (0) it fails there.
-  EXPECT_THROW(MovingAverageFilter(5, p, 0.5, FilterKind::LowPass, 0, 1.5), LegacyError);
+  EXPECT_THROW(MovingAverageFilter(DebugTables{}, 5, p, 0.5, FilterKind::LowPass, 0, 1.5), LegacyError);
 }
 
 TEST_F(FilterTest, SlopesAndTheProfileRebuiltWithoutSteepOnes) {
@@ -141,7 +141,7 @@ TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {
   };
   for (std::size_t i = 0; i < cases.size(); ++i) {
     ui_.Log.clear();
-    EXPECT_EQ(CheckFilterSpec(cases[i].filterSpec), cases[i].focus) << "case " << i;
+    EXPECT_EQ(CheckFilterSpec(session, cases[i].filterSpec), cases[i].focus) << "case " << i;
     const auto messages = ui_.Messages();
     if (cases[i].message == nullptr) {
       EXPECT_TRUE(messages.empty()) << "case " << i;
@@ -155,8 +155,7 @@ TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {
 
 TEST_F(FilterTest, ARefusedCheckCalculatesNothing) {
   ProfileRecord record = Prepared("a.erd", A({1, 2, 4, 7, 11}), 0.5);
-  const auto outcome = RunFilter(MakeFilter(FilterCalcType::MovingAverage, FilterKind::BandPass, 1, 2), true,
-                                 {&record}, IriParams{});
+  const auto outcome = RunFilter(session, MakeFilter(FilterCalcType::MovingAverage, FilterKind::BandPass, 1, 2), true, {&record}, IriParams{}, ReadFilterConvergence(session.Paths));
   EXPECT_EQ(outcome.Focus, FilterField::LongCut);
   EXPECT_FALSE(outcome.Completed);
   EXPECT_FALSE(record.Analysis.Filter.FilterWave.Calculated);
@@ -167,7 +166,7 @@ TEST_F(FilterTest, RunFilterStoresEachProfileAndSkipsUpToDateOnes) {
   ProfileRecord a = Prepared("a.erd", A({1, 2, 4, 7, 11}), 0.5);
   ProfileRecord b = Prepared("b.erd", A({3, 3, 3, 3, 3}), 0.5);
   const FilterSpec filterSpec = MakeFilter(FilterCalcType::MovingAverage, FilterKind::HiPass, 2, 1.5);
-  const auto outcome = RunFilter(filterSpec, false, {&a, &b}, IriParams{});
+  const auto outcome = RunFilter(session, filterSpec, false, {&a, &b}, IriParams{}, ReadFilterConvergence(session.Paths));
   EXPECT_TRUE(outcome.Completed);
   ExpectValues(a.Analysis.Filter.FilterWave.Values, {0.75, 0.25, 0.5, 1, 1.75});
   EXPECT_EQ(a.Analysis.Filter.FilterCount, 5);
@@ -185,9 +184,9 @@ TEST_F(FilterTest, RunFilterStoresEachProfileAndSkipsUpToDateOnes) {
 
   // Same settings, no force: the stored result is not touched; with force it is recalculated.
   a.Analysis.Filter.FilterWave.Values[1] = 99;
-  RunFilter(filterSpec, false, {&a}, IriParams{});
+  RunFilter(session, filterSpec, false, {&a}, IriParams{}, ReadFilterConvergence(session.Paths));
   EXPECT_EQ(a.Analysis.Filter.FilterWave.Values[1], 99);
-  RunFilter(filterSpec, true, {&a}, IriParams{});
+  RunFilter(session, filterSpec, true, {&a}, IriParams{}, ReadFilterConvergence(session.Paths));
   EXPECT_NEAR(a.Analysis.Filter.FilterWave.Values[1], 0.75, 1e-12);
 }
 
@@ -196,18 +195,18 @@ TEST_F(FilterTest, FourierTypeStoresTheSingleOrTheConvergentPass) {
   for (int i = 1; i <= 300; ++i) profile[i] = (i % 7) * 0.3 + 0.01 * i;
   ProfileRecord record = Prepared("f.erd", profile, 0.25);
   FilterSpec filterSpec = MakeFilter(FilterCalcType::Fourier, FilterKind::LowPass, 0, 2);
-  ASSERT_TRUE(RunFilter(filterSpec, true, {&record}, IriParams{}).Completed);
+  ASSERT_TRUE(RunFilter(session, filterSpec, true, {&record}, IriParams{}, ReadFilterConvergence(session.Paths)).Completed);
 
   WaveSeries single, other;
   std::int32_t seq = 0;
-  ASSERT_TRUE(Cal_FFTフィルタ_単体処理(seq, 0, 300, 512, 1024, 0.25, FilterKind::LowPass, 0, 2, profile, single, other));
+  ASSERT_TRUE(Cal_FFTフィルタ_単体処理(session, seq, 0, 300, 512, 1024, 0.25, FilterKind::LowPass, 0, 2, profile, single, other));
   EXPECT_EQ(record.Analysis.Filter.FilterWave.Values, single.Values);
   EXPECT_EQ(record.Analysis.Filter.FilterCount, 300);
 
   filterSpec.Converge = true;
-  ASSERT_TRUE(RunFilter(filterSpec, false, {&record}, IriParams{}).Completed);  // a changed filterSpec recalculates
+  ASSERT_TRUE(RunFilter(session, filterSpec, false, {&record}, IriParams{}, ReadFilterConvergence(session.Paths)).Completed);  // a changed filterSpec recalculates
   WaveSeries converged;
-  ASSERT_TRUE(Cal_FFTフィルタ_収束計算(300, 512, 1024, 0.25, FilterKind::LowPass, 0, 2, profile, converged));
+  ASSERT_TRUE(Cal_FFTフィルタ_収束計算(session, 300, 512, 1024, 0.25, FilterKind::LowPass, 0, 2, profile, converged, ReadFilterConvergence(session.Paths)));
   EXPECT_EQ(record.Analysis.Filter.FilterWave.Values, converged.Values);
 }
 
@@ -216,7 +215,7 @@ TEST_F(FilterTest, SlopeTypeFillsBothWaves) {
   FilterSpec filterSpec = MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
   filterSpec.SlopeMode = true;
   filterSpec.SlopeCut = 3;
-  ASSERT_TRUE(RunFilter(filterSpec, true, {&record}, IriParams{}).Completed);
+  ASSERT_TRUE(RunFilter(session, filterSpec, true, {&record}, IriParams{}, ReadFilterConvergence(session.Paths)).Completed);
   ExpectValues(record.Analysis.Filter.SlopeWave.Values, {0, 1, 1, 1, 0});
   ExpectValues(record.Analysis.Filter.FilterWave.Values, {0, 1, 1, 1, 0});
   EXPECT_DOUBLE_EQ(record.Analysis.Filter.SlopeWave.Stats.Mean, 0.6);
@@ -227,7 +226,7 @@ TEST_F(FilterTest, AnErrorIsLoggedAndLeavesThePreviousResult) {
   ProfileRecord longOne = Prepared("long.erd", Array1<double>(40000), 0.1);
   longOne.Analysis.Filter.FilterWave.Values = A({42});
   const FilterSpec filterSpec = MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
-  const auto outcome = RunFilter(filterSpec, true, {&good, &longOne}, IriParams{});
+  const auto outcome = RunFilter(session, filterSpec, true, {&good, &longOne}, IriParams{}, ReadFilterConvergence(session.Paths));
   EXPECT_FALSE(outcome.Completed);
   EXPECT_TRUE(good.Analysis.Filter.FilterWave.Calculated);
   EXPECT_EQ(longOne.Analysis.Filter.FilterWave.Values, A({42}));
@@ -241,7 +240,7 @@ TEST_F(FilterTest, IriTypeIsShorterThanTheProfile) {
   Array1<double> profile(400);
   for (int i = 1; i <= 400; ++i) profile[i] = (i % 5) * 0.5;
   ProfileRecord record = Prepared("i.erd", profile, 0.05);
-  ASSERT_TRUE(RunFilter(MakeFilter(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&record}, IriParams{}).Completed);
+  ASSERT_TRUE(RunFilter(session, MakeFilter(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&record}, IriParams{}, ReadFilterConvergence(session.Paths)).Completed);
   // The slope base of 0.25 m spans 5 samples at 0.05 m.
   EXPECT_EQ(record.Analysis.Filter.FilterCount, 395);
   EXPECT_EQ(record.Analysis.Filter.FilterWave.Values.size(), 395);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "analysis/iri_sections.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -202,7 +203,9 @@ ProfileRecord Profile(double pitch, std::int32_t count, double kp = kNoValue) {
   return p;
 }
 
-TEST(CheckIriLengthTest, MessagesForBlankTextNumbersAndLimits) {
+class CheckIriLengthTest : public testing::SessionTest {};
+
+TEST_F(CheckIriLengthTest, MessagesForBlankTextNumbersAndLimits) {
   // A: 0.01 m, 1000 samples, IBASE 25, 975 usable. B: 0.05 m, 300 samples, IBASE 5, 295 usable.
   ProfileRecord a = Profile(0.01, 1000), b = Profile(0.05, 300);
   std::vector<ProfileRecord*> list{&a, &b};
@@ -214,34 +217,36 @@ TEST(CheckIriLengthTest, MessagesForBlankTextNumbersAndLimits) {
                  {"0.04", "0.05 以上で指定して下さい。"},
                  {"14.71", "14.7 以下で指定して下さい。"}};  // (295 - 1) × 0.05
   for (const auto& c : refused) {
-    testing::ScriptedUi ui;
+    testing::ScriptedUi ui(session);
     double value = -1;
-    EXPECT_FALSE(CheckIriLength(c.text, list, value)) << c.text;
+    EXPECT_FALSE(CheckIriLength(session, c.text, list, value)) << c.text;
     EXPECT_EQ(ui.OnlyMessageText(), c.message);
     ASSERT_EQ(ui.Messages().size(), 1u);
     EXPECT_EQ(ui.Messages()[0].Title, "警告");
     EXPECT_EQ(value, -1);
   }
-  testing::ScriptedUi ui;
+  testing::ScriptedUi ui(session);
   double value = 0;
-  EXPECT_TRUE(CheckIriLength(" 14.7 ", list, value));
+  EXPECT_TRUE(CheckIriLength(session, " 14.7 ", list, value));
   EXPECT_EQ(value, 14.7);
   EXPECT_TRUE(ui.Messages().empty());
   // The limit takes the last profile's pitch, not that of the shortest one: 294 × 0.01.
   std::vector<ProfileRecord*> reversed{&b, &a};
-  EXPECT_FALSE(CheckIriLength("3", reversed, value));
+  EXPECT_FALSE(CheckIriLength(session, "3", reversed, value));
   EXPECT_EQ(ui.OnlyMessageText(), "2.94 以下で指定して下さい。");
 }
 
-TEST(RunIriTest, ComputesSelectedProfilesAndRecomputesOnlyWhenTheLengthChanges) {
+class RunIriTest : public testing::SessionTest {};
+
+TEST_F(RunIriTest, ComputesSelectedProfilesAndRecomputesOnlyWhenTheLengthChanges) {
   ProfileRecord a = Profile(0.25, 400, 1.0), b = Profile(0.25, 300);
   std::vector<ProfileRecord*> list{&a, &b};
   std::vector<ProfileRecord*> selected{&a};
   IriRunRequest request{"10", IriParams{}, false};
   request.Params.InitFilter = 11;
   double last = kNoValue;
-  testing::ScriptedUi ui;
-  ASSERT_TRUE(RunIri(list, selected, request, last));
+  testing::ScriptedUi ui(session);
+  ASSERT_TRUE(RunIri(session, list, selected, request, last));
   EXPECT_EQ(last, 10.0);
   ASSERT_FALSE(ui.Log.empty());
   EXPECT_EQ(ui.Log.front().Title, "ＩＲＩ計算");
@@ -258,21 +263,21 @@ TEST(RunIriTest, ComputesSelectedProfilesAndRecomputesOnlyWhenTheLengthChanges) 
   // Same length: the stored responses stay (a marker survives), the sections follow the option.
   a.Analysis.Iri.IriWholeProfile = 123.0;
   request.SkipPartialSections = true;
-  ASSERT_TRUE(RunIri(list, selected, request, last));
+  ASSERT_TRUE(RunIri(session, list, selected, request, last));
   EXPECT_EQ(a.Analysis.Iri.IriWholeProfile, 123.0);
   EXPECT_EQ(a.Analysis.Sections.Sec10[1].Partial, 0);
   // A new length recomputes.
   request.LengthText = "20";
-  ASSERT_TRUE(RunIri(list, selected, request, last));
+  ASSERT_TRUE(RunIri(session, list, selected, request, last));
   EXPECT_NE(a.Analysis.Iri.IriWholeProfile, 123.0);
   EXPECT_EQ(a.Analysis.Iri.IriWindowCount, 399 - 80);
   // A refused length runs nothing and keeps the last length.
   request.LengthText = "abc";
-  EXPECT_FALSE(RunIri(list, selected, request, last));
+  EXPECT_FALSE(RunIri(session, list, selected, request, last));
   EXPECT_EQ(last, 20.0);
 }
 
-TEST(RunIriTest, MissingBandSplitIsMadeFirst) {
+TEST_F(RunIriTest, MissingBandSplitIsMadeFirst) {
   // A profile as read, not yet prepared: the run prepares and splits it, then takes the band IRI.
   ProfileRecord p;
   p.FileName = "road.erd";
@@ -284,8 +289,8 @@ TEST(RunIriTest, MissingBandSplitIsMadeFirst) {
   std::vector<ProfileRecord*> list{&p};
   IriRunRequest request{"10", IriParams{}, false};
   double last = kNoValue;
-  testing::ScriptedUi ui;
-  ASSERT_TRUE(RunIri(list, list, request, last));
+  testing::ScriptedUi ui(session);
+  ASSERT_TRUE(RunIri(session, list, list, request, last));
   EXPECT_TRUE(p.Analysis.Octave.Calculated);
   EXPECT_TRUE(p.Analysis.Iri.IriWindowRss.Calculated);
   EXPECT_GT(p.Analysis.Iri.IriWindowRss.Stats.Maximum, 0.0);

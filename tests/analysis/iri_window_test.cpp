@@ -135,7 +135,7 @@ TEST(CalcIriProfileTest, WholeProfileWindowAndBandWindowsOneSampleLonger) {
   const auto profile = Wave(48, 20, 4.0);
   const auto band = Wave(48, 8, 1.0);
   AnalysisBlock block = MakeBlock(profile, 0.25, band);
-  CalcIriProfile(block, GoldenWithWindow(2.5), true);
+  CalcIriProfile(DebugTables{}, block, GoldenWithWindow(2.5), true);
   const IriResults& r = block.Iri;
 
   ASSERT_EQ(r.IriResponseCount, 47);
@@ -174,8 +174,8 @@ TEST(CalcIriProfileTest, WholeProfileWindowAndBandWindowsOneSampleLonger) {
 TEST(CalcIriProfileTest, ArsAndRmsShareOneResponse) {
   const auto profile = Wave(200, 37, 3.0);
   AnalysisBlock ars = MakeBlock(profile, 0.25, profile), rms = ars;
-  CalcIriProfile(ars, GoldenWithWindow(5.0, 0), false);
-  CalcIriProfile(rms, GoldenWithWindow(5.0, 1), false);
+  CalcIriProfile(DebugTables{}, ars, GoldenWithWindow(5.0, 0), false);
+  CalcIriProfile(DebugTables{}, rms, GoldenWithWindow(5.0, 1), false);
   EXPECT_EQ(ars.Iri.IriResponseWave, rms.Iri.IriResponseWave);
   EXPECT_GT(rms.Iri.IriWholeProfile, ars.Iri.IriWholeProfile);
   const std::vector<double> response(rms.Iri.IriResponseWave.begin(), rms.Iri.IriResponseWave.end());
@@ -188,22 +188,22 @@ TEST(CalcIriProfileTest, ArsAndRmsShareOneResponse) {
 TEST(CalcIriProfileTest, BandsThatWereNotSplitAreAClearError) {
   AnalysisBlock block = MakeBlock(Wave(100, 10, 1.0), 0.25, Wave(100, 10, 1.0));
   block.Octave = OctaveBandSet{};
-  EXPECT_THROW(CalcIriProfile(block, GoldenWithWindow(5.0), true), LegacyError);
+  EXPECT_THROW(CalcIriProfile(DebugTables{}, block, GoldenWithWindow(5.0), true), LegacyError);
   // A window longer than the profile's response is refused as well.
-  EXPECT_THROW(CalcIriProfile(block, GoldenWithWindow(50.0), false), LegacyError);
+  EXPECT_THROW(CalcIriProfile(DebugTables{}, block, GoldenWithWindow(50.0), false), LegacyError);
 }
 
 TEST(CalcIriFilterTest, SecondCallOnTheSameBlockDoesNothing) {
   AnalysisBlock block = MakeBlock(Wave(100, 10, 1.0), 0.1, Wave(100, 10, 1.0));
-  CalcIriFilter(block, GoldenWithWindow(0));
+  CalcIriFilter(DebugTables{}, block, GoldenWithWindow(0));
   EXPECT_EQ(block.Iri.IriFilterCount, 97);  // IBASE 3 at 0.1 m
   ASSERT_EQ(block.Iri.IriFilterWave.Values.size(), 97);
   const auto first = block.Iri.IriFilterWave.Values;
   block.Profile.Values[50] += 100;  // a changed profile is not looked at again
-  CalcIriFilter(block, GoldenWithWindow(0));
+  CalcIriFilter(DebugTables{}, block, GoldenWithWindow(0));
   EXPECT_EQ(block.Iri.IriFilterWave.Values, first);
   block.Iri.IriFilterWave.Calculated = false;
-  CalcIriFilter(block, GoldenWithWindow(0));
+  CalcIriFilter(DebugTables{}, block, GoldenWithWindow(0));
   EXPECT_NE(block.Iri.IriFilterWave.Values, first);
 }
 

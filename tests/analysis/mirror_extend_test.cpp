@@ -8,7 +8,7 @@
 #include "base/legacy_error.h"
 #include "base/text_encoding.h"
 #include "support/error_of.h"
-#include "support/scratch_paths.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -25,24 +25,24 @@ namespace {
 Array1<double> A(std::vector<double> values) { return Array1<double>(std::move(values)); }
 
 // Logs and debug tables go to a temporary folder; settings and paths are restored afterwards.
-using MirrorExtendTest = testing::ScratchPathsTest;
+using MirrorExtendTest = testing::SessionTest;
 
 TEST_F(MirrorExtendTest, FoldsBothWaysWithoutRepeatingTheEndSamples) {
   const Array1<double> source = A({1, 2, 4, 7, 11});
   Array1<double> dest;
   std::int32_t count = 0;
   // Left: 2·1 − source(3), 2·1 − source(2); right: 2·11 − source(4), 2·11 − source(3).
-  MirrorExtend(true, 2, 5, source, count, dest);
+  MirrorExtend(DebugTables{}, true, 2, 5, source, count, dest);
   EXPECT_EQ(count, 9);
   EXPECT_EQ(dest, A({-2, 0, 1, 2, 4, 7, 11, 15, 18}));
 
-  MirrorExtend(false, 2, 5, source, count, dest);
+  MirrorExtend(DebugTables{}, false, 2, 5, source, count, dest);
   EXPECT_EQ(dest, A({4, 2, 1, 2, 4, 7, 11, 7, 4}));
 
-  MirrorExtend(true, 0, 5, source, count, dest);
+  MirrorExtend(DebugTables{}, true, 0, 5, source, count, dest);
   EXPECT_EQ(dest, source);
 
-  MirrorExtend(false, 4, 5, source, count, dest);  // the widest fold n − 1 reaches source(5) and source(1)
+  MirrorExtend(DebugTables{}, false, 4, 5, source, count, dest);  // the widest fold n − 1 reaches source(5) and source(1)
   EXPECT_EQ(dest, A({11, 7, 4, 2, 1, 2, 4, 7, 11, 7, 4, 2, 1}));
 }
 
@@ -54,10 +54,10 @@ TEST_F(MirrorExtendTest, PointFoldKeepsConstantsAndRamps) {
   }
   Array1<double> dest;
   std::int32_t count = 0;
-  MirrorExtend(true, 30, 50, ramp, count, dest);
+  MirrorExtend(DebugTables{}, true, 30, 50, ramp, count, dest);
   ASSERT_EQ(count, 110);
   for (int p = 1; p <= 110; ++p) EXPECT_DOUBLE_EQ(dest[p], 0.25 * (p - 30) - 3.0) << p;
-  MirrorExtend(true, 49, 50, constant, count, dest);
+  MirrorExtend(DebugTables{}, true, 49, 50, constant, count, dest);
   for (int p = 1; p <= count; ++p) EXPECT_EQ(dest[p], -12.5) << p;
 }
 
@@ -66,9 +66,9 @@ TEST_F(MirrorExtendTest, RefusesFoldsThatReachBeyondTheProfile) {
   Array1<double> dest;
   std::int32_t count = 0;
   for (std::int32_t fold : {3, -1})
-    EXPECT_EQ(testing::ErrorOf([&] { MirrorExtend(true, fold, 3, source, count, dest); }),
+    EXPECT_EQ(testing::ErrorOf([&] { MirrorExtend(DebugTables{}, true, fold, 3, source, count, dest); }),
               ErrorNumber::SubscriptOutOfRange) << fold;
-  EXPECT_THROW(MirrorExtend(true, 1, 4, source, count, dest), LegacyError);  // n past the array
+  EXPECT_THROW(MirrorExtend(DebugTables{}, true, 1, 4, source, count, dest), LegacyError);  // n past the array
 }
 
 // The extensions for a transform: the samples, where they start, and the whole extended array.
@@ -108,8 +108,8 @@ TEST_F(MirrorExtendTest, ExtensionsForTheTransformsByHand) {
     const auto n = static_cast<std::int32_t>(c.source.size());
     Array1<double> dest;
     std::int32_t offset = -1;
-    ASSERT_TRUE(c.forPsd ? subPSD計算用_観音開き作成(n, c.length1, A(c.source), offset, dest)
-                         : subFFT計算用_観音開き作成(n, c.length1, c.length2, A(c.source), offset, dest));
+    ASSERT_TRUE(c.forPsd ? subPSD計算用_観音開き作成(session, n, c.length1, A(c.source), offset, dest)
+                         : subFFT計算用_観音開き作成(session, n, c.length1, c.length2, A(c.source), offset, dest));
     EXPECT_EQ(offset, c.offset);
     EXPECT_EQ(dest, A(c.extended));
   }
@@ -120,14 +120,14 @@ TEST_F(MirrorExtendTest, ASingleSampleProfileIsLoggedUnderTheProcedureName) {
   Array1<double> dest;
   std::int32_t offset = 0;
   // N = 1 gives length 4: the fold needs source(3).
-  EXPECT_FALSE(subFFT計算用_観音開き作成(1, 4, 4, A({5}), offset, dest));
+  EXPECT_FALSE(subFFT計算用_観音開き作成(session, 1, 4, 4, A({5}), offset, dest));
   ASSERT_EQ(ui_.Messages().size(), 1u);
   EXPECT_EQ(ui_.Messages()[0].Title, "[ basFFT : subFFT計算用_観音開き作成 ]");
   const auto log = ReadSystemTextLines(dir_ / "Temp" / "Sorvik_Err.log");
   ASSERT_EQ(log.size(), 1u);
   EXPECT_NE(log[0].find("subFFT計算用_観音開き作成"), std::string::npos);
 
-  EXPECT_FALSE(subPSD計算用_観音開き作成(1, 4, A({5}), offset, dest));
+  EXPECT_FALSE(subPSD計算用_観音開き作成(session, 1, 4, A({5}), offset, dest));
   EXPECT_EQ(ui_.Messages().size(), 2u);
 }
 

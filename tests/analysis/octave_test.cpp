@@ -22,7 +22,7 @@
 #include "support/expect_values.h"
 #include "support/literal_pass.h"
 #include "support/profile_fixture.h"
-#include "support/scratch_paths.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -32,7 +32,7 @@ constexpr double kPi = 3.14159265358979323846;
 
 // Paths, debug level and octave lists changed by a test are put back afterwards; error logs go into a
 // fresh folder.
-using OctaveTest = testing::ScratchPathsTest;
+using OctaveTest = testing::SessionTest;
 
 ProfileRecord MakeRecord(const std::vector<double>& samples, double pitch) {
   return testing::MakeProfile("test", pitch, samples);
@@ -131,7 +131,9 @@ double WorstRelativeDifference(const OctaveBandSet& set, const Waves& literal, c
   return worst / (*high - *low);
 }
 
-TEST(OctaveMasks, EachHarmonicInItsOctaveByHand) {
+class OctaveMasks : public testing::SessionTest {};
+
+TEST_F(OctaveMasks, EachHarmonicInItsOctaveByHand) {
   struct Case {
     std::int32_t length;
     double dx;
@@ -156,7 +158,7 @@ TEST(OctaveMasks, EachHarmonicInItsOctaveByHand) {
   }
 }
 
-TEST(OctaveMasks, LimitsFallOnBinsAndEveryBinIsTakenOnce) {
+TEST_F(OctaveMasks, LimitsFallOnBinsAndEveryBinIsTakenOnce) {
   // L = 512 at 0.1 m: L·dx = 51.2, so each octave limit is exactly a harmonic j = 2^m. The upper limit
   // is inclusive: j = 128 (2.5 c/m = 1/0.4) belongs to octave 8, j = 129 to octave 9.
   std::array<Array1<std::uint8_t>, 11> masks;
@@ -177,7 +179,7 @@ TEST(OctaveMasks, LimitsFallOnBinsAndEveryBinIsTakenOnce) {
 
 TEST_F(OctaveTest, PrepareFillsLengthsCopyAndMasks) {
   ProfileRecord record = MakeRecord({1, 2, 3, 4, 5}, 0.1);
-  PrepareProfile(record);
+  PrepareProfile(DebugTables{}, record);
   const AnalysisBlock& block = record.Analysis;
   EXPECT_DOUBLE_EQ(block.SamplesPerMetre, 10.0);
   EXPECT_EQ(block.Count, 5);
@@ -196,7 +198,7 @@ TEST_F(OctaveTest, PrepareFillsLengthsCopyAndMasks) {
 TEST_F(OctaveTest, PrepareRefusesBadPitchAndCount) {
   ProfileRecord flat = MakeRecord({1, 2, 3}, 0.0);
   try {
-    PrepareProfile(flat);
+    PrepareProfile(DebugTables{}, flat);
     FAIL() << "a pitch of 0 was accepted";
   } catch (const LegacyError& error) {
     EXPECT_NE(std::string(error.what()).find("test.erd"), std::string::npos) << error.what();
@@ -204,7 +206,7 @@ TEST_F(OctaveTest, PrepareRefusesBadPitchAndCount) {
   }
   ProfileRecord shorter = MakeRecord({1, 2, 3}, 0.1);
   shorter.WorkCount = 4;
-  EXPECT_THROW(PrepareProfile(shorter), LegacyError);
+  EXPECT_THROW(PrepareProfile(DebugTables{}, shorter), LegacyError);
 }
 
 TEST_F(OctaveTest, SinglePassIsTheLiteralStepsAndSumsBack) {
@@ -213,7 +215,7 @@ TEST_F(OctaveTest, SinglePassIsTheLiteralStepsAndSumsBack) {
   for (const std::int32_t n : {3000, 4096, 5}) {
     ui_.Log.clear();
     ProfileRecord record = MakeRecord(RoughProfile(n, 0.1), 0.1);
-    ASSERT_TRUE(DecomposeProfile(record, false));
+    ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths)));
     const OctaveBandSet& set = record.Analysis.Octave;
     const Waves literal = LiteralSplit(record.Analysis, record.Analysis.Profile.Values);
     EXPECT_LT(WorstRelativeDifference(set, literal, record.WorkProfile), 1e-12) << n;
@@ -234,10 +236,10 @@ TEST_F(OctaveTest, MeasuredProfileSumsBack) {
   const auto file = testing::SharedDataDir() / "derived" / "profile_1_derived_mm.erd";
   if (!std::filesystem::exists(file)) GTEST_SKIP() << "shared data absent";
   ProfileRecord record;
-  ASSERT_TRUE(ReadERD(file.string(), record.Erd));
+  ASSERT_TRUE(ReadERD(session, file.string(), record.Erd));
   record.WorkCount = record.Erd.NumSamples;
   record.WorkProfile = record.Erd.Elevation;
-  ASSERT_TRUE(DecomposeProfile(record, false));
+  ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths)));
   const auto [low, high] = std::minmax_element(record.WorkProfile.begin(), record.WorkProfile.end());
   EXPECT_LT(WorstSumBack(record), 1e-10 * std::max(-*low, *high) + 1e-9);
 }
@@ -248,7 +250,7 @@ TEST_F(OctaveTest, SineOfOneOctaveLandsInThatBand) {
   std::vector<double> y(4096);
   for (int i = 0; i < 4096; ++i) y[static_cast<std::size_t>(i)] = amplitude * std::sin(2 * kPi * i * dx / 4.4);
   ProfileRecord record = MakeRecord(y, dx);
-  ASSERT_TRUE(DecomposeProfile(record, false));
+  ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths)));
   const OctaveBandSet& set = record.Analysis.Octave;
   const double rms = amplitude / std::sqrt(2.0);
   EXPECT_NEAR(set.Band[5].Stats.StdDev, rms, 0.01 * rms);
@@ -273,7 +275,7 @@ TEST_F(OctaveTest, TenMetreSineHoldsItsEnergyInOctaveFour) {
   std::vector<double> y(8192);
   for (int i = 0; i < 8192; ++i) y[static_cast<std::size_t>(i)] = amplitude * std::sin(2 * kPi * i * dx / 10.0);
   ProfileRecord record = MakeRecord(y, dx);
-  ASSERT_TRUE(DecomposeProfile(record, false));
+  ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths)));
   const OctaveBandSet& set = record.Analysis.Octave;
   double total = 0;
   for (int k = 1; k <= 9; ++k) total += std::pow(set.Band[static_cast<std::size_t>(k)].Stats.StdDev, 2);
@@ -287,7 +289,7 @@ TEST_F(OctaveTest, PeelingIsTheLiteralStepsWithinRounding) {
   const double dx = 0.05;
   ProfileRecord record = MakeRecord(RoughProfile(1500, dx), dx);
   for (const FilterConvergence limits : {FilterConvergence{0.0, 3}, FilterConvergence{1.1, 10}}) {
-    ASSERT_TRUE(DecomposeProfile(record, true, true, limits));
+    ASSERT_TRUE(DecomposeProfile(session, record, true, limits, true));
     const Waves literal = LiteralPeeling(record.Analysis, limits.StdRatio, limits.MaxPasses);
     EXPECT_LT(WorstRelativeDifference(record.Analysis.Octave, literal, record.WorkProfile), 1e-11)
         << limits.StdRatio;
@@ -298,7 +300,7 @@ TEST_F(OctaveTest, ShortTransformLeavesOctaveOneEmpty) {
   // 100 samples at 0.1 m: FftLength2 = 256, 25.6 m, below 51.2 m; the mean goes to octave 2.
   std::vector<double> y(100, 7.0);
   ProfileRecord record = MakeRecord(y, 0.1);
-  ASSERT_TRUE(DecomposeProfile(record, false));
+  ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths)));
   const OctaveBandSet& set = record.Analysis.Octave;
   for (int i = 1; i <= 100; ++i) {
     EXPECT_EQ(RealAt(set, 1, i), 0.0);
@@ -307,10 +309,10 @@ TEST_F(OctaveTest, ShortTransformLeavesOctaveOneEmpty) {
 }
 
 TEST_F(OctaveTest, SumsFollowTheSettingsLists) {
-  Settings().LongOctaves = {1, 2, 3};
-  Settings().ShortOctaves = {9, 3, 9};  // an octave listed twice counts once
+  session.Settings.LongOctaves = {1, 2, 3};
+  session.Settings.ShortOctaves = {9, 3, 9};  // an octave listed twice counts once
   ProfileRecord record = MakeRecord(RoughProfile(600, 0.1), 0.1);
-  ASSERT_TRUE(DecomposeProfile(record, false));
+  ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths)));
   const OctaveBandSet& set = record.Analysis.Octave;
   for (int i = 1; i <= 600; ++i) {
     EXPECT_DOUBLE_EQ(set.LongSum.Values[i], RealAt(set, 1, i) + RealAt(set, 2, i) + RealAt(set, 3, i));
@@ -319,37 +321,37 @@ TEST_F(OctaveTest, SumsFollowTheSettingsLists) {
   EXPECT_TRUE(set.LongSum.Calculated);
   EXPECT_EQ(set.ShortSum.DisplayMax, set.ShortSum.Stats.Maximum);
 
-  Settings().LongOctaves.clear();
-  Settings().ShortOctaves.clear();
-  ASSERT_TRUE(DecomposeProfile(record, false, true));
+  session.Settings.LongOctaves.clear();
+  session.Settings.ShortOctaves.clear();
+  ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths), true));
   EXPECT_EQ(set.LongSum.Values, Array1<double>(std::vector<double>(600, 0.0)));
   EXPECT_EQ(set.ShortSum.Values, Array1<double>(std::vector<double>(600, 0.0)));
 }
 
 TEST_F(OctaveTest, ValidBandsAreNotRecomputedUnlessForcedOrTheOptionChanges) {
   ProfileRecord record = MakeRecord(RoughProfile(600, 0.1), 0.1);
-  ASSERT_TRUE(DecomposeProfile(record, false));
+  ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths)));
   record.Analysis.Octave.Band[4].Values[1] = 1234.5;  // a mark a recomputation would remove
-  ASSERT_TRUE(DecomposeProfile(record, false));
+  ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths)));
   EXPECT_EQ(record.Analysis.Octave.Band[4].Values[1], 1234.5);
-  ASSERT_TRUE(DecomposeProfile(record, false, true));
+  ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths), true));
   EXPECT_NE(record.Analysis.Octave.Band[4].Values[1], 1234.5);
 
   record.Analysis.Octave.Band[4].Values[1] = 1234.5;
-  ASSERT_TRUE(DecomposeProfile(record, true, false, {1.1, 2}));
+  ASSERT_TRUE(DecomposeProfile(session, record, true, FilterConvergence{1.1, 2}, false));
   EXPECT_NE(record.Analysis.Octave.Band[4].Values[1], 1234.5);
   EXPECT_TRUE(record.Analysis.Octave.Converged);
 
   record.Analysis.Octave.Band[4].Values[1] = 1234.5;
-  PrepareProfile(record);  // a changed profile makes the bands stale
-  ASSERT_TRUE(DecomposeProfile(record, true, false, {1.1, 2}));
+  PrepareProfile(DebugTables{}, record);  // a changed profile makes the bands stale
+  ASSERT_TRUE(DecomposeProfile(session, record, true, FilterConvergence{1.1, 2}, false));
   EXPECT_NE(record.Analysis.Octave.Band[4].Values[1], 1234.5);
 }
 
 TEST_F(OctaveTest, PeelingShowsEachStageAndPassAndMovesTheBarByTen) {
   ProfileRecord record = MakeRecord(RoughProfile(600, 0.1), 0.1);
   // A ratio of 0 never converges, so every stage runs all three passes: 12 passes.
-  ASSERT_TRUE(DecomposeProfile(record, true, false, {0.0, 3}));
+  ASSERT_TRUE(DecomposeProfile(session, record, true, FilterConvergence{0.0, 3}, false));
   const std::vector<std::string> captions = testing::ProgressTexts(ui_);
   ASSERT_EQ(captions.size(), 14u);
   EXPECT_EQ(captions[0], "しばらくお待ちください。");
@@ -365,7 +367,7 @@ TEST_F(OctaveTest, PeelingShowsEachStageAndPassAndMovesTheBarByTen) {
 TEST_F(OctaveTest, PeelingStopsAStageWhenBothBandsHaveConverged) {
   ProfileRecord record = MakeRecord(RoughProfile(600, 0.1), 0.1);
   // With an enormous ratio limit the first pass of each stage already counts as converged.
-  ASSERT_TRUE(DecomposeProfile(record, true, false, {1e300, 10}));
+  ASSERT_TRUE(DecomposeProfile(session, record, true, FilterConvergence{1e300, 10}, false));
   const auto captions = testing::ProgressTexts(ui_);
   EXPECT_EQ(std::count_if(captions.begin(), captions.end(), [](const std::string& text) {
               return text.find(" / 10 ") != std::string::npos;
@@ -376,13 +378,13 @@ TEST_F(OctaveTest, EmptyOctaveStopsThePeelingAndKeepsTheStoredBands) {
   // At 0.5 m the highest frequency of the transform is about 1 c/m, below 1/0.8: octaves 8 and 9 are
   // empty, and the convergence test of stage 1 divides by a zero deviation.
   ProfileRecord record = MakeRecord(RoughProfile(400, 0.5), 0.5);
-  ASSERT_TRUE(DecomposeProfile(record, false));
+  ASSERT_TRUE(DecomposeProfile(session, record, false, ReadFilterConvergence(session.Paths)));
   for (int i = 1; i <= 400; ++i) {
     EXPECT_EQ(RealAt(record.Analysis.Octave, 8, i), 0.0);
     EXPECT_EQ(RealAt(record.Analysis.Octave, 9, i), 0.0);
   }
   const OctaveBandSet before = record.Analysis.Octave;
-  EXPECT_FALSE(DecomposeProfile(record, true, false, {1.1, 10}));
+  EXPECT_FALSE(DecomposeProfile(session, record, true, FilterConvergence{1.1, 10}, false));
   EXPECT_EQ(record.Analysis.Octave.Band[3].Values, before.Band[3].Values);
   EXPECT_FALSE(record.Analysis.Octave.Converged);
   const auto messages = ui_.Messages();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/ini_file.h"
+#include "base/session.h"
 #include "base/settings_io.h"
 #include "frame_sandbox.h"
 
@@ -20,7 +21,7 @@ class ConditionsDialogTest : public testing::FrameSandbox {
     ui_.Log.clear();
   }
   ConditionsDialog Open() {
-    return ConditionsDialog([this] { ++dirtyMarks_; });
+    return ConditionsDialog(session, [this] { ++dirtyMarks_; });
   }
   StartUpResult run_;
   int dirtyMarks_ = 0;
@@ -40,7 +41,7 @@ TEST_F(ConditionsDialogTest, OpensShowingTheCurrentConditions) {
 
 TEST_F(ConditionsDialogTest, CheckRefusesEmptyOrNonNumericEnabledBoxesAndOkStaysOpen) {
   ConditionsDialog dialog = Open();
-  const CalcConditions before = CurrentConditions();
+  const CalcConditions before = session.CurrentConditions;
   dialog.Boxes.txt_IRI[2] = " ";
   dialog.Boxes.txt_IRI[4] = "abc";
   dialog.Boxes.txt_IRIEnabled[4] = false;  // a disabled box is not checked
@@ -53,7 +54,7 @@ TEST_F(ConditionsDialogTest, CheckRefusesEmptyOrNonNumericEnabledBoxesAndOkStays
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages[0].Text, "指定データにエラーがありました。\r\n修正してください。");
   EXPECT_EQ(messages[0].Title, "エラー");
-  EXPECT_EQ(CurrentConditions(), before);
+  EXPECT_EQ(session.CurrentConditions, before);
   EXPECT_EQ(dirtyMarks_, 0);
 }
 
@@ -75,7 +76,7 @@ TEST_F(ConditionsDialogTest, OkStoresTheBoxesAndMarksTabsOnlyWhenSomethingChange
   EXPECT_TRUE(dialog.Ok());
   EXPECT_FALSE(dialog.IsOpen());
   EXPECT_EQ(dirtyMarks_, 1);
-  const CalcConditions& c = CurrentConditions();
+  const CalcConditions& c = session.CurrentConditions;
   EXPECT_EQ(c.Iri.Speed, 60.0);
   EXPECT_EQ(c.Iri.KsMs, 63.3);
   EXPECT_EQ(c.Iri.IriBaseLength, 10.0);  // not a box: kept
@@ -86,7 +87,7 @@ TEST_F(ConditionsDialogTest, OkStoresTheBoxesAndMarksTabsOnlyWhenSomethingChange
   EXPECT_TRUE(IsNoValue(c.RepairBandLines.Value[3]));
   EXPECT_EQ(c.RepairBandLines.Value[4], 2.75);
   EXPECT_EQ(c.RepairAppliedColour, 0x123456u);
-  EXPECT_EQ(DefaultConditions().Iri.Speed, 80.0);  // the defaults are not touched by OK
+  EXPECT_EQ(session.DefaultConditions.Iri.Speed, 80.0);  // the defaults are not touched by OK
 }
 
 TEST_F(ConditionsDialogTest, ClosingWithChangesAsksAndFollowsTheAnswer) {
@@ -105,7 +106,7 @@ TEST_F(ConditionsDialogTest, ClosingWithChangesAsksAndFollowsTheAnswer) {
 
   ui_.Answers = {MsgAnswer::No};
   EXPECT_TRUE(dialog.Close());
-  EXPECT_EQ(CurrentConditions().Iri.KsMs, 63.3);
+  EXPECT_EQ(session.CurrentConditions.Iri.KsMs, 63.3);
   EXPECT_EQ(dirtyMarks_, 0);
 
   ConditionsDialog again = Open();
@@ -116,13 +117,13 @@ TEST_F(ConditionsDialogTest, ClosingWithChangesAsksAndFollowsTheAnswer) {
   again.Boxes.txt_IRI[1] = "70";
   ui_.Answers = {MsgAnswer::Yes};
   EXPECT_TRUE(again.Close());
-  EXPECT_EQ(CurrentConditions().Iri.KsMs, 70.0);
+  EXPECT_EQ(session.CurrentConditions.Iri.KsMs, 70.0);
   EXPECT_EQ(dirtyMarks_, 1);
 }
 
 TEST_F(ConditionsDialogTest, ResetShowsTheFileValuesOfThePageOnlyAfterOk) {
-  WriteIniValue(DefaultIniPath(), "補修形状検討_バンド別低減ラインパラメータ", "1-Oct", "7");
-  WriteIniValue(DefaultIniPath(), "補修形状検討_バンド別低減ラインパラメータ", "2-Oct", "");
+  WriteIniValue(DefaultIniPath(session.Paths), "補修形状検討_バンド別低減ラインパラメータ", "1-Oct", "7");
+  WriteIniValue(DefaultIniPath(session.Paths), "補修形状検討_バンド別低減ラインパラメータ", "2-Oct", "");
   ConditionsDialog dialog = Open();
   dialog.Boxes.txt_IRI[0] = "55";
   ui_.Answers = {MsgAnswer::Cancel};
@@ -135,7 +136,7 @@ TEST_F(ConditionsDialogTest, ResetShowsTheFileValuesOfThePageOnlyAfterOk) {
   EXPECT_EQ(dialog.Boxes.txt_バンド別低減ライン[0], "7");
   EXPECT_EQ(dialog.Boxes.txt_バンド別低減ライン[1], "");
   EXPECT_EQ(dialog.Boxes.txt_IRI[0], "55");  // other pages keep what was typed
-  EXPECT_EQ(CurrentConditions().RepairBandLines.Value[1], 12.0);
+  EXPECT_EQ(session.CurrentConditions.RepairBandLines.Value[1], 12.0);
   EXPECT_TRUE(dialog.ResetPage(ConditionsPage::Iri));
   EXPECT_EQ(dialog.Boxes.txt_IRI[0], "80");
 }
@@ -145,22 +146,22 @@ TEST_F(ConditionsDialogTest, SaveWritesTheStudyPagesAndLeavesTheIriGroupOutOfThe
   dialog.Boxes.cmd補修予測色[0] = MakeColour(1, 2, 3);
   EXPECT_TRUE(dialog.SavePage(ConditionsPage::RepairColours));
   EXPECT_EQ(ui_.Messages().at(0).Text, "規定値として保存します。\r\nよろしいですか？");
-  EXPECT_EQ(ReadIniValue(DefaultIniPath(), "補修形状検討_表示オプション", "低減ライン値の表示色"), "1, 2, 3");
-  EXPECT_EQ(ReadIniValue(DefaultIniPath(), "プロファイル分解_表示オプション", "低減ライン値の表示色"), "255, 0, 255");
+  EXPECT_EQ(ReadIniValue(DefaultIniPath(session.Paths), "補修形状検討_表示オプション", "低減ライン値の表示色"), "1, 2, 3");
+  EXPECT_EQ(ReadIniValue(DefaultIniPath(session.Paths), "プロファイル分解_表示オプション", "低減ライン値の表示色"), "255, 0, 255");
 
   dialog.Boxes.txt_バンド別低減ライン[8] = "0.25";
   EXPECT_TRUE(dialog.SavePage(ConditionsPage::RepairLines));
-  EXPECT_EQ(ReadIniValue(DefaultIniPath(), "補修形状検討_バンド別低減ラインパラメータ", "9-Oct"), "0.25000");
+  EXPECT_EQ(ReadIniValue(DefaultIniPath(session.Paths), "補修形状検討_バンド別低減ラインパラメータ", "9-Oct"), "0.25000");
 
-  const std::string before = ReadBytes(DefaultIniPath());
+  const std::string before = ReadBytes(DefaultIniPath(session.Paths));
   dialog.Boxes.txt_IRI[0] = "60";
   EXPECT_TRUE(dialog.SavePage(ConditionsPage::Iri));
-  EXPECT_EQ(ReadBytes(DefaultIniPath()), before);
+  EXPECT_EQ(ReadBytes(DefaultIniPath(session.Paths)), before);
 
   ui_.Answers = {MsgAnswer::Cancel};
   dialog.Boxes.txt_バンド別低減ライン[8] = "9";
   EXPECT_FALSE(dialog.SavePage(ConditionsPage::RepairLines));
-  EXPECT_EQ(ReadBytes(DefaultIniPath()), before);
+  EXPECT_EQ(ReadBytes(DefaultIniPath(session.Paths)), before);
 }
 
 TEST_F(ConditionsDialogTest, SaveThatCannotWriteIsReportedNamingTheFile) {

@@ -20,7 +20,7 @@ class ErrorLogTest : public testing::FrameSandbox {
 
 TEST_F(ErrorLogTest, LineAndMessageNameModuleAndProcedure) {
   ASSERT_TRUE(Start().MayGoOn);
-  ErrorLog("bas共通", "uToken", Sample("区切りが不正です"));
+  ErrorLog(session, "bas共通", "uToken", Sample("区切りが不正です"));
   const auto lines = Lines(LogFile());
   ASSERT_EQ(lines.size(), 1u);
   EXPECT_TRUE(std::regex_match(
@@ -37,9 +37,9 @@ TEST_F(ErrorLogTest, QuietWritesOnlyASecondErrorAddsALineARestartStartsANewLog) 
   {
     StartUpResult run = Start();
     ASSERT_TRUE(run.MayGoOn);
-    ErrorLog("basERD", "ReadERD", Sample("first"), /*quiet=*/true);
+    ErrorLog(session, "basERD", "ReadERD", Sample("first"), /*quiet=*/true);
     EXPECT_TRUE(ui_.Messages().empty());
-    ErrorLog("basERD", "ReadERD", Sample("second"));
+    ErrorLog(session, "basERD", "ReadERD", Sample("second"));
     const auto lines = Lines(LogFile());
     ASSERT_EQ(lines.size(), 2u);
     EXPECT_TRUE(lines[0].ends_with("ERROR : first"));
@@ -47,7 +47,7 @@ TEST_F(ErrorLogTest, QuietWritesOnlyASecondErrorAddsALineARestartStartsANewLog) 
   }
   ASSERT_TRUE(Start().MayGoOn);
   EXPECT_FALSE(fs::exists(LogFile()));
-  ErrorLog("basERD", "ReadERD", Sample("third"), true);
+  ErrorLog(session, "basERD", "ReadERD", Sample("third"), true);
   const auto lines = Lines(LogFile());
   ASSERT_EQ(lines.size(), 1u);
   EXPECT_TRUE(lines[0].ends_with("ERROR : third"));
@@ -58,22 +58,22 @@ TEST_F(ErrorLogTest, UnwritableLogStillShowsTheMessageThenRaisesNamingTheLog) {
   fs::remove_all(UserLocal() / "Temp");
   testing::WriteBytes(UserLocal() / "Temp", "not a folder");
   try {
-    ErrorLog("basMain", "Main", Sample("boom"));
+    ErrorLog(session, "basMain", "Main", Sample("boom"));
     FAIL() << "the log failure must reach the caller";
   } catch (const LegacyError& e) {
     EXPECT_NE(std::string(e.what()).find("Sorvik_Err.log"), std::string::npos);
   }
   EXPECT_EQ(ui_.OnlyMessageText(), "ERROR : boom");
   // At a boundary that goes on, the failure of the log itself stops nothing.
-  EXPECT_FALSE(GuardedContinue("basMain", "Main", [] { throw LegacyError(ErrorNumber::Overflow, "again"); }));
+  EXPECT_FALSE(GuardedContinue(session, "basMain", "Main", [] { throw LegacyError(ErrorNumber::Overflow, "again"); }));
   EXPECT_EQ(ui_.Messages().size(), 2u);
 }
 
 TEST_F(ErrorLogTest, BeforeTheTempFolderIsKnownNothingIsWrittenAnywhere) {
-  Paths().TempPath.clear();
+  session.Paths.TempPath.clear();
   const fs::path cwd = fs::current_path();
   fs::current_path(dir_.path());
-  ErrorLog("basMain", "Main->InitCreateFolder", Sample("early"));
+  ErrorLog(session, "basMain", "Main->InitCreateFolder", Sample("early"));
   fs::current_path(cwd);
   EXPECT_FALSE(fs::exists(dir_ / "Sorvik_Err.log"));
   EXPECT_EQ(ui_.OnlyMessageText(), "ERROR : early");
@@ -81,8 +81,8 @@ TEST_F(ErrorLogTest, BeforeTheTempFolderIsKnownNothingIsWrittenAnywhere) {
 
 TEST_F(ErrorLogTest, GuardedReportsAndSaysWhetherTheOperationEndedNormally) {
   ASSERT_TRUE(Start().MayGoOn);
-  EXPECT_TRUE(Guarded("basIRI", "RunIri", [] {}));
-  EXPECT_FALSE(Guarded("basIRI", "RunIri", [] { RaiseDivisionByZero("dx"); }));
+  EXPECT_TRUE(Guarded(session, "basIRI", "RunIri", [] {}));
+  EXPECT_FALSE(Guarded(session, "basIRI", "RunIri", [] { RaiseDivisionByZero("dx"); }));
   const auto lines = Lines(LogFile());
   ASSERT_EQ(lines.size(), 1u);
   EXPECT_NE(lines[0].find("[ basIRI : RunIri ]  ERROR : "), std::string::npos);

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "base/app_paths.h"
+#include "base/session.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -30,7 +31,6 @@ class Environment : public ::testing::Test {
       if (value) ::setenv(name.c_str(), value->c_str(), 1);
       else ::unsetenv(name.c_str());
     }
-    Paths() = savedPaths_;
   }
   // A plain XDG environment with the home in the temporary folder.
   void PlainHome() {
@@ -43,7 +43,6 @@ class Environment : public ::testing::Test {
 
  private:
   std::map<std::string, std::optional<std::string>> saved_;
-  AppPaths savedPaths_ = Paths();
 };
 
 TEST_F(Environment, XdgDefaultsFallBackToTheHomeFolder) {
@@ -83,19 +82,17 @@ TEST_F(Environment, VelmoraHomeMovesEverythingAndIgnoresXdg) {
   EXPECT_EQ(env.Documents, (dir_ / "v" / "Documents").string());
   EXPECT_EQ(env.Pictures, (dir_ / "v" / "Pictures").string());
   // The create flag of local application data makes the folder.
-  Paths().AppPath = "/opt/velmora";
-  EXPECT_EQ(GetFolderPath(kFolderLocalAppDataCreate), (dir_ / "v").string());
+  EXPECT_EQ(GetFolderPath("/opt/velmora", kFolderLocalAppDataCreate), (dir_ / "v").string());
   EXPECT_TRUE(fs::is_directory(dir_ / "v"));
 }
 
 TEST_F(Environment, FoldersWithoutACounterpartOrValueResolveToAppPath) {
   PlainHome();
   Set("HOME", std::nullopt);
-  Paths().AppPath = "/opt/velmora";
-  EXPECT_EQ(GetFolderPath(kFolderWindows), "/opt/velmora");
-  EXPECT_EQ(GetFolderPath(kFolderSystem), "/opt/velmora");
-  EXPECT_EQ(GetFolderPath(kFolderPersonal), "/opt/velmora");  // no home at all
-  EXPECT_EQ(GetFolderPath(12345), "/opt/velmora");
+  EXPECT_EQ(GetFolderPath("/opt/velmora", kFolderWindows), "/opt/velmora");
+  EXPECT_EQ(GetFolderPath("/opt/velmora", kFolderSystem), "/opt/velmora");
+  EXPECT_EQ(GetFolderPath("/opt/velmora", kFolderPersonal), "/opt/velmora");  // no home at all
+  EXPECT_EQ(GetFolderPath("/opt/velmora", 12345), "/opt/velmora");
 }
 
 TEST(ProgramFolder, IsTheFolderOfTheRunningBinary) {

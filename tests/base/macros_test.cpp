@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/app_paths.h"
+#include "base/session.h"
 
 namespace velmora {
 namespace {
@@ -38,33 +39,31 @@ TEST(ExpandDate, EveryMacroOnceInItsOrder) {
 class PathMacros : public ::testing::Test {
  protected:
   void SetUp() override {
-    saved_ = Paths();
-    Paths().AppPath = "/opt/velmora/bin";
-    Paths().UserLocalPath = "/home/u/.local/share/Velmora";
+    paths_.AppPath = "/opt/velmora/bin";
+    paths_.UserLocalPath = "/home/u/.local/share/Velmora";
   }
-  void TearDown() override { Paths() = saved_; }
-  AppPaths saved_;
+  AppPaths paths_;
 };
 
 TEST_F(PathMacros, AbbreviateAppPathFirstAndOnlyAtAFolderBoundary) {
-  EXPECT_EQ(uAbbreviatePathMacro("/opt/velmora/bin/Default.ini"), "$(AppPath)/Default.ini");
-  EXPECT_EQ(uAbbreviatePathMacro("/OPT/Velmora/BIN/a"), "$(AppPath)/a");
-  EXPECT_EQ(uAbbreviatePathMacro("/home/u/.local/share/Velmora/Resource/x"), "$(UserLocalPath)/Resource/x");
-  EXPECT_EQ(uAbbreviatePathMacro("/home/u/.local/share/Velmora"), "$(UserLocalPath)");
-  EXPECT_EQ(uAbbreviatePathMacro("/opt/velmora/binary/x"), "/opt/velmora/binary/x");
-  EXPECT_EQ(uAbbreviatePathMacro("/data/road.erd"), "/data/road.erd");
+  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/opt/velmora/bin/Default.ini"), "$(AppPath)/Default.ini");
+  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/OPT/Velmora/BIN/a"), "$(AppPath)/a");
+  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/home/u/.local/share/Velmora/Resource/x"), "$(UserLocalPath)/Resource/x");
+  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/home/u/.local/share/Velmora"), "$(UserLocalPath)");
+  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/opt/velmora/binary/x"), "/opt/velmora/binary/x");
+  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/data/road.erd"), "/data/road.erd");
   // A user-local tree inside the program's folder is still abbreviated by AppPath, which is tried first.
-  Paths().UserLocalPath = "/opt/velmora/bin/local";
-  EXPECT_EQ(uAbbreviatePathMacro("/opt/velmora/bin/local/x"), "$(AppPath)/local/x");
+  paths_.UserLocalPath = "/opt/velmora/bin/local";
+  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/opt/velmora/bin/local/x"), "$(AppPath)/local/x");
 }
 
 TEST_F(PathMacros, ExpandOneMacroAndFollowAMovedFolder) {
-  EXPECT_EQ(uExpandPathMacro("$(apppath)/a"), "/opt/velmora/bin/a");
-  EXPECT_EQ(uExpandPathMacro("$(AppPath)/$(UserLocalPath)"), "/opt/velmora/bin/$(UserLocalPath)");
-  const std::string stored = uAbbreviatePathMacro("/home/u/.local/share/Velmora/Project/p.prj");
-  Paths().UserLocalPath = "/mnt/other/Velmora";
-  EXPECT_EQ(uExpandPathMacro(stored), "/mnt/other/Velmora/Project/p.prj");
-  EXPECT_EQ(uExpandPathMacro("/no/macro"), "/no/macro");
+  EXPECT_EQ(uExpandPathMacro(paths_, "$(apppath)/a"), "/opt/velmora/bin/a");
+  EXPECT_EQ(uExpandPathMacro(paths_, "$(AppPath)/$(UserLocalPath)"), "/opt/velmora/bin/$(UserLocalPath)");
+  const std::string stored = uAbbreviatePathMacro(paths_, "/home/u/.local/share/Velmora/Project/p.prj");
+  paths_.UserLocalPath = "/mnt/other/Velmora";
+  EXPECT_EQ(uExpandPathMacro(paths_, stored), "/mnt/other/Velmora/Project/p.prj");
+  EXPECT_EQ(uExpandPathMacro(paths_, "/no/macro"), "/no/macro");
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "base/settings_io.h"
 
 #include <gtest/gtest.h>
@@ -22,9 +23,9 @@ class SettingsTest : public testing::FrameSandbox {
  protected:
   void SetUp() override {
     FrameSandbox::SetUp();
-    Paths().AppPath = app_.string();
-    Paths().UserLocalPath = UserLocal().string();
-    Paths().TempPath = (UserLocal() / "Temp").string();
+    session.Paths.AppPath = app_.string();
+    session.Paths.UserLocalPath = UserLocal().string();
+    session.Paths.TempPath = (UserLocal() / "Temp").string();
     fs::create_directories(UserLocal() / "Temp");
     fs::create_directories(UserLocal() / "Resource");
   }
@@ -32,10 +33,10 @@ class SettingsTest : public testing::FrameSandbox {
 };
 
 TEST_F(SettingsTest, ShippedFilesHoldTheGoldenCarAndTheAgreedDefaults) {
-  LoadGeneralSettings();
-  LoadDefaultGroups(std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, false);
+  LoadGeneralSettings(session);
+  LoadDefaultGroups(session, std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, false);
   EXPECT_TRUE(ui_.Messages().empty());
-  const CalcConditions& c = DefaultConditions();
+  const CalcConditions& c = session.DefaultConditions;
   for (const IriParams* iri : {&c.Iri, &c.RepairIri}) {
     EXPECT_EQ(iri->Speed, 80.0);
     EXPECT_EQ(iri->KsMs, 63.3);
@@ -62,7 +63,7 @@ TEST_F(SettingsTest, ShippedFilesHoldTheGoldenCarAndTheAgreedDefaults) {
   EXPECT_EQ(std::set<Colour>(c.BandColours.begin() + 1, c.BandColours.end()).size(), 9u);
   EXPECT_EQ(c.LineColour, 0xFF00FFu);
   EXPECT_EQ(c.AppliedColour, 0x00FF00u);
-  const AppSettings& s = Settings();
+  const AppSettings& s = session.Settings;
   EXPECT_EQ(s.DebugLevel, 0);
   EXPECT_EQ(s.SplushTime, 0);
   EXPECT_EQ(s.CsvProfileLimit, 0);
@@ -73,21 +74,21 @@ TEST_F(SettingsTest, ShippedFilesHoldTheGoldenCarAndTheAgreedDefaults) {
     EXPECT_EQ(std::set<Colour>(palette->begin(), palette->end()).size(), palette->size());
   }
   EXPECT_EQ(s.PaletteProfile[0], MakeColour(255, 0, 0));
-  EXPECT_EQ(GetIniValue(GeneralIniPath(), "収束判定値", "標準偏差比"), "1.1");
-  EXPECT_EQ(GetIniValue(GeneralIniPath(), "収束判定値", "最大収束回数"), "10");
-  EXPECT_EQ(ReadIniValue(GeneralIniPath(), "Filter", "FileExportName"), "");
+  EXPECT_EQ(GetIniValue(session, GeneralIniPath(session.Paths), "収束判定値", "標準偏差比"), "1.1");
+  EXPECT_EQ(GetIniValue(session, GeneralIniPath(session.Paths), "収束判定値", "最大収束回数"), "10");
+  EXPECT_EQ(ReadIniValue(GeneralIniPath(session.Paths), "Filter", "FileExportName"), "");
 }
 
 TEST_F(SettingsTest, OctaveListsKeepOnlyBandsOneToNinePalettesFillMissingParts) {
   WriteIni("TOLVAVERI.ini", {"[General]", "長波長合算Octave=1,2,0,10,3", "短波長合算Octave=9, x,8.5,7"});
   WriteIni("Default.ini", {"[ColorPalette_プロファイル分析]", "numColor=3", "Color-1= 10,20 ", "Color-3=1,2,3",
                            "[ColorPalette_補修形状検討]", "Color-1=1,1,1"});
-  LoadGeneralSettings();
-  EXPECT_EQ(Settings().LongOctaves, (std::vector<std::int32_t>{1, 2, 3}));
-  EXPECT_EQ(Settings().ShortOctaves, (std::vector<std::int32_t>{9, 7}));
+  LoadGeneralSettings(session);
+  EXPECT_EQ(session.Settings.LongOctaves, (std::vector<std::int32_t>{1, 2, 3}));
+  EXPECT_EQ(session.Settings.ShortOctaves, (std::vector<std::int32_t>{9, 7}));
   // Colour 1 lacks blue (255); colour 2 has no key and stays black.
-  EXPECT_EQ(Settings().PaletteProfile, (std::vector<Colour>{0xFF140A, 0, 0x030201}));
-  EXPECT_TRUE(Settings().PaletteRepair.empty());  // no numColor: no colours, whatever else is there
+  EXPECT_EQ(session.Settings.PaletteProfile, (std::vector<Colour>{0xFF140A, 0, 0x030201}));
+  EXPECT_TRUE(session.Settings.PaletteRepair.empty());  // no numColor: no colours, whatever else is there
   EXPECT_TRUE(ui_.Messages().empty());
 }
 
@@ -95,13 +96,13 @@ TEST_F(SettingsTest, BadNumbersAreReportedByNameWhileGoodKeysAreStillRead) {
   WriteIni("TOLVAVERI.ini", {"[General]", "DebugLevel=abc", "SplushTime=2"});
   WriteIni("Default.ini", {"[IRI解析パラメータ]", "Speed=fast", "KsMs=63.3", "[ColorPalette_プロファイル分析]",
                            "numColor=100000"});
-  LoadGeneralSettings();
-  EXPECT_EQ(Settings().DebugLevel, 0);
-  EXPECT_EQ(Settings().SplushTime, 2);
-  EXPECT_TRUE(Settings().PaletteProfile.empty());
-  LoadDefaults(2);
-  EXPECT_EQ(DefaultConditions().Iri.Speed, 0.0);
-  EXPECT_EQ(DefaultConditions().Iri.KsMs, 63.3);
+  LoadGeneralSettings(session);
+  EXPECT_EQ(session.Settings.DebugLevel, 0);
+  EXPECT_EQ(session.Settings.SplushTime, 2);
+  EXPECT_TRUE(session.Settings.PaletteProfile.empty());
+  LoadDefaults(session, 2);
+  EXPECT_EQ(session.DefaultConditions.Iri.Speed, 0.0);
+  EXPECT_EQ(session.DefaultConditions.Iri.KsMs, 63.3);
   const auto messages = ui_.Messages();
   ASSERT_EQ(messages.size(), 3u);
   EXPECT_EQ(messages[0].Title, "[ basInitialize : LoadGeneralSettings ]");
@@ -116,11 +117,11 @@ TEST_F(SettingsTest, BadNumbersAreReportedByNameWhileGoodKeysAreStillRead) {
 
 TEST_F(SettingsTest, UnreadableDefaultIniIsReportedOnceAndBuiltInsHold) {
   WriteBytes(app_ / "Default.ini", ToSystemCodePage("[移動平均パラメータ]\r\n") + "LongCutOffWavelength=\x82\r\n");
-  DefaultConditions().FilterLong = 99;
-  DefaultConditions().LongBoundary = 1;
-  LoadDefaultGroups(std::vector<int>{1, 7}, false);
-  EXPECT_EQ(DefaultConditions().FilterLong, 50);
-  EXPECT_EQ(DefaultConditions().LongBoundary, 51.2);
+  session.DefaultConditions.FilterLong = 99;
+  session.DefaultConditions.LongBoundary = 1;
+  LoadDefaultGroups(session, std::vector<int>{1, 7}, false);
+  EXPECT_EQ(session.DefaultConditions.FilterLong, 50);
+  EXPECT_EQ(session.DefaultConditions.LongBoundary, 51.2);
   EXPECT_EQ(ui_.Messages().size(), 1u);
   EXPECT_NE(ui_.OnlyMessageText().find("Default.ini: 2 行目"), std::string::npos) << ui_.OnlyMessageText();
 }
@@ -129,12 +130,12 @@ TEST_F(SettingsTest, GroupsStartFromBuiltInValuesAndIgnoreNumbersOutsideOneToTen
   WriteIni("Default.ini", {"[プロファイル分解_バンド別低減ラインパラメータ]", "1-Oct=abc", "2-Oct=", "3-Oct=2.5",
                            "[バンド別色分けリスト]", "3-Oct=10,20", "[移動平均パラメータ]",
                            "LongCutOffWavelength=40.5", "ShortCutOffWavelength=11.5"});
-  CalcConditions& c = DefaultConditions();
+  CalcConditions& c = session.DefaultConditions;
   c = CalcConditions{};
   c.Iri.Speed = 5;
   c.Iri.IriBaseLength = 10;
   c.LineColour = 1;
-  for (int group = 1; group <= 10; ++group) LoadDefaults(group);
+  for (int group = 1; group <= 10; ++group) LoadDefaults(session, group);
   EXPECT_TRUE(ui_.Messages().empty());  // bad band lines are dropped in silence
   EXPECT_TRUE(IsNoValue(c.BandLines.Value[1]));
   EXPECT_TRUE(IsNoValue(c.BandLines.Value[2]));
@@ -150,24 +151,24 @@ TEST_F(SettingsTest, GroupsStartFromBuiltInValuesAndIgnoreNumbersOutsideOneToTen
   EXPECT_EQ(c.LineColour, 0xFF00FFu);
   EXPECT_EQ(c.LongBoundary, 51.2);
   const CalcConditions before = c;
-  LoadDefaults(0);
-  LoadDefaults(11);
+  LoadDefaults(session, 0);
+  LoadDefaults(session, 11);
   EXPECT_EQ(c, before);
 }
 
 TEST_F(SettingsTest, SaveWritesGroupsThreeToSevenInTheirFormatsAndKeepsTheRest) {
   const std::string original = ReadBytes(app_ / "Default.ini");
-  LoadDefaultGroups(std::vector<int>{3, 4, 7}, false);
-  CalcConditions& c = DefaultConditions();
+  LoadDefaultGroups(session, std::vector<int>{3, 4, 7}, false);
+  CalcConditions& c = session.DefaultConditions;
   c.BandLines.Value[1] = 9.5;
   c.BandLines.Value[2] = kNoValue;
   c.LineColour = MakeColour(1, 2, 3);
   c.LongBoundary = 40;
   c.Iri.Speed = 60;
-  SaveDefaults(3);
-  SaveDefaults(4);
-  SaveDefaults(7);
-  SaveDefaults(2);  // not a group that is saved
+  SaveDefaults(session, 3);
+  SaveDefaults(session, 4);
+  SaveDefaults(session, 7);
+  SaveDefaults(session, 2);  // not a group that is saved
   const auto lines = ReadSystemTextLines(app_ / "Default.ini");
   auto has = [&](const std::string& line) { return std::find(lines.begin(), lines.end(), line) != lines.end(); };
   EXPECT_TRUE(has("1-Oct=9.50000"));
@@ -178,27 +179,27 @@ TEST_F(SettingsTest, SaveWritesGroupsThreeToSevenInTheirFormatsAndKeepsTheRest) 
   // Same number of lines: values were replaced in place, nothing added.
   EXPECT_EQ(lines.size(), ReadSystemTextLines(testing::SourceDir() / "resources" / "Default.ini").size());
   const CalcConditions saved = c;
-  LoadDefaultGroups(std::vector<int>{3, 4, 7}, false);
+  LoadDefaultGroups(session, std::vector<int>{3, 4, 7}, false);
   EXPECT_EQ(c.BandLines, saved.BandLines);
   EXPECT_EQ(c.LineColour, saved.LineColour);
   EXPECT_EQ(c.LongBoundary, 40.0);
   // Writing the loaded values back gives the file as shipped.
   WriteBytes(app_ / "Default.ini", original);
-  LoadDefaultGroups(std::vector<int>{3, 4, 5, 6, 7}, false);
-  for (int group = 3; group <= 7; ++group) SaveDefaults(group);
+  LoadDefaultGroups(session, std::vector<int>{3, 4, 5, 6, 7}, false);
+  for (int group = 3; group <= 7; ++group) SaveDefaults(session, group);
   EXPECT_EQ(ReadBytes(app_ / "Default.ini"), original);
 }
 
 TEST_F(SettingsTest, SaveToAFileThatCannotBeWrittenRaisesAndLeavesNothing) {
   fs::remove(app_ / "Default.ini");
   fs::create_directory(app_ / "Default.ini");
-  EXPECT_THROW(SaveDefaults(7), LegacyError);
+  EXPECT_THROW(SaveDefaults(session, 7), LegacyError);
   EXPECT_TRUE(fs::is_directory(app_ / "Default.ini"));
 }
 
 TEST_F(SettingsTest, PreviousValuesKeepUserLocalPathsValidAfterTheTreeMoved) {
-  SetPrevValue("CommonDialogPath", "プロジェクト読込みフォルダ", UserLocal().string() + "/Project");
-  SetPrevValue("CommonDialogPath", "ERDファイル保存", app_.string() + "/out");
+  SetPrevValue(session, "CommonDialogPath", "プロジェクト読込みフォルダ", UserLocal().string() + "/Project");
+  SetPrevValue(session, "CommonDialogPath", "ERDファイル保存", app_.string() + "/out");
   const auto stored = ReadSystemTextLines(UserLocal() / "Resource" / "前回値.ini");
   EXPECT_EQ(stored, (std::vector<std::string>{"[CommonDialogPath]", "プロジェクト読込みフォルダ=$(UserLocalPath)/Project",
                                               "ERDファイル保存=$(AppPath)/out"}));
@@ -206,20 +207,20 @@ TEST_F(SettingsTest, PreviousValuesKeepUserLocalPathsValidAfterTheTreeMoved) {
   const fs::path moved = dir_ / "elsewhere" / "Velmora";
   fs::create_directories(moved.parent_path());
   fs::rename(UserLocal(), moved);
-  Paths().UserLocalPath = moved.string();
-  EXPECT_EQ(GetPrevValue("CommonDialogPath", "プロジェクト読込みフォルダ"), moved.string() + "/Project");
-  EXPECT_EQ(GetPrevValue("CommonDialogPath", "ERDファイル保存"), app_.string() + "/out");
-  EXPECT_EQ(GetPrevValue("CommonDialogPath", "missing"), "");
-  SetPrevValue("CommonDialogPath", "blank", "");
-  EXPECT_EQ(GetPrevValue("CommonDialogPath", "blank"), "");
+  session.Paths.UserLocalPath = moved.string();
+  EXPECT_EQ(GetPrevValue(session, "CommonDialogPath", "プロジェクト読込みフォルダ"), moved.string() + "/Project");
+  EXPECT_EQ(GetPrevValue(session, "CommonDialogPath", "ERDファイル保存"), app_.string() + "/out");
+  EXPECT_EQ(GetPrevValue(session, "CommonDialogPath", "missing"), "");
+  SetPrevValue(session, "CommonDialogPath", "blank", "");
+  EXPECT_EQ(GetPrevValue(session, "CommonDialogPath", "blank"), "");
 }
 
 TEST_F(SettingsTest, BrokenPreviousValuesFileReadsEmptyWithOneReportAndIsNotOverwritten) {
   const std::string broken = "[CommonDialogPath]\r\nERDファイル追加=\xFF\xFF\r\n";
   WriteBytes(UserLocal() / "Resource" / "前回値.ini", broken);
-  EXPECT_EQ(GetPrevValue("CommonDialogPath", "ERDファイル追加"), "");
+  EXPECT_EQ(GetPrevValue(session, "CommonDialogPath", "ERDファイル追加"), "");
   EXPECT_EQ(ui_.Messages().size(), 1u);
-  SetPrevValue("CommonDialogPath", "ERDファイル追加", "/data");  // logged without a message
+  SetPrevValue(session, "CommonDialogPath", "ERDファイル追加", "/data");  // logged without a message
   EXPECT_EQ(ui_.Messages().size(), 1u);
   EXPECT_EQ(ReadBytes(UserLocal() / "Resource" / "前回値.ini"), broken);
   EXPECT_EQ(ReadSystemTextLines(UserLocal() / "Temp" / "Sorvik_Err.log").size(), 2u);

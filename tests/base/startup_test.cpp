@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "base/startup.h"
 
 #include <gtest/gtest.h>
@@ -23,11 +24,11 @@ TEST_F(StartUpTest, FreshStartBuildsTheTreeLoadsSettingsAndMayGoOn) {
   ASSERT_TRUE(result.MayGoOn);
   EXPECT_TRUE(result.Lock.Held());
   EXPECT_TRUE(ui_.Messages().empty());
-  EXPECT_EQ(Paths().AppPath, app_.string());
-  EXPECT_EQ(Paths().UserLocalPath, UserLocal().string());
-  EXPECT_EQ(Paths().TempPath, (UserLocal() / "Temp").string());
-  EXPECT_EQ(Paths().DebugPath, (UserLocal() / "Debug").string());
-  EXPECT_EQ(Paths().TempBmpPath, (UserLocal() / "Temp" / "temp.bmp").string());
+  EXPECT_EQ(session.Paths.AppPath, app_.string());
+  EXPECT_EQ(session.Paths.UserLocalPath, UserLocal().string());
+  EXPECT_EQ(session.Paths.TempPath, (UserLocal() / "Temp").string());
+  EXPECT_EQ(session.Paths.DebugPath, (UserLocal() / "Debug").string());
+  EXPECT_EQ(session.Paths.TempBmpPath, (UserLocal() / "Temp" / "temp.bmp").string());
   for (const char* sub : {"Project/Profile", "Project/Screening", "Temp", "Debug", "Resource"})
     EXPECT_TRUE(fs::is_directory(UserLocal() / sub)) << sub;
   for (const fs::path& made : {home_ / "Documents" / "Velmora", home_ / "Pictures" / "Velmora",
@@ -36,22 +37,22 @@ TEST_F(StartUpTest, FreshStartBuildsTheTreeLoadsSettingsAndMayGoOn) {
   const auto log = Lines(UserLocal() / "debug.log");
   ASSERT_EQ(log.size(), 1u);
   EXPECT_TRUE(std::regex_match(log[0], std::regex(R"(\d{4}/\d{2}/\d{2} \d{2}:\d{2}:\d{2} : \[START\])"))) << log[0];
-  EXPECT_FALSE(Paths().DebugSwitch);
+  EXPECT_FALSE(session.Paths.DebugSwitch);
   EXPECT_FALSE(result.Splash.Show);  // SplushTime=0 in the shipped file
   // The shipped conditions reached the working copy; the evaluation length comes from no file.
-  EXPECT_EQ(CurrentConditions().Iri.Speed, 80.0);
-  EXPECT_EQ(CurrentConditions().RepairIri.KtMs, 653.0);
-  EXPECT_EQ(CurrentConditions().Iri.IriBaseLength, 10.0);
-  EXPECT_EQ(CurrentConditions().RepairIri.IriBaseLength, 10.0);
-  EXPECT_EQ(CurrentConditions(), DefaultConditions());
-  EXPECT_EQ(Settings().LongOctaves, (std::vector<std::int32_t>{1, 2, 3}));
+  EXPECT_EQ(session.CurrentConditions.Iri.Speed, 80.0);
+  EXPECT_EQ(session.CurrentConditions.RepairIri.KtMs, 653.0);
+  EXPECT_EQ(session.CurrentConditions.Iri.IriBaseLength, 10.0);
+  EXPECT_EQ(session.CurrentConditions.RepairIri.IriBaseLength, 10.0);
+  EXPECT_EQ(session.CurrentConditions, session.DefaultConditions);
+  EXPECT_EQ(session.Settings.LongOctaves, (std::vector<std::int32_t>{1, 2, 3}));
 }
 
 TEST_F(StartUpTest, RestartWipesRootFilesProjectAndTempButKeepsOtherFoldersAndResource) {
   {
     StartUpResult first = Start();
     ASSERT_TRUE(first.MayGoOn);
-    SetPrevValue("CommonDialogPath", "ERDファイル追加", "/data/roads");
+    SetPrevValue(session, "CommonDialogPath", "ERDファイル追加", "/data/roads");
     WriteBytes(UserLocal() / "stray.txt", "x");
     fs::create_directories(UserLocal() / "mine" / "deep");
     WriteBytes(UserLocal() / "mine" / "deep" / "keep.txt", "keep");
@@ -71,7 +72,7 @@ TEST_F(StartUpTest, RestartWipesRootFilesProjectAndTempButKeepsOtherFoldersAndRe
   EXPECT_FALSE(fs::exists(UserLocal() / "Temp" / "t.bmp"));
   EXPECT_FALSE(fs::exists(UserLocal() / "Debug" / "Profile.csv"));
   EXPECT_TRUE(fs::exists(UserLocal() / "Debug" / "old" / "kept.csv"));  // Debug loses its files only
-  EXPECT_EQ(GetPrevValue("CommonDialogPath", "ERDファイル追加"), "/data/roads");
+  EXPECT_EQ(GetPrevValue(session, "CommonDialogPath", "ERDファイル追加"), "/data/roads");
 }
 
 TEST_F(StartUpTest, SecondInstanceIsRefusedBeforeAnyFolderWork) {
@@ -79,7 +80,7 @@ TEST_F(StartUpTest, SecondInstanceIsRefusedBeforeAnyFolderWork) {
   ASSERT_TRUE(first.MayGoOn);
   WriteBytes(UserLocal() / "Project" / "Profile" / "open.erd", "work of the first run");
   WriteBytes(UserLocal() / "stray.txt", "x");
-  const AppPaths pathsOfFirstRun = Paths();
+  const AppPaths pathsOfFirstRun = session.Paths;
   ui_.Log.clear();
 
   const StartUpResult second = Start("SWDEBUG");
@@ -92,8 +93,8 @@ TEST_F(StartUpTest, SecondInstanceIsRefusedBeforeAnyFolderWork) {
   EXPECT_EQ(messages[0].Icon, MsgIcon::Exclamation);
   EXPECT_EQ(ReadBytes(UserLocal() / "Project" / "Profile" / "open.erd"), "work of the first run");
   EXPECT_TRUE(fs::exists(UserLocal() / "stray.txt"));
-  EXPECT_EQ(Paths().UserLocalPath, pathsOfFirstRun.UserLocalPath);
-  EXPECT_FALSE(Paths().DebugSwitch);
+  EXPECT_EQ(session.Paths.UserLocalPath, pathsOfFirstRun.UserLocalPath);
+  EXPECT_FALSE(session.Paths.DebugSwitch);
 }
 
 TEST_F(StartUpTest, AnotherProcessHoldingTheLockRefusesThisOne) {
@@ -104,7 +105,7 @@ TEST_F(StartUpTest, AnotherProcessHoldingTheLockRefusesThisOne) {
   if (child == 0) {
     // The other process: starts, says so, and stays until its parent closes the pipe.
     ::close(ready[0]);
-    StartUpResult held = StartUp({"", app_.string()});
+    StartUpResult held = StartUp(session, {"", app_.string(), true});
     const char ok = held.MayGoOn ? '1' : '0';
     [[maybe_unused]] auto n = ::write(ready[1], &ok, 1);
     ::pause();
@@ -126,6 +127,16 @@ TEST_F(StartUpTest, AnotherProcessHoldingTheLockRefusesThisOne) {
   EXPECT_TRUE(Start().MayGoOn);
 }
 
+TEST_F(StartUpTest, WithoutTheDesktopRuleASessionStartsBesideARunningInstance) {
+  const StartUpResult desktop = Start();
+  ASSERT_TRUE(desktop.Lock.Held());
+  Session other;
+  const StartUpResult engine = StartUp(other, {"", app_.string(), false});
+  EXPECT_TRUE(engine.MayGoOn);
+  EXPECT_FALSE(engine.Lock.Held());
+  EXPECT_TRUE(ui_.Messages().empty());
+}
+
 TEST_F(StartUpTest, MissingDefaultIniShowsItsMessageAndEnds) {
   fs::remove(app_ / "Default.ini");
   const StartUpResult result = Start();
@@ -137,10 +148,10 @@ TEST_F(StartUpTest, MissingDefaultIniShowsItsMessageAndEnds) {
   EXPECT_EQ(messages[0].Title, "設定ファイル");
   EXPECT_EQ(messages[0].Icon, MsgIcon::Exclamation);
   // The project was reset on built-in values before the check; no start line was written.
-  EXPECT_EQ(CurrentConditions().FilterLong, 50);
-  EXPECT_EQ(CurrentConditions().Iri.Speed, 0.0);
-  EXPECT_EQ(CurrentConditions().LongBoundary, 51.2);
-  EXPECT_EQ(CurrentConditions().Iri.IriBaseLength, 10.0);
+  EXPECT_EQ(session.CurrentConditions.FilterLong, 50);
+  EXPECT_EQ(session.CurrentConditions.Iri.Speed, 0.0);
+  EXPECT_EQ(session.CurrentConditions.LongBoundary, 51.2);
+  EXPECT_EQ(session.CurrentConditions.Iri.IriBaseLength, 10.0);
   EXPECT_FALSE(fs::exists(UserLocal() / "debug.log"));
 }
 
@@ -148,11 +159,11 @@ TEST_F(StartUpTest, RelativeFoldersAreTakenAsAbsoluteWithoutATrailingSeparator) 
   const fs::path cwd = fs::current_path();
   fs::current_path(dir_.path());
   ::setenv("VELMORA_HOME", "home/", 1);
-  const StartUpResult result = StartUp({"", "./app/"});
+  const StartUpResult result = StartUp(session, {"", "./app/"});
   fs::current_path(cwd);
   ASSERT_TRUE(result.MayGoOn);
-  EXPECT_EQ(Paths().AppPath, app_.string());
-  EXPECT_EQ(Paths().UserLocalPath, UserLocal().string());
+  EXPECT_EQ(session.Paths.AppPath, app_.string());
+  EXPECT_EQ(session.Paths.UserLocalPath, UserLocal().string());
   EXPECT_TRUE(fs::is_directory(UserLocal() / "Project" / "Profile"));
 }
 
@@ -163,7 +174,7 @@ TEST_F(StartUpTest, DebugSwitchIsOneWholeWordInAnyCaseAndPlace) {
   for (const auto& [commandLine, expected] : cases) {
     StartUpResult result = Start(commandLine);
     ASSERT_TRUE(result.MayGoOn);
-    EXPECT_EQ(Paths().DebugSwitch, expected) << "\"" << commandLine << "\"";
+    EXPECT_EQ(session.Paths.DebugSwitch, expected) << "\"" << commandLine << "\"";
   }
 }
 
@@ -192,24 +203,24 @@ TEST_F(StartUpTest, UserLocalFolderThatCannotBeMadeIsReportedAndStartUpGoesOn) {
   EXPECT_NE(messages[0].Text.find("ERROR : " + UserLocal().string()), std::string::npos) << messages[0].Text;
   EXPECT_NE(messages[0].Text.find("フォルダを作成できません"), std::string::npos);
   EXPECT_EQ(ReadBytes(home_ / "Velmora"), "a file where the folder should be");
-  EXPECT_EQ(CurrentConditions().Iri.Speed, 80.0);
-  EXPECT_EQ(Settings().ShortOctaves, (std::vector<std::int32_t>{7, 8, 9}));
+  EXPECT_EQ(session.CurrentConditions.Iri.Speed, 80.0);
+  EXPECT_EQ(session.Settings.ShortOctaves, (std::vector<std::int32_t>{7, 8, 9}));
 }
 
 TEST_F(StartUpTest, NewProjectRunsTheOwnersHooksAroundTheDefaults) {
   ASSERT_TRUE(Start().MayGoOn);
   std::vector<std::string> calls;
-  ProjectHooks().ReleaseProject = [&] { calls.push_back("release " + std::to_string(CurrentConditions().Iri.Speed)); };
-  ProjectHooks().ClearRepairStudy = [&] { calls.push_back("study " + std::to_string(CurrentConditions().Iri.Speed)); };
-  Paths().ProjectFileName = "/data/a.prj";
-  Paths().ProjectDirty = true;
-  CurrentConditions().Iri.Speed = 1;
-  CurrentConditions().FilterLong = 7;
-  InitProjectData();
+  session.Hooks.ReleaseProject = [&] { calls.push_back("release " + std::to_string(session.CurrentConditions.Iri.Speed)); };
+  session.Hooks.ClearRepairStudy = [&] { calls.push_back("study " + std::to_string(session.CurrentConditions.Iri.Speed)); };
+  session.Project.FileName = "/data/a.prj";
+  session.Project.Dirty = true;
+  session.CurrentConditions.Iri.Speed = 1;
+  session.CurrentConditions.FilterLong = 7;
+  InitProjectData(session);
   EXPECT_EQ(calls, (std::vector<std::string>{"release 1.000000", "study 80.000000"}));
-  EXPECT_EQ(Paths().ProjectFileName, "");
-  EXPECT_FALSE(Paths().ProjectDirty);
-  EXPECT_EQ(CurrentConditions().FilterLong, 50);
+  EXPECT_EQ(session.Project.FileName, "");
+  EXPECT_FALSE(session.Project.Dirty);
+  EXPECT_EQ(session.CurrentConditions.FilterLong, 50);
 }
 
 TEST_F(StartUpTest, ExitQuestionAndStatisticsFlagsKeptAcrossRuns) {
@@ -217,22 +228,22 @@ TEST_F(StartUpTest, ExitQuestionAndStatisticsFlagsKeptAcrossRuns) {
     StartUpResult run = Start();
     ASSERT_TRUE(run.MayGoOn);
     ui_.Answers = {MsgAnswer::No, MsgAnswer::Yes};
-    EXPECT_FALSE(ConfirmExit());
-    EXPECT_TRUE(ConfirmExit());
+    EXPECT_FALSE(ConfirmExit(session));
+    EXPECT_TRUE(ConfirmExit(session));
     const auto messages = ui_.Messages();
     ASSERT_EQ(messages.size(), 2u);
     EXPECT_EQ(messages[0].Text, "プログラムを終了しますか？");
     EXPECT_EQ(messages[0].Title, "");
     EXPECT_EQ(messages[0].Icon, MsgIcon::Question);
     EXPECT_EQ(messages[0].Buttons, MsgButtons::YesNo);
-    SaveStatisticsFlags({true, false, true, true, false});
+    SaveStatisticsFlags(session, {true, false, true, true, false});
   }
   ASSERT_TRUE(Start().MayGoOn);
   // 統計値 / 表示指定情報 in Shift-JIS: 93 9D 8C 76 92 6C / 95 5C 8E A6 8E 77 92 E8 8F EE 95 F1.
   EXPECT_NE(ReadBytes(UserLocal() / "Resource" / "前回値.ini")
                 .find("[\x93\x9d\x8c\x76\x92\x6c]\r\n\x95\x5c\x8e\xa6\x8e\x77\x92\xe8\x8f\xee\x95\xf1=1,0,1,1,0\r\n"),
             std::string::npos);
-  EXPECT_EQ(LoadStatisticsFlags(), (std::vector<bool>{true, false, true, true, false}));
+  EXPECT_EQ(LoadStatisticsFlags(session), (std::vector<bool>{true, false, true, true, false}));
 }
 
 }  // namespace

@@ -1,11 +1,15 @@
 // velmora stats and velmora xcorr end to end on ERD files written here: exit status, the files in -o
 // and their first lines, and the shifted copy.
+#include "base/session.h"
 #include "cli_fixture.h"
 #include "profile/erd_file.h"
 #include "support/profile_fixture.h"
 
 namespace velmora {
 namespace {
+
+// Reads back what the program wrote; nothing here asks anything.
+Session quiet_;
 
 using testing::CliTest;
 using testing::Ramp;
@@ -55,7 +59,7 @@ TEST_F(CliTest, XcorrPrintsTheTableWritesSixFilesAndTheShiftedCopy) {
   const auto shift = ReadSystemTextLines(WrittenWith("CC_ずらし量_"));
   EXPECT_EQ(shift[0], ",,,,,,,ずらし量");
   ErdRecord copy;
-  ASSERT_TRUE(ReadERD((temp / "out" / "B-3P.ERD").string(), copy));
+  ASSERT_TRUE(ReadERD(quiet_, (temp / "out" / "B-3P.ERD").string(), copy));
   EXPECT_NEAR(copy.KpStart, 1.0 - 3 * 0.25 / 1000, 1e-9);  // km
   EXPECT_EQ(copy.Title, "B(-3P)");
 }

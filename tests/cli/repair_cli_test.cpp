@@ -1,11 +1,15 @@
 // velmora repair end to end on a bundled example: exit status, printed IRIs and the files it writes.
 #include <regex>
 
+#include "base/session.h"
 #include "cli_fixture.h"
 #include "profile/erd_file.h"
 
 namespace velmora {
 namespace {
+
+// Reads back what the program wrote; nothing here asks anything.
+Session quiet_;
 
 using testing::CliTest;
 
@@ -37,7 +41,7 @@ TEST_F(CliTest, WritesTheFiveStudyFilesTheRegisteredWavesAndPrintsTheThreeIris) 
   ASSERT_EQ(erds.size(), 2u);
   EXPECT_EQ(out.substr(iris.size()), "registered\t" + erds[0] + "\nregistered\t" + erds[1] + "\n");
   ErdRecord wave;
-  ASSERT_TRUE(ReadERD((temp / "out" / erds[0]).string(), wave));
+  ASSERT_TRUE(ReadERD(quiet_, (temp / "out" / erds[0]).string(), wave));
   EXPECT_EQ(wave.NumSamples, 5000);
   EXPECT_EQ(wave.Title, "Test road B, right wheel path(L)");
 }

@@ -1,11 +1,11 @@
 #pragma once
-// Shared by the evaluation tests: a profile list made of records built in memory, and a temporary
-// user-local tree for the error log, the remembered folders and the project's profiles.
+// Shared by the evaluation tests: a profile list made of records built in memory, and a session with a
+// temporary user-local tree.
 #include <filesystem>
 #include <vector>
 
-#include "base/app_paths.h"
 #include "profile/profile_list.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora::testing {
@@ -17,16 +17,14 @@ inline ProfileList ListOf(std::vector<ProfileRecord> profiles) {
   return list;
 }
 
-struct Workplace {
-  TempDir dir;
-  AppPaths saved = Paths();
-  Workplace() {
-    Paths().UserLocalPath = dir.path().string();
-    Paths().TempPath = (dir / "Temp").string();
-    std::filesystem::create_directories(dir / "Temp");
-    std::filesystem::create_directories(dir / "Resource");
+// The session fixture with the user-local tree in its temporary folder, for the error log, the
+// remembered folders and the project's profiles.
+class EvaluationTest : public SessionTest {
+ protected:
+  EvaluationTest() {
+    session.Paths.UserLocalPath = dir_.path().string();
+    std::filesystem::create_directories(dir_ / "Resource");
   }
-  ~Workplace() { Paths() = saved; }
 };
 
 }  // namespace velmora::testing

@@ -9,6 +9,7 @@
 #include "base/text_encoding.h"
 #include "evaluation_fixture.h"
 #include "support/profile_fixture.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -16,7 +17,6 @@ namespace {
 
 using testing::ListOf;
 using testing::ScriptedUi;
-using testing::Workplace;
 using testing::TempDir;
 using Row = std::vector<std::string>;
 
@@ -37,10 +37,12 @@ StatisticsSelection MeanOfFullWave() {
   return s;
 }
 
-TEST(CheckStatisticsSelection, MessagesInOrderAndSidesTurnedOffQuietly) {
-  auto refused = [](std::int32_t count, StatisticsSelection s) {
-    ScriptedUi ui;
-    EXPECT_FALSE(CheckStatisticsSelection(count, s));
+class CheckStatisticsSelectionTest : public testing::EvaluationTest {};
+
+TEST_F(CheckStatisticsSelectionTest, MessagesInOrderAndSidesTurnedOffQuietly) {
+  auto refused = [this](std::int32_t count, StatisticsSelection s) {
+    ScriptedUi ui(session);
+    EXPECT_FALSE(CheckStatisticsSelection(session, count, s));
     EXPECT_EQ(ui.Messages().at(0).Title, "警告");
     return ui.OnlyMessageText();
   };
@@ -60,12 +62,12 @@ TEST(CheckStatisticsSelection, MessagesInOrderAndSidesTurnedOffQuietly) {
   s.IriMeasures[1] = true;
   EXPECT_EQ(refused(1, s), "IRI算出基準長(IRI)は１個以上選択してください。");
   s.IriLengths[3] = true;
-  ScriptedUi quiet;
-  EXPECT_TRUE(CheckStatisticsSelection(1, s));
+  ScriptedUi quiet(session);
+  EXPECT_TRUE(CheckStatisticsSelection(session, 1, s));
   EXPECT_TRUE(s.ProfileSide && s.IriSide);
   // No band and the header off: that side is simply not wanted.
   StatisticsSelection profileOnly = MeanOfFullWave();
-  EXPECT_TRUE(CheckStatisticsSelection(2, profileOnly));
+  EXPECT_TRUE(CheckStatisticsSelection(session, 2, profileOnly));
   EXPECT_FALSE(profileOnly.IriSide);
   EXPECT_TRUE(quiet.Log.empty());
   EXPECT_EQ(StatisticsSettingLines(profileOnly)[0], "プロファイル(帯域) = 全波長");
@@ -103,15 +105,16 @@ TEST(BuildSectionGrid, FirstBordersAndCountsByHand) {
   EXPECT_NEAR(BuildSectionGrid(12.3, 12.4, 200, 0.25).FirstKp, 12.2, 1e-12);
 }
 
-TEST(RunStatistics, TenMetreBlocksOnTheCommonGridUpAndDown) {
-  Workplace place;
-  ScriptedUi ui;
+class RunStatisticsTest : public testing::EvaluationTest {};
+
+TEST_F(RunStatisticsTest, TenMetreBlocksOnTheCommonGridUpAndDown) {
+  ScriptedUi ui(session);
   // B from 1.000 km and A from 1.005 km, both up; C falls from 1.09975 to 1.000 km. 400 samples of
   // 0.25 m each; the common 10 m grid runs from 1.000 with 11 sections (the last border 1.110).
   ProfileList list = ListOf({PlainRamp("A", 400, 1.005), PlainRamp("B", 400, 1.0), PlainRamp("C", 400, 1.09975, 1)});
   const std::vector<std::int32_t> rows = {1, 2, 3};
   StatisticsResults results;
-  ASSERT_TRUE(RunStatistics(list, rows, MeanOfFullWave(), {}, results));
+  ASSERT_TRUE(RunStatistics(session, list, rows, MeanOfFullWave(), {}, results));
   EXPECT_EQ(results.Grid[0].SectionCount, 11);
   const StatisticsPage& whole = results.Pages[0];
   EXPECT_EQ(results.Pages[0].Caption, "全区間(Prof)");
@@ -134,9 +137,8 @@ TEST(RunStatistics, TenMetreBlocksOnTheCommonGridUpAndDown) {
   EXPECT_EQ(tens.RowText(14), (Row{"1.100", "390.50000000", "", ""}));
 }
 
-TEST(RunStatistics, IriPagesScaleWithTheProfileAndListTheFixedSections) {
-  Workplace place;
-  ScriptedUi ui;
+TEST_F(RunStatisticsTest, IriPagesScaleWithTheProfileAndListTheFixedSections) {
+  ScriptedUi ui(session);
   ProfileList list = ListOf({Ramp("A", 2000), Ramp("B", 2000, 2.0)});
   const std::vector<std::int32_t> rows = {1, 2};
   StatisticsSelection s;
@@ -144,7 +146,7 @@ TEST(RunStatistics, IriPagesScaleWithTheProfileAndListTheFixedSections) {
   s.IriMeasures = {true, false, true, true, false};
   s.IriLengths = {true, true, false, false};
   StatisticsResults results;
-  ASSERT_TRUE(RunStatistics(list, rows, s, {}, results));
+  ASSERT_TRUE(RunStatistics(session, list, rows, s, {}, results));
   EXPECT_TRUE(results.Pages[0].Empty());
   const StatisticsPage& whole = results.Pages[4];
   ASSERT_EQ(whole.RowCount(), 5u);
@@ -171,20 +173,21 @@ TEST(RunStatistics, IriPagesScaleWithTheProfileAndListTheFixedSections) {
   EXPECT_TRUE(results.Pages[6].Empty());
 }
 
-TEST(SaveStatistics, OneFilePerPageWithDataNamedByCaption) {
-  Workplace place;
-  ScriptedUi ui;
+class SaveStatisticsTest : public testing::EvaluationTest {};
+
+TEST_F(SaveStatisticsTest, OneFilePerPageWithDataNamedByCaption) {
+  ScriptedUi ui(session);
   StatisticsResults none;
-  EXPECT_FALSE(SaveStatistics(none, "A", ""));
+  EXPECT_FALSE(SaveStatistics(session, none, "A", ""));
   EXPECT_EQ(ui.OnlyMessageText(), "統計値が計算されていません。");
 
   ProfileList list = ListOf({PlainRamp("A", 400, 1.0)});
   const std::vector<std::int32_t> rows = {1};
   StatisticsResults results;
-  ASSERT_TRUE(RunStatistics(list, rows, MeanOfFullWave(), {}, results));
+  ASSERT_TRUE(RunStatistics(session, list, rows, MeanOfFullWave(), {}, results));
   TempDir out;
   ui.Files.push_back({out.path().string()});
-  ASSERT_TRUE(SaveStatistics(results, "A", ""));
+  ASSERT_TRUE(SaveStatistics(session, results, "A", ""));
   std::vector<std::string> names;
   for (const auto& e : std::filesystem::directory_iterator(out.path())) names.push_back(e.path().filename().string());
   std::sort(names.begin(), names.end());
@@ -195,7 +198,7 @@ TEST(SaveStatistics, OneFilePerPageWithDataNamedByCaption) {
 
   TempDir named;
   ui.Files.push_back({named.path().string()});
-  ASSERT_TRUE(SaveStatistics(results, "A", "$(PROFILENAME)$-$(出力種別)$"));
+  ASSERT_TRUE(SaveStatistics(session, results, "A", "$(PROFILENAME)$-$(出力種別)$"));
   const auto lines = ReadSystemTextLines(named / "A-10m(Prof).CSV");
   EXPECT_EQ(lines[0], "プロファイル,A");
   EXPECT_EQ(lines[3], "KP,");

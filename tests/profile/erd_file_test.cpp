@@ -10,6 +10,7 @@
 #include <fstream>
 
 #include "base/legacy_error.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -24,8 +25,9 @@ std::filesystem::path Fixture(const std::string& name) { return testing::SourceD
 
 ErdRecord ReadOk(const std::filesystem::path& path) {
   ScriptedUi ui;
+  Session session(ui);
   ErdRecord rec;
-  EXPECT_TRUE(ReadERD(path.string(), rec)) << path;
+  EXPECT_TRUE(ReadERD(session, path.string(), rec)) << path;
   EXPECT_TRUE(ui.Messages().empty()) << path;
   return rec;
 }
@@ -50,7 +52,9 @@ const char* const kSmallRecordHeadTail =
     "XLABEL  Distance\r\nXUNITS  m\r\nFORMAT  (G14.6)\r\nEND\r\n"
     "1.50000000 \r\n-0.25000000 \r\n1234.56789000 \r\n";
 
-TEST(WriteErd, LayoutIsByteExact) {
+class WriteErd : public testing::SessionTest {};
+
+TEST_F(WriteErd, LayoutIsByteExact) {
   TempDir dir;
   const std::string path = (dir / "small.erd").string();
   EXPECT_TRUE(WriteERD(path, SmallRecord()));
@@ -60,7 +64,7 @@ TEST(WriteErd, LayoutIsByteExact) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1);  // no temporary left
 }
 
-TEST(WriteErd, ShortNameWithFullStopGetsLeftElevation) {
+TEST_F(WriteErd, ShortNameWithFullStopGetsLeftElevation) {
   ErdRecord rec = SmallRecord();
   rec.ShortName[1] = "RElev.";
   EXPECT_EQ(ErdHeaderLines(rec)[4], "LONGNAMELeft Elevation");
@@ -68,7 +72,7 @@ TEST(WriteErd, ShortNameWithFullStopGetsLeftElevation) {
   EXPECT_EQ(ErdHeaderLines(rec)[4], "LONGNAMERight Elevation");
 }
 
-TEST(WriteErd, TitleComposesKpAndRepairRange) {
+TEST_F(WriteErd, TitleComposesKpAndRepairRange) {
   ErdRecord rec = SmallRecord();
   rec.RepairRangeStart = 1.5;
   EXPECT_EQ(ComposeErdTitle(rec), "T");  // a range without a KP start is not written
@@ -87,7 +91,7 @@ TEST(WriteErd, TitleComposesKpAndRepairRange) {
 
 // Read, write, read, write: the same bytes both times and the same record. The examples are in the
 // writer's own layout and come back unchanged.
-TEST(WriteErd, RewritesAreByteIdentical) {
+TEST_F(WriteErd, RewritesAreByteIdentical) {
   TempDir dir;
   std::vector<std::filesystem::path> files{Fixture("sjis_title_with_kp.erd"), Fixture("kp_no_value.erd")};
   for (const auto& entry : std::filesystem::directory_iterator(testing::SourceDir() / "examples"))
@@ -120,7 +124,7 @@ TEST(WriteErd, RewritesAreByteIdentical) {
   EXPECT_TRUE(noKp.RepairRangeText.empty());
 }
 
-TEST(WriteErd, MoreSamplesClaimedThanHeldIsAnErrorAndWritesNothing) {
+TEST_F(WriteErd, MoreSamplesClaimedThanHeldIsAnErrorAndWritesNothing) {
   TempDir dir;
   ErdRecord rec = SmallRecord();
   rec.NumSamples = 4;
@@ -128,7 +132,7 @@ TEST(WriteErd, MoreSamplesClaimedThanHeldIsAnErrorAndWritesNothing) {
   EXPECT_FALSE(std::filesystem::exists(dir / "x.erd"));
 }
 
-class UpdateErdTest : public ::testing::Test {
+class UpdateErdTest : public testing::SessionTest {
  protected:
   void SetUp() override {
     path_ = (dir_ / "p.erd").string();
@@ -141,8 +145,8 @@ class UpdateErdTest : public ::testing::Test {
 };
 
 TEST_F(UpdateErdTest, ReplacesOnlyTheTitleLine) {
-  ScriptedUi ui;
-  EXPECT_TRUE(UpdateERD(path_, "新題｜1.00000++"));
+  testing::ScriptedUi ui(session);
+  EXPECT_TRUE(UpdateERD(session, path_, "新題｜1.00000++"));
   std::string expected = original_;
   const std::size_t start = expected.find("TITLE");
   const std::size_t end = expected.find("\r\n", start);
@@ -155,16 +159,16 @@ TEST_F(UpdateErdTest, ReplacesOnlyTheTitleLine) {
   EXPECT_EQ(messages[0].Title, "ファイル更新");
   EXPECT_EQ(messages[0].Icon, MsgIcon::Information);
 
-  ScriptedUi quiet;
-  EXPECT_TRUE(UpdateERD(path_, "x", /*showMessage=*/false));
+  ScriptedUi quiet(session);
+  EXPECT_TRUE(UpdateERD(session, path_, "x", /*showMessage=*/false));
   EXPECT_TRUE(quiet.Messages().empty());
   EXPECT_EQ(ReadOk(path_).Title, "x");
 }
 
 TEST_F(UpdateErdTest, MissingFileShowsMessageE) {
-  ScriptedUi ui;
+  testing::ScriptedUi ui(session);
   const std::string missing = (dir_ / "none.erd").string();
-  EXPECT_FALSE(UpdateERD(missing, "x"));
+  EXPECT_FALSE(UpdateERD(session, missing, "x"));
   EXPECT_EQ(ui.OnlyMessageText(),
             "ファイルが見つかりませんでした。\r\n\r\nファイル名：" + missing + "\r\n\r\n確認してください。");
   EXPECT_EQ(ui.Messages()[0].Icon, MsgIcon::Information);
@@ -178,8 +182,8 @@ TEST_F(UpdateErdTest, FailureInReadOnlyFolderLeavesTheOriginalIntact) {
     fs::permissions(dir_.path(), fs::perms::owner_all);
     GTEST_SKIP() << "folder permissions are not enforced for this user";
   }
-  ScriptedUi ui;
-  EXPECT_FALSE(UpdateERD(path_, "x"));
+  testing::ScriptedUi ui(session);
+  EXPECT_FALSE(UpdateERD(session, path_, "x"));
   fs::permissions(dir_.path(), fs::perms::owner_all);
   EXPECT_EQ(ReadBytes(path_), original_);
   ASSERT_EQ(ui.Messages().size(), 1u);
@@ -195,8 +199,8 @@ TEST_F(UpdateErdTest, FailedWriteLeavesTheOriginalIntact) {
   rlimit tight = saved;
   tight.rlim_cur = 64;
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tight), 0);
-  ScriptedUi ui;
-  const bool result = UpdateERD(path_, "x");
+  testing::ScriptedUi ui(session);
+  const bool result = UpdateERD(session, path_, "x");
   setrlimit(RLIMIT_FSIZE, &saved);
   signal(SIGXFSZ, previousHandler);
   EXPECT_FALSE(result);

@@ -191,9 +191,10 @@ TEST_P(ErdRead, GivesTheValuesOrTheErrorNamingTheFile) {
   if (c.bytes) testing::WriteBytes(path, *c.bytes);
 
   testing::ScriptedUi ui;
+  Session session(ui);
   ProfileRecord profile;
   try {
-    EXPECT_EQ(ReadProfile(path.string(), profile), c.outcome == Outcome::Reads);
+    EXPECT_EQ(ReadProfile(session, path.string(), profile), c.outcome == Outcome::Reads);
     EXPECT_TRUE(c.outcome == Outcome::Reads || c.outcome == Outcome::Refused) << "no error";
   } catch (const LegacyError& error) {
     const std::string what = error.what();

@@ -5,8 +5,7 @@
 #include <filesystem>
 #include <string>
 
-#include "base/app_paths.h"
-#include "base/settings.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -16,25 +15,19 @@ inline std::string Fixture(const std::string& name) {
 }
 
 // A scratch user-local tree and a palette of three colours for each test.
-class ProfileListTest : public ::testing::Test {
+class ProfileListTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    savedPaths_ = Paths();
-    savedSettings_ = Settings();
-    Paths().UserLocalPath = (dir_ / "local").string();
-    Paths().TempPath = (dir_ / "local" / "Temp").string();
-    Paths().AppPath = (dir_ / "app").string();
-    std::filesystem::create_directories(Paths().TempPath);
+    session.Paths.UserLocalPath = (dir_ / "local").string();
+    session.Paths.TempPath = (dir_ / "local" / "Temp").string();
+    session.Paths.AppPath = (dir_ / "app").string();
+    std::filesystem::create_directories(session.Paths.TempPath);
     std::filesystem::create_directories(dir_ / "local" / "Resource");
-    std::filesystem::create_directories(Paths().AppPath);
-    Paths().ProjectDirty = false;
-    Settings().PaletteProfile = {0x0000FF, 0x00FF00, 0xFF0000};
-    Settings().PaletteRepair = {0x111111, 0x222222};
-    Settings().CsvProfileLimit = 0;
-  }
-  void TearDown() override {
-    Paths() = savedPaths_;
-    Settings() = savedSettings_;
+    std::filesystem::create_directories(session.Paths.AppPath);
+    session.Project.Dirty = false;
+    session.Settings.PaletteProfile = {0x0000FF, 0x00FF00, 0xFF0000};
+    session.Settings.PaletteRepair = {0x111111, 0x222222};
+    session.Settings.CsvProfileLimit = 0;
   }
   // A copy of a fixture under another name, in the source folder of the test.
   std::string Source(const std::string& name, const std::string& fixture = "line2_free_widths.erd") {
@@ -47,9 +40,6 @@ class ProfileListTest : public ::testing::Test {
     return dir_ / "local" / "Project" / "Profile" / fileName;
   }
 
-  testing::TempDir dir_;
-  AppPaths savedPaths_;
-  AppSettings savedSettings_;
 };
 
 }  // namespace velmora

@@ -1,5 +1,6 @@
 // The profile list's commands: add through the dialog, the PMS refusal, export as ERD or CSV, rename,
 // remove, moves and the buttons they enable, and the limit of fifty per action.
+#include "base/session.h"
 #include "profile/profile_edit.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include "base/settings_io.h"
 #include "profile/erd_file.h"
 #include "profile/list_fixture.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -25,8 +27,8 @@ class ProfileEditTest : public ProfileListTest {
   void Register(const std::vector<std::string>& names, std::vector<std::int32_t> selected = {}) {
     std::vector<std::string> paths;
     for (const auto& name : names) paths.push_back(Source(name + ".erd"));
-    ScriptedUi ui;
-    ASSERT_TRUE(AddProfileList(list_, paths, true));
+    testing::ScriptedUi ui(session);
+    ASSERT_TRUE(AddProfileList(session, list_, paths, true));
     SelectProfileRows(list_, std::move(selected));
   }
   ProfileList list_;
@@ -34,25 +36,25 @@ class ProfileEditTest : public ProfileListTest {
 
 TEST_F(ProfileEditTest, AddAsksForFilesRemembersTheFolderAndQueuesTextFiles) {
   const std::string a = Source("a.erd"), text = Source("b.csv"), other = Source("c.dat");
-  ScriptedUi ui;
+  testing::ScriptedUi ui(session);
   ui.Files = {{a, text, other}};
-  const ProfileEditResult result = cmdProfileEdit(list_, 0);
+  const ProfileEditResult result = cmdProfileEdit(session, list_, 0);
   EXPECT_EQ(list_.Views[0].Rows, (std::vector<std::string>{"a"}));
   EXPECT_EQ(result.TextImports, (std::vector<std::string>{text}));
   ASSERT_FALSE(ui.Log.empty());
   EXPECT_EQ(ui.Log[0].Kind, "open");
-  EXPECT_EQ(ui.Log[0].Text, Paths().AppPath);  // nothing remembered yet: start in AppPath
-  EXPECT_EQ(GetPrevValue("CommonDialogPath", "ERDファイル追加"), (dir_ / "src").string());
+  EXPECT_EQ(ui.Log[0].Text, session.Paths.AppPath);  // nothing remembered yet: start in AppPath
+  EXPECT_EQ(GetPrevValue(session, "CommonDialogPath", "ERDファイル追加"), (dir_ / "src").string());
 
-  ScriptedUi cancelled;  // no files: the command ends
-  EXPECT_TRUE(cmdProfileEdit(list_, 0).TextImports.empty());
+  ScriptedUi cancelled(session);  // no files: the command ends
+  EXPECT_TRUE(cmdProfileEdit(session, list_, 0).TextImports.empty());
   EXPECT_EQ(cancelled.Log.at(0).Text, (dir_ / "src").string());
   EXPECT_EQ(list_.Count(), 1);
 }
 
 TEST_F(ProfileEditTest, PmsAddIsAStandingRefusal) {
-  ScriptedUi ui;
-  cmdProfileEdit(list_, 1);
+  testing::ScriptedUi ui(session);
+  cmdProfileEdit(session, list_, 1);
   EXPECT_EQ(ui.OnlyMessageText(), "この機能は現在対応していません。");
   EXPECT_EQ(list_.Count(), 0);
 }
@@ -62,28 +64,28 @@ TEST_F(ProfileEditTest, ExportAsErdUsesFreeNamesInTheChosenFolder) {
   const auto out = dir_ / "out";
   std::filesystem::create_directories(out);
   for (int round = 0; round < 2; ++round) {
-    ScriptedUi ui;
+    testing::ScriptedUi ui(session);
     ui.Files = {{(out / "ignored.Dummy").string()}};
-    cmdProfileEdit(list_, 2, ProfileExportFormat::Erd);
+    cmdProfileEdit(session, list_, 2, ProfileExportFormat::Erd);
     EXPECT_EQ(ui.Log.at(0).Text, "フォルダ名の取得に使用され、ファイル名は無視されます");
     ASSERT_EQ(ui.Messages().size(), 1u);
     EXPECT_EQ(ui.Messages()[0].Text, "ERDファイルを保存しました。 \r\n保存先：" + out.string());
     EXPECT_EQ(ui.Messages()[0].Title, "データ保存");
   }
   for (const char* name : {"p.ERD", "q.ERD", "p(001).ERD", "q(001).ERD"}) EXPECT_TRUE(std::filesystem::exists(out / name)) << name;
-  ScriptedUi ui;
+  testing::ScriptedUi ui(session);
   ErdRecord back;
-  ASSERT_TRUE(ReadERD((out / "q(001).ERD").string(), back));
+  ASSERT_TRUE(ReadERD(session, (out / "q(001).ERD").string(), back));
   EXPECT_EQ(back.Elevation, list_.Items[2].Erd.Elevation);
 }
 
 TEST_F(ProfileEditTest, ExportAsCsvPutsProfilesSideBySide) {
-  ScriptedUi ui;
-  ASSERT_TRUE(AddProfileList(list_, {Source("long.erd"), Source("short.erd", "feet_units.erd")}, true));
+  testing::ScriptedUi ui(session);
+  ASSERT_TRUE(AddProfileList(session, list_, {Source("long.erd"), Source("short.erd", "feet_units.erd")}, true));
   SelectProfileRows(list_, {1, 2});
   const std::string csv = (dir_ / "both.CSV").string();
   ui.Files = {{csv}};
-  cmdProfileEdit(list_, 2, ProfileExportFormat::Csv);
+  cmdProfileEdit(session, list_, 2, ProfileExportFormat::Csv);
   EXPECT_EQ(ReadBytes(csv),
             "\"ERDFILEV2.00\",\"ERDFILEV2.00\"\r\n"
             "\"      1,      3,      3,      1,      5, 0.250000    ,     -1,\","
@@ -111,11 +113,11 @@ TEST_F(ProfileEditTest, ExportAsCsvPutsProfilesSideBySide) {
 
 TEST_F(ProfileEditTest, CsvLimitSpreadsProfilesOverFurtherFiles) {
   Register({"a", "b", "c"}, {1, 2, 3});
-  Settings().CsvProfileLimit = 2;
-  ScriptedUi ui;
+  session.Settings.CsvProfileLimit = 2;
+  testing::ScriptedUi ui(session);
   const std::string csv = (dir_ / "part.CSV").string();
   ui.Files = {{csv}};
-  cmdProfileEdit(list_, 2, ProfileExportFormat::Csv);
+  cmdProfileEdit(session, list_, 2, ProfileExportFormat::Csv);
   const std::string first = ReadBytes(csv), second = ReadBytes(dir_ / "part(001).CSV");
   EXPECT_EQ(first.substr(0, first.find("\r\n")), "\"ERDFILEV2.00\",\"ERDFILEV2.00\"");
   EXPECT_EQ(second.substr(0, second.find("\r\n")), "\"ERDFILEV2.00\"");
@@ -123,8 +125,8 @@ TEST_F(ProfileEditTest, CsvLimitSpreadsProfilesOverFurtherFiles) {
 
 TEST_F(ProfileEditTest, ExportWithNothingSelectedDoesNothing) {
   Register({"a"});
-  ScriptedUi ui;
-  cmdProfileEdit(list_, 2);
+  testing::ScriptedUi ui(session);
+  cmdProfileEdit(session, list_, 2);
   EXPECT_TRUE(ui.Log.empty());
 }
 
@@ -132,9 +134,9 @@ TEST_F(ProfileEditTest, RenameAsksAgainForATakenNameThenMovesTheFile) {
   Register({"first", "second"}, {2});
   std::string oldSource, newSource;
   list_.Hooks.RenameStudySources = [&](const std::string& o, const std::string& n) { oldSource = o, newSource = n; };
-  ScriptedUi ui;
+  testing::ScriptedUi ui(session);
   ui.Inputs = {" FIRST ", "third"};
-  cmdProfileEdit(list_, 3);
+  cmdProfileEdit(session, list_, 3);
   const auto& log = ui.Log;
   ASSERT_EQ(log.size(), 3u);
   EXPECT_EQ(log[0].Kind, "input");
@@ -153,20 +155,20 @@ TEST_F(ProfileEditTest, RenameAsksAgainForATakenNameThenMovesTheFile) {
 TEST_F(ProfileEditTest, RenameEndsOnCancelEmptyOrUnchanged) {
   Register({"one"}, {1});
   for (const std::vector<std::string>& inputs : {std::vector<std::string>{}, {""}, {"one"}}) {
-    ScriptedUi ui;
+    testing::ScriptedUi ui(session);
     ui.Inputs.assign(inputs.begin(), inputs.end());
-    Paths().ProjectDirty = false;
-    cmdProfileEdit(list_, 3);
+    session.Project.Dirty = false;
+    cmdProfileEdit(session, list_, 3);
     EXPECT_EQ(list_.Items[1].FileName, "one.erd");
-    EXPECT_FALSE(Paths().ProjectDirty);
+    EXPECT_FALSE(session.Project.Dirty);
     EXPECT_EQ(ui.Log.size(), 1u);
   }
 }
 
 TEST_F(ProfileEditTest, RemovingAllRowsLeavesAnEmptyListWithEveryButtonDisabled) {
   Register({"a", "b", "c"}, {1, 2, 3});
-  ScriptedUi ui;
-  cmdProfileEdit(list_, 4);
+  testing::ScriptedUi ui(session);
+  cmdProfileEdit(session, list_, 4);
   const auto question = ui.Messages().at(0);
   EXPECT_EQ(question.Text, "選択されているプロファイルをプロジェクトリストから解除します。\r\nよろしいですか？");
   EXPECT_EQ(question.Title, "警告");
@@ -183,12 +185,12 @@ TEST_F(ProfileEditTest, RemovingAllRowsLeavesAnEmptyListWithEveryButtonDisabled)
 
 TEST_F(ProfileEditTest, RemovingARowRecoloursTheRestByPosition) {
   Register({"a", "b", "c", "d"}, {1});
-  ScriptedUi cancel;
+  ScriptedUi cancel(session);
   cancel.Answers = {MsgAnswer::Cancel};
-  cmdProfileEdit(list_, 4);
+  cmdProfileEdit(session, list_, 4);
   EXPECT_EQ(list_.Count(), 4);
-  ScriptedUi ui;
-  cmdProfileEdit(list_, 4);
+  testing::ScriptedUi ui(session);
+  cmdProfileEdit(session, list_, 4);
   EXPECT_EQ(list_.Views[0].Rows, (std::vector<std::string>{"b", "c", "d"}));
   EXPECT_EQ(list_.Items[1].FileName, "b.erd");
   EXPECT_EQ(list_.Views[0].Panels, (std::vector<Colour>{0x0000FF, 0x00FF00, 0xFF0000}));
@@ -201,9 +203,9 @@ TEST_F(ProfileEditTest, MovesSwapNeighboursAndFollowTheButtons) {
   ProfileListButtons b = ProfileButtonStates(list_);
   EXPECT_TRUE(b.Export && b.Rename && b.Remove && b.MoveDown);
   EXPECT_FALSE(b.MoveUp);
-  EXPECT_FALSE(cmd上下移動(list_, 0));
-  ASSERT_TRUE(cmd上下移動(list_, 1));
-  ASSERT_TRUE(cmd上下移動(list_, 1));
+  EXPECT_FALSE(cmd上下移動(session, list_, 0));
+  ASSERT_TRUE(cmd上下移動(session, list_, 1));
+  ASSERT_TRUE(cmd上下移動(session, list_, 1));
   for (const ProfileListView& view : list_.Views) EXPECT_EQ(view.Rows, (std::vector<std::string>{"b", "c", "a"}));
   EXPECT_EQ(list_.Items[3].FileName, "a.erd");
   EXPECT_EQ(list_.SelectedRows, (std::vector<std::int32_t>{3}));
@@ -229,20 +231,22 @@ TEST_F(ProfileEditTest, SelectionChangeStoresThePreviousProfileFirst) {
   EXPECT_EQ(list_.Selected, 0);
 }
 
-TEST(ProfileDialog, FiftyPassFiftyOneDoNot) {
+class ProfileDialog : public testing::SessionTest {};
+
+TEST_F(ProfileDialog, FiftyPassFiftyOneDoNot) {
   ProfileDialogChoice ticked;
   ticked.AppendDateTime = 1;
   for (int i = 1; i <= 50; ++i) ticked.Names.push_back(fmt::format("p{}", i));
-  ScriptedUi ui;
-  const auto fifty = AcceptProfileDialog(ProfileDialogKind::Register, ticked);
+  testing::ScriptedUi ui(session);
+  const auto fifty = AcceptProfileDialog(session, ProfileDialogKind::Register, ticked);
   ASSERT_TRUE(fifty.has_value());
   EXPECT_EQ(fifty->Names.size(), 50u);
   EXPECT_EQ(fifty->AppendDateTime, 1);
   EXPECT_TRUE(ui.Messages().empty());
 
   ticked.Names.push_back("p51");
-  EXPECT_FALSE(AcceptProfileDialog(ProfileDialogKind::Register, ticked).has_value());
-  EXPECT_FALSE(AcceptProfileDialog(ProfileDialogKind::Export, ticked).has_value());
+  EXPECT_FALSE(AcceptProfileDialog(session, ProfileDialogKind::Register, ticked).has_value());
+  EXPECT_FALSE(AcceptProfileDialog(session, ProfileDialogKind::Export, ticked).has_value());
   const auto messages = ui.Messages();
   ASSERT_EQ(messages.size(), 2u);
   EXPECT_EQ(messages[0].Text, "同時に登録できるプロファイル数は５０個までです。\r\n調整してください。");
@@ -251,8 +255,8 @@ TEST(ProfileDialog, FiftyPassFiftyOneDoNot) {
   EXPECT_EQ(messages[1].Text, "同時に出力できるプロファイル数は５０個までです。\r\n調整してください。");
   EXPECT_EQ(messages[1].Title, "プロファイル出力");
 
-  ScriptedUi silent;
-  EXPECT_FALSE(AcceptProfileDialog(ProfileDialogKind::Export, {}).has_value());
+  ScriptedUi silent(session);
+  EXPECT_FALSE(AcceptProfileDialog(session, ProfileDialogKind::Export, {}).has_value());
   EXPECT_TRUE(silent.Messages().empty());
 }
 
@@ -265,8 +269,8 @@ TEST_F(ProfileEditTest, ExportOfFiftyOneSelectedStopsAtTheLimit) {
   }
   Register(names, rows);
   EXPECT_EQ(list_.Count(), 51);  // the list itself has no limit
-  ScriptedUi ui;
-  cmdProfileEdit(list_, 2, ProfileExportFormat::Csv);
+  testing::ScriptedUi ui(session);
+  cmdProfileEdit(session, list_, 2, ProfileExportFormat::Csv);
   EXPECT_EQ(ui.OnlyMessageText(), "同時に出力できるプロファイル数は５０個までです。\r\n調整してください。");
   EXPECT_EQ(ui.Log.size(), 1u);  // no file dialog
 }

@@ -32,10 +32,10 @@ std::int32_t ExpectedToday() {
 }
 
 TEST_F(ProfileListTest, AddsFilesInOrderIntoEveryViewAndCopiesThem) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ProfileList list;
   const std::string a = Source("alpha.erd"), b = Source("Beta.ERD", "sjis_title_with_kp.erd");
-  ASSERT_TRUE(AddProfileList(list, {a, b}, true));
+  ASSERT_TRUE(AddProfileList(session, list, {a, b}, true));
   EXPECT_TRUE(ui.Messages().empty());
   ASSERT_EQ(list.Count(), 2);
   for (const ProfileListView& view : list.Views) EXPECT_EQ(view.Rows, (std::vector<std::string>{"alpha", "Beta"}));
@@ -51,22 +51,22 @@ TEST_F(ProfileListTest, AddsFilesInOrderIntoEveryViewAndCopiesThem) {
   EXPECT_DOUBLE_EQ(beta.SamplesPerMetre, 4.0);
   EXPECT_EQ(ReadBytes(ProjectCopy("Beta.ERD")), ReadBytes(b));
   EXPECT_EQ(ReadBytes(ProjectCopy("alpha.erd")), ReadBytes(a));
-  EXPECT_TRUE(Paths().ProjectDirty);
+  EXPECT_TRUE(session.Project.Dirty);
 }
 
 TEST_F(ProfileListTest, AnsweringNoKeepsRecordAndCopyAndTheOtherFilesAreStillAdded) {
   ProfileList list;
   const std::string first = Source("road.erd");
-  ASSERT_TRUE(AddProfileList(list, {first}, true));
+  ASSERT_TRUE(AddProfileList(session, list, {first}, true));
   const std::string copyBefore = ReadBytes(ProjectCopy("road.erd"));
 
   std::filesystem::create_directories(dir_ / "other");
   const std::string again = (dir_ / "other" / "ROAD.erd").string();  // same name: case is ignored
   WriteBytes(again, ReadBytes(Fixture("cm_heights.erd")));
   const std::string extra = Source("extra.erd");
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ui.Answers = {MsgAnswer::No};
-  EXPECT_TRUE(AddProfileList(list, {again, extra}, true));
+  EXPECT_TRUE(AddProfileList(session, list, {again, extra}, true));
   const auto messages = ui.Messages();
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages[0].Text, "指定されたプロファイル名は既に登録されています。\r\n\r\nプロファイル名：ROAD\r\n\r\n置き換えますか？");
@@ -82,15 +82,15 @@ TEST_F(ProfileListTest, AnsweringNoKeepsRecordAndCopyAndTheOtherFilesAreStillAdd
 
 TEST_F(ProfileListTest, RepeatWithoutAskingReplacesInPlace) {
   ProfileList list;
-  ASSERT_TRUE(AddProfileList(list, {Source("a.erd"), Source("road.erd")}, true));
+  ASSERT_TRUE(AddProfileList(session, list, {Source("a.erd"), Source("road.erd")}, true));
   list.SelectedRows = {2};
   std::int32_t shown = 0;
   list.Hooks.ShowProfileTab = [&](std::int32_t index) { shown = index; };
   std::filesystem::create_directories(dir_ / "other");
   const std::string newer = (dir_ / "other" / "road.erd").string();
   WriteBytes(newer, ReadBytes(Fixture("cm_heights.erd")));
-  ScriptedUi ui;
-  ASSERT_TRUE(AddProfileList(list, {newer}, false));
+  ScriptedUi ui(session);
+  ASSERT_TRUE(AddProfileList(session, list, {newer}, false));
   EXPECT_TRUE(ui.Messages().empty());
   ASSERT_EQ(list.Count(), 2);
   EXPECT_EQ(list.Items[2].FilePath, newer);
@@ -114,8 +114,8 @@ TEST_F(ProfileListTest, UnreadableFileStopsTheLoopKeepingWhatWasRegistered) {
   };
   for (const auto& [bad, title] : cases) {
     ProfileList list;
-    ScriptedUi ui;
-    EXPECT_FALSE(AddProfileList(list, {Source("good.erd"), bad, Source("late.erd")}, true));
+    ScriptedUi ui(session);
+    EXPECT_FALSE(AddProfileList(session, list, {Source("good.erd"), bad, Source("late.erd")}, true));
     EXPECT_EQ(list.Count(), 1);
     for (const ProfileListView& view : list.Views) EXPECT_EQ(view.Rows, (std::vector<std::string>{"good"}));
     ASSERT_EQ(ui.Messages().size(), 1u) << bad;
@@ -128,8 +128,8 @@ TEST_F(ProfileListTest, UnreadableFileStopsTheLoopKeepingWhatWasRegistered) {
 
 TEST_F(ProfileListTest, RowColoursCycleThroughThePalette) {
   ProfileList list;
-  ScriptedUi ui;
-  ASSERT_TRUE(AddProfileList(list, {Source("r1.erd"), Source("r2.erd"), Source("r3.erd"), Source("r4.erd")}, true));
+  ScriptedUi ui(session);
+  ASSERT_TRUE(AddProfileList(session, list, {Source("r1.erd"), Source("r2.erd"), Source("r3.erd"), Source("r4.erd")}, true));
   EXPECT_EQ(list.Views[0].Panels, (std::vector<Colour>{0x0000FF, 0x00FF00, 0xFF0000, 0x0000FF}));
   EXPECT_EQ(list.Views[11].Name, "lst理想形状");
   EXPECT_EQ(list.Views[11].Panels, (std::vector<Colour>{0x111111, 0x222222, 0x111111, 0x222222}));

@@ -19,8 +19,8 @@ class ProfileTabTest : public ProfileListTest {
   ProfileRecord Load(const std::string& fixture) {
     path_ = Source("tab.erd", fixture);
     ProfileRecord profile;
-    ScriptedUi ui;
-    EXPECT_TRUE(ReadProfile(path_, profile));
+    ScriptedUi ui(session);
+    EXPECT_TRUE(ReadProfile(session, path_, profile));
     profile.FilePath = path_;
     profile.FileName = "tab.erd";
     return profile;
@@ -94,17 +94,17 @@ TEST_F(ProfileTabTest, SampleCountRepairMakesHeaderAndDataAgree) {
   EXPECT_EQ(boxes.txt緒元[10], "10");
   const std::string before = ReadBytes(path_);
   {
-    ScriptedUi ui;
+    ScriptedUi ui(session);
     ui.Answers = {MsgAnswer::Cancel};
-    EXPECT_FALSE(cmdERD修正(boxes, profile));
+    EXPECT_FALSE(cmdERD修正(session, boxes, profile));
     EXPECT_EQ(ReadBytes(path_), before);
   }
-  ScriptedUi ui;
-  ASSERT_TRUE(cmdERD修正(boxes, profile));
+  ScriptedUi ui(session);
+  ASSERT_TRUE(cmdERD修正(session, boxes, profile));
   EXPECT_EQ(ui.OnlyMessageText(), "下記のERDファイルを実データ件数で書き換えます。\r\n\r\n" + path_ + "\r\n\r\nよろしいですか？");
   EXPECT_EQ(ui.Messages()[0].Title, "確認");
   ErdRecord reread;
-  ASSERT_TRUE(ReadERD(path_, reread));
+  ASSERT_TRUE(ReadERD(session, path_, reread));
   EXPECT_EQ(reread.NumSamplesHeader, 3);
   EXPECT_EQ(reread.NumSamples, 3);
   EXPECT_EQ(reread.Elevation, (Array1<double>{1, 2, 3}));
@@ -120,11 +120,11 @@ TEST_F(ProfileTabTest, TitleEditRewritesTheTitleLineFromBoxesFiveAndNine) {
   ProfileTabBoxes boxes = ShowProfileOnTab(profile);
   boxes.txt緒元[5] = " 新しい題 ";
   boxes.txt緒元[9] = "7.00000+0";
-  ScriptedUi ui;
-  ASSERT_TRUE(cmdERD上書き(boxes, profile));
+  ScriptedUi ui(session);
+  ASSERT_TRUE(cmdERD上書き(session, boxes, profile));
   EXPECT_EQ(ui.OnlyMessageText(), "下記のERDファイルのタイトル情報を書き換えます。\r\n\r\n" + path_ + "\r\n\r\nよろしいですか？");
   ErdRecord reread;
-  ASSERT_TRUE(ReadERD(path_, reread));
+  ASSERT_TRUE(ReadERD(session, path_, reread));
   EXPECT_EQ(reread.Title, "新しい題");
   EXPECT_DOUBLE_EQ(reread.KpStart, 7.0);
   EXPECT_EQ(reread.Lane, 0);
@@ -134,12 +134,12 @@ TEST_F(ProfileTabTest, TitleEditRewritesTheTitleLineFromBoxesFiveAndNine) {
 
 TEST_F(ProfileTabTest, ChkDatRefusesABarInATitle) {
   ProfileList list;
-  ScriptedUi ui;
-  ASSERT_TRUE(AddProfileList(list, {Source("ok.erd"), Source("bad.erd")}, true));
+  ScriptedUi ui(session);
+  ASSERT_TRUE(AddProfileList(session, list, {Source("ok.erd"), Source("bad.erd")}, true));
   list.Items[2].Erd.Title = "a｜b";
   std::int32_t bad = 0;
-  EXPECT_TRUE(ChkDat(2, list, &bad));  // lowest bit not set: no check
-  EXPECT_FALSE(ChkDat(1, list, &bad));
+  EXPECT_TRUE(ChkDat(session, 2, list, &bad));  // lowest bit not set: no check
+  EXPECT_FALSE(ChkDat(session, 1, list, &bad));
   EXPECT_EQ(bad, 2);
   EXPECT_EQ(ui.OnlyMessageText(),
             "プロファイルのタイトル文字列に  \"｜\" (0x8162) は使用できません。\r\n\r\nファイル名：bad.erd\r\n\r\n確認してください。");

@@ -4,6 +4,7 @@
 
 #include "base/text_encoding.h"
 #include "list_fixture.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -28,7 +29,9 @@ ToolItem Item(const std::string& name = "p.ERD", double kp = 10.0, std::int32_t 
 
 std::vector<double> Samples(const ErdRecord& erd) { return erd.Elevation.vector(); }
 
-TEST(ProfileTools, ReversalTwiceGivesTheSameSamplesAndKp) {
+class ProfileTools : public testing::SessionTest {};
+
+TEST_F(ProfileTools, ReversalTwiceGivesTheSameSamplesAndKp) {
   const auto once = ReverseProfiles({Item()});
   ASSERT_EQ(once.size(), 1u);
   EXPECT_EQ(once[0].FileName, "p_反転.ERD");
@@ -41,7 +44,7 @@ TEST(ProfileTools, ReversalTwiceGivesTheSameSamplesAndKp) {
   EXPECT_EQ(twice[0].Erd.KpSign, 0);
 }
 
-TEST(ProfileTools, HeightShiftMovesTheReferenceSampleToTheHeight) {
+TEST_F(ProfileTools, HeightShiftMovesTheReferenceSampleToTheHeight) {
   const struct {
     std::int32_t sign;  // of the KP
     HeightShiftInput input;
@@ -56,9 +59,9 @@ TEST(ProfileTools, HeightShiftMovesTheReferenceSampleToTheHeight) {
       // With a falling KP the same KP lies two pitches along too.
       {1, {ShiftReference::Kp, "9.999", "0"}, "p_KP9.999H0調整.ERD", {-2, -1, 0, 1}},
   };
-  ScriptedUi ui;
+  testing::ScriptedUi ui(session);
   for (const auto& c : cases) {
-    const auto out = HeightShiftProfiles({Item("p.ERD", 10.0, c.sign)}, c.input);
+    const auto out = HeightShiftProfiles(session, {Item("p.ERD", 10.0, c.sign)}, c.input);
     ASSERT_TRUE(out && out->size() == 1u) << c.name;
     EXPECT_EQ((*out)[0].FileName, c.name);
     EXPECT_EQ(Samples((*out)[0].Erd), c.samples) << c.name;
@@ -66,18 +69,18 @@ TEST(ProfileTools, HeightShiftMovesTheReferenceSampleToTheHeight) {
   EXPECT_TRUE(ui.Messages().empty());
 }
 
-TEST(ProfileTools, ChecksStopWithTheirMessages) {
-  ScriptedUi ui;
-  EXPECT_FALSE(HeightShiftProfiles({Item()}, {ShiftReference::Kp, "", "1"}));
-  EXPECT_FALSE(HeightShiftProfiles({Item()}, {ShiftReference::End, "", "abc"}));
+TEST_F(ProfileTools, ChecksStopWithTheirMessages) {
+  testing::ScriptedUi ui(session);
+  EXPECT_FALSE(HeightShiftProfiles(session, {Item()}, {ShiftReference::Kp, "", "1"}));
+  EXPECT_FALSE(HeightShiftProfiles(session, {Item()}, {ShiftReference::End, "", "abc"}));
   CutOutInput cut;
   cut.KpStart = "1";
-  EXPECT_FALSE(CutOutProfiles({Item()}, cut));
+  EXPECT_FALSE(CutOutProfiles(session, {Item()}, cut));
   CompositeInput composite;
   composite.BaseIsCsv = true;
-  EXPECT_FALSE(CompositeProfiles({Item()}, composite));
+  EXPECT_FALSE(CompositeProfiles(session, {Item()}, composite));
   composite.CsvPath = "/nonexistent/base.csv";
-  EXPECT_FALSE(CompositeProfiles({Item()}, composite));
+  EXPECT_FALSE(CompositeProfiles(session, {Item()}, composite));
   const auto m = ui.Messages();
   ASSERT_EQ(m.size(), 5u);
   EXPECT_EQ(m[0].Text, "KP が指定されていません。");
@@ -101,7 +104,7 @@ CutOutInput Cut(const std::string& start, const std::string& length, Shortfall f
   return input;
 }
 
-TEST(ProfileTools, CutOutByKpBySamplesAndByDistanceWithEachShortfallMode) {
+TEST_F(ProfileTools, CutOutByKpBySamplesAndByDistanceWithEachShortfallMode) {
   CutOutInput byKp;
   byKp.KpStart = "10.0015";  // swapped with the end
   byKp.KpEnd = "10.0005";
@@ -123,17 +126,17 @@ TEST(ProfileTools, CutOutByKpBySamplesAndByDistanceWithEachShortfallMode) {
       {Cut("-6", "1", Shortfall::Mirror), "", {4}},
   };
   for (const auto& c : cases) {
-    const auto out = CutOutProfiles({Item()}, c.input);
+    const auto out = CutOutProfiles(session, {Item()}, c.input);
     ASSERT_TRUE(out && out->size() == 1u) << c.input.Start;
     EXPECT_TRUE(*c.name == 0 || (*out)[0].FileName == c.name) << (*out)[0].FileName;
     EXPECT_EQ(Samples((*out)[0].Erd), c.samples) << c.input.Start << " " << c.input.Length;
   }
-  EXPECT_NEAR((*CutOutProfiles({Item()}, byKp))[0].Erd.KpStart, 10.0005, 1e-12);
+  EXPECT_NEAR((*CutOutProfiles(session, {Item()}, byKp))[0].Erd.KpStart, 10.0005, 1e-12);
   // Wholly outside with no filling: nothing to register.
-  EXPECT_TRUE(CutOutProfiles({Item()}, Cut("10", "1"))->empty());
+  EXPECT_TRUE(CutOutProfiles(session, {Item()}, Cut("10", "1"))->empty());
 }
 
-TEST(ProfileTools, CompositeTiesTheTargetToTheBaseAlongTheOverlap) {
+TEST_F(ProfileTools, CompositeTiesTheTargetToTheBaseAlongTheOverlap) {
   testing::TempDir dir;
   // Target: 0, 1, 0, 1, 0 mm at 1 m from KP 0. Base survey: 10 mm at 0 m, 14 mm at 4 m.
   ToolItem target;
@@ -147,7 +150,7 @@ TEST(ProfileTools, CompositeTiesTheTargetToTheBaseAlongTheOverlap) {
   input.BaseIsCsv = true;
   input.CsvPath = (dir / "survey.csv").string();
   input.CsvHeading = true;
-  auto out = CompositeProfiles({target}, input);
+  auto out = CompositeProfiles(session, {target}, input);
   ASSERT_TRUE(out);
   ASSERT_EQ(out->size(), 1u);
   EXPECT_EQ((*out)[0].FileName, "t_survey_合成.ERD");
@@ -161,7 +164,7 @@ TEST(ProfileTools, CompositeTiesTheTargetToTheBaseAlongTheOverlap) {
   ToolItem base = Item("b.ERD", 0.001, 0);  // 1, 2, 3, 4 at 0.5 m from 1 m
   input.BaseIsCsv = false;
   input.BaseProfile = base;
-  auto partial = CompositeProfiles({target}, input);
+  auto partial = CompositeProfiles(session, {target}, input);
   ASSERT_EQ(partial->size(), 1u);
   EXPECT_EQ((*partial)[0].Erd.NumSamples, 2);  // target samples at 1 m and 2 m
   EXPECT_NEAR((*partial)[0].Erd.KpStart, 0.001, 1e-12);
@@ -172,17 +175,17 @@ TEST(ProfileTools, CompositeTiesTheTargetToTheBaseAlongTheOverlap) {
 class ToolRegistrationTest : public ProfileListTest {};
 
 TEST_F(ToolRegistrationTest, RegistersAfterTheQuestionAndNotOnCancel) {
-  ScriptedUi ui;
+  testing::ScriptedUi ui(session);
   ProfileList list;
   ui.Answers.push_back(MsgAnswer::Cancel);
-  EXPECT_FALSE(RegisterToolOutputs(list, ReverseProfiles({Item()})));
+  EXPECT_FALSE(RegisterToolOutputs(session, list, ReverseProfiles({Item()})));
   EXPECT_EQ(list.Count(), 0);
-  EXPECT_TRUE(RegisterToolOutputs(list, ReverseProfiles({Item()})));
+  EXPECT_TRUE(RegisterToolOutputs(session, list, ReverseProfiles({Item()})));
   ASSERT_EQ(list.Count(), 1);
   EXPECT_EQ(list.Items[1].FileName, "p_反転.ERD");
   EXPECT_EQ(list.Items[1].Erd.Elevation[1], 4.0);
   EXPECT_EQ(ui.Messages()[0].Title, "登録");
-  EXPECT_FALSE(RegisterToolOutputs(list, {}));
+  EXPECT_FALSE(RegisterToolOutputs(session, list, {}));
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ TEST_F(TextImportTest, SplitsAtEveryDelimiterInForceButNotInsideQuotes) {
 }
 
 TEST_F(TextImportTest, ChecksInOrderWithTheirTexts) {
-  ScriptedUi quiet;
+  ScriptedUi quiet(session);
   const auto preview = BuildImportPreview(Text("a.csv", {"1,2", "3,4", "5,6"}), Options());
   EXPECT_TRUE(quiet.Messages().empty());
   EXPECT_EQ(preview.RowCount(), 3);
@@ -61,25 +61,25 @@ TEST_F(TextImportTest, ChecksInOrderWithTheirTexts) {
     options.FirstRow = c.firstRow;
     options.LastRow = c.lastRow;
     options.LastColumn = c.lastColumn;
-    ScriptedUi ui;
-    EXPECT_EQ(CheckImport(preview, options), c.focus) << c.message;
+    ScriptedUi ui(session);
+    EXPECT_EQ(CheckImport(session, preview, options), c.focus) << c.message;
     ASSERT_EQ(ui.Messages().size(), 1u) << c.message;
     EXPECT_EQ(ui.Messages()[0].Text, c.message);
     EXPECT_EQ(ui.Messages()[0].Title, "データ不正");
   }
-  ScriptedUi ui;
-  EXPECT_EQ(CheckImport(preview, Options()), -1);
+  ScriptedUi ui(session);
+  EXPECT_EQ(CheckImport(session, preview, Options()), -1);
   EXPECT_TRUE(ui.Messages().empty());
 }
 
 TEST_F(TextImportTest, ColumnsBecomeNumberedProfilesWithHeadingTitlesAndHolesEndAColumn) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   const auto path = Text("road.csv", {"left,right", "1.5,10", ",11", "2.5,12", "3.5,", "4.5,13"});
   ImportOptions options = Options("0.25");
   options.Header = true;
   options.TitleFromHeader = true;
   ProfileList list;
-  ASSERT_TRUE(ImportTextFile(list, path, options));
+  ASSERT_TRUE(ImportTextFile(session, list, path, options));
   ASSERT_EQ(list.Count(), 2);
 
   const auto& left = list.Items[1];
@@ -99,13 +99,13 @@ TEST_F(TextImportTest, ColumnsBecomeNumberedProfilesWithHeadingTitlesAndHolesEnd
 }
 
 TEST_F(TextImportTest, OneColumnKeepsTheFileNameAndLeadingBlanksAreSkipped) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   const auto path = Text("single.txt", {"", " ", "7", "8"});
   ImportOptions options = Options("0.5");
   options.FirstColumn = "1";
   options.LastColumn = "1";
   ProfileList list;
-  ASSERT_TRUE(ImportTextFile(list, path, options));
+  ASSERT_TRUE(ImportTextFile(session, list, path, options));
   ASSERT_EQ(list.Count(), 1);
   EXPECT_EQ(list.Items[1].FileName, "single.ERD");
   EXPECT_EQ(list.Items[1].Erd.Title, "single.txt");  // no heading: the file's name
@@ -113,11 +113,11 @@ TEST_F(TextImportTest, OneColumnKeepsTheFileNameAndLeadingBlanksAreSkipped) {
 }
 
 TEST_F(TextImportTest, NumberedNamesSkipNamesAlreadyListed) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   const auto path = Text("twin.csv", {"1,2", "3,4"});
   ProfileList list;
-  ASSERT_TRUE(ImportTextFile(list, path, Options()));
-  ASSERT_TRUE(ImportTextFile(list, path, Options()));
+  ASSERT_TRUE(ImportTextFile(session, list, path, Options()));
+  ASSERT_TRUE(ImportTextFile(session, list, path, Options()));
   ASSERT_EQ(list.Count(), 4);
   // Column 1 finds (001) and (002) listed; column 2 finds (002) listed and (003) taken by column 1.
   EXPECT_EQ(list.Items[3].FileName, "twin(003).ERD");
@@ -125,9 +125,9 @@ TEST_F(TextImportTest, NumberedNamesSkipNamesAlreadyListed) {
 }
 
 TEST_F(TextImportTest, MissingFileIsLoggedAndRegistersNothing) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ProfileList list;
-  EXPECT_FALSE(ImportTextFile(list, (dir_ / "none.csv").string(), Options()));
+  EXPECT_FALSE(ImportTextFile(session, list, (dir_ / "none.csv").string(), Options()));
   EXPECT_EQ(list.Count(), 0);
   ASSERT_EQ(ui.Messages().size(), 1u);
   EXPECT_NE(ui.Messages()[0].Text.find("none.csv"), std::string::npos);
@@ -140,8 +140,8 @@ TEST_F(TextImportTest, SettingsSurviveInPreviousValues) {
   options.Other = true;
   options.OtherText = ",";
   options.Header = true;
-  SaveImportSettings(options);
-  const ImportOptions back = LoadImportSettings();
+  SaveImportSettings(session, options);
+  const ImportOptions back = LoadImportSettings(session);
   EXPECT_FALSE(back.Comma);
   EXPECT_TRUE(back.Tab);
   EXPECT_TRUE(back.Other);

@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "repair/ideal_shape.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 #include "base/app_paths.h"
 #include "repair/study_targets.h"
 #include "study_fixture.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -20,14 +22,14 @@ using testing::StudyForm;
 using testing::TempDir;
 using testing::ThreeSineProfile;
 
-class StudyDriversTest : public ::testing::Test {
+class StudyDriversTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    Paths().TempPath = temp_.path().string();
-    Paths().UserLocalPath = temp_.path().string();
-    testing::UseGoldenCarForStudy();
+    session.Paths.TempPath = temp_.path().string();
+    session.Paths.UserLocalPath = temp_.path().string();
+    testing::UseGoldenCarForStudy(session);
     profiles_ = {ThreeSineProfile("a.ERD")};
-    getParam_補修形状検討_3波分解(StudyForm(), stored_);
+    getParam_補修形状検討_3波分解(session, StudyForm(), stored_);
     run_.Profiles = profiles_;
     run_.Selected = rows_;
     run_.Form = StudyForm();
@@ -36,7 +38,6 @@ class StudyDriversTest : public ::testing::Test {
   ProfileRecord& Road() { return profiles_[0]; }
 
   TempDir temp_;
-  ScriptedUi ui_;
   std::vector<ProfileRecord> profiles_;
   std::vector<std::int32_t> rows_{1};
   ThreeWaveParams stored_;
@@ -44,7 +45,7 @@ class StudyDriversTest : public ::testing::Test {
 };
 
 TEST_F(StudyDriversTest, MiddleWaveStepStraightensAndBuildsThePointTable) {
-  ASSERT_TRUE(cmdGo_中波長(run_));
+  ASSERT_TRUE(cmdGo_中波長(session, run_));
   const RepairStudyData& study = Road().RepairStudy;
   ASSERT_TRUE(study.MiddleValid);
   const Array1<double>& m = Road().ThreeWave.MiddleWave.Values;
@@ -76,14 +77,14 @@ TEST_F(StudyDriversTest, MiddleWaveStepStraightensAndBuildsThePointTable) {
 }
 
 TEST_F(StudyDriversTest, StudyWaveIsTheMiddleWavePlusTheUsersThickness) {
-  ASSERT_TRUE(cmdGo_中波長(run_));
+  ASSERT_TRUE(cmdGo_中波長(session, run_));
   ui_.Inputs = {"案"};
-  const auto made = CreateStudy(Road().Studies, StudyForm::Thickness, Road().RepairStudy.PointTable);
+  const auto made = CreateStudy(session, Road().Studies, StudyForm::Thickness, Road().RepairStudy.PointTable);
   ASSERT_TRUE(made);
   StudyTarget& target = Road().Studies[*made];
   const std::size_t middlePoint = target.AdjPoints.size() / 2;
   SetPointThickness(target, middlePoint, 2.5);
-  ASSERT_TRUE(CalcStudyAdjustment(Road(), target, StudyForm()));
+  ASSERT_TRUE(CalcStudyAdjustment(session, Road(), target, StudyForm()));
 
   const Array1<double>& m = Road().ThreeWave.MiddleWave.Values;
   const Array1<double>& calculated = Road().RepairStudy.Calculated.MPrime.Wave.Values;
@@ -107,10 +108,10 @@ TEST_F(StudyDriversTest, StudyWaveIsTheMiddleWavePlusTheUsersThickness) {
 }
 
 TEST_F(StudyDriversTest, IdealShapeWithoutLinesIsTheCorrectedProfileAndItsIriIsTheEngines) {
-  ASSERT_TRUE(cmdGo_中波長(run_));
-  ASSERT_TRUE(cmdGo_短波長(run_));
+  ASSERT_TRUE(cmdGo_中波長(session, run_));
+  ASSERT_TRUE(cmdGo_短波長(session, run_));
   ASSERT_TRUE(Road().RepairStudy.ShortReducedValid);
-  ASSERT_TRUE(cmdGo_理想形状(run_));
+  ASSERT_TRUE(cmdGo_理想形状(session, run_));
   const RepairStudyData& study = Road().RepairStudy;
   ASSERT_TRUE(study.IdealValid);
 
@@ -123,26 +124,26 @@ TEST_F(StudyDriversTest, IdealShapeWithoutLinesIsTheCorrectedProfileAndItsIriIsT
     ASSERT_NEAR(ideal[i], study.Calculated.Corrected.Wave.Values[i], 1e-9) << i;
   }
   // The IRI stored with the ideal shape is the engine's IRI of the same array.
-  const double engine = IriOfArray(static_cast<std::int32_t>(ideal.size()), ideal.span(), 0.25, StudyIriParams(10));
+  const double engine = IriOfArray(static_cast<std::int32_t>(ideal.size()), ideal.span(), 0.25, StudyIriParams(session, 10));
   EXPECT_NEAR(study.IdealShape.Iri.IriWholeProfile, engine, 1e-12);
   EXPECT_GT(study.IdealShape.Iri.IriWindowCount, 0);
 }
 
 TEST_F(StudyDriversTest, LowBandLinesMakeTheIdealShapeSmootherThanTheCorrectedProfile) {
   for (int k = 1; k <= 9; ++k) run_.Form.Lines[k] = "0.1";
-  ASSERT_TRUE(cmdGo_中波長(run_));
-  ASSERT_TRUE(cmdGo_短波長(run_));
-  ASSERT_TRUE(cmdGo_理想形状(run_));
+  ASSERT_TRUE(cmdGo_中波長(session, run_));
+  ASSERT_TRUE(cmdGo_短波長(session, run_));
+  ASSERT_TRUE(cmdGo_理想形状(session, run_));
   const RepairStudyData& study = Road().RepairStudy;
   EXPECT_LT(study.ShortReduced.Stats.StdDev, Road().ThreeWave.ShortWave.Stats.StdDev / 2);
   EXPECT_LT(study.IdealShape.Iri.IriWholeProfile, study.ProfileIri.IriWholeProfile);
 }
 
 TEST_F(StudyDriversTest, StepsWhoseInputIsMissingArePassedOver) {
-  EXPECT_TRUE(cmdGo_理想形状(run_));
+  EXPECT_TRUE(cmdGo_理想形状(session, run_));
   EXPECT_FALSE(Road().RepairStudy.IdealValid);
   run_.Form.LongBoundary = "";
-  EXPECT_FALSE(cmdGo_中波長(run_));
+  EXPECT_FALSE(cmdGo_中波長(session, run_));
   EXPECT_EQ(ui_.Messages().back().Text, "長波側境界値が指定されていません。");
   EXPECT_FALSE(Road().ThreeWave.Valid);
 }
@@ -151,7 +152,7 @@ TEST_F(StudyDriversTest, RegisteredWavesBecomeProfilesWithTheirMarks) {
   ProfileList list;
   list.Items = Array1<ProfileRecord>(std::vector<ProfileRecord>{ThreeSineProfile("a.ERD")});
   run_.Profiles = list.Items.span();
-  ASSERT_TRUE(cmdProfile登録_3波分解(run_, list, WaveChoice{true, false, true}, "$(PROFILENAME)$-$(波形種別)$"));
+  ASSERT_TRUE(cmdProfile登録_3波分解(session, run_, list, WaveChoice{true, false, true}, "$(PROFILENAME)$-$(波形種別)$"));
   ASSERT_EQ(list.Count(), 3);
   EXPECT_EQ(list.Items[2].FileName, "a-L.ERD");
   EXPECT_EQ(list.Items[2].Erd.Title.substr(0, std::string("試験路(L)").size()), "試験路(L)");

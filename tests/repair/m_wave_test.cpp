@@ -6,6 +6,7 @@
 
 #include "base/app_paths.h"
 #include "support/expect_values.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 // Every expected value below is worked out by hand from the small waves in the comments.
@@ -51,7 +52,9 @@ TEST(MWaveRows, ForwardAndBackwardPassesOnASmallWave) {
   EXPECT_EQ(rows[6].Rise, MWaveSeed);
 }
 
-TEST(MWaveStraightening, CrestShapesThatNeedNoSpecialCase) {
+class MWaveStraightening : public testing::SessionTest {};
+
+TEST_F(MWaveStraightening, CrestShapesThatNeedNoSpecialCase) {
   struct Case {
     const char* what;
     std::vector<double> m;
@@ -73,13 +76,13 @@ TEST(MWaveStraightening, CrestShapesThatNeedNoSpecialCase) {
     SCOPED_TRACE(c.what);
     const auto m = Wave(c.m);
     WaveSeries out;
-    ASSERT_TRUE(Cal_補修形状_M波の直線化(static_cast<std::int32_t>(c.m.size()), m, c.withTroughs, PlanRange{}, out));
+    ASSERT_TRUE(Cal_補修形状_M波の直線化(session, static_cast<std::int32_t>(c.m.size()), m, c.withTroughs, PlanRange{}, out));
     ExpectValues(out.Values, c.expected);
     EXPECT_TRUE(out.Calculated);
   }
   // M' = 0 2 2 2 2 0 of the equal crests: mean 4/3, population deviation sqrt(8/9).
   WaveSeries out;
-  ASSERT_TRUE(Cal_補修形状_M波の直線化(6, Wave({0, 2, 1, 0, 2, 0}), 0, PlanRange{}, out));
+  ASSERT_TRUE(Cal_補修形状_M波の直線化(session, 6, Wave({0, 2, 1, 0, 2, 0}), 0, PlanRange{}, out));
   EXPECT_NEAR(out.Stats.Mean, 4.0 / 3, 1e-12);
   EXPECT_NEAR(out.Stats.StdDev, std::sqrt(8.0 / 9), 1e-12);
   EXPECT_EQ(out.Stats.Maximum, 2.0);
@@ -98,7 +101,7 @@ PlanRange PlanOnTenSamples(double startKp, double endKp) {
 }
 const std::vector<double> kTen{5, 1, 0, 2, 1, 0, 3, 1, 0, 4};
 
-TEST(MWaveStraightening, PlanRangeDrawsRunInAndRunOut) {
+TEST_F(MWaveStraightening, PlanRangeDrawsRunInAndRunOut) {
   const struct {
     const char* what;
     PlanRange plan;
@@ -114,18 +117,18 @@ TEST(MWaveStraightening, PlanRangeDrawsRunInAndRunOut) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     WaveSeries out;
-    ASSERT_TRUE(Cal_補修形状_M波の直線化(10, Wave(kTen), 0, c.plan, out));
+    ASSERT_TRUE(Cal_補修形状_M波の直線化(session, 10, Wave(kTen), 0, c.plan, out));
     ExpectValues(out.Values, c.expected);
   }
 }
 
-TEST(MWaveStraightening, RunInOfZeroLengthEndsInTheErrorLogWithAClearMessage) {
+TEST_F(MWaveStraightening, RunInOfZeroLengthEndsInTheErrorLogWithAClearMessage) {
   TempDir temp;
-  Paths().TempPath = temp.path().string();
-  ScriptedUi ui;
+  session.Paths.TempPath = temp.path().string();
+  ScriptedUi ui(session);
   // The plan starts at KP 0.003, sample 4, which is itself a crest.
   WaveSeries out;
-  EXPECT_FALSE(Cal_補修形状_M波の直線化(10, Wave(kTen), 0, PlanOnTenSamples(0.003, 0.008), out));
+  EXPECT_FALSE(Cal_補修形状_M波の直線化(session, 10, Wave(kTen), 0, PlanOnTenSamples(0.003, 0.008), out));
   EXPECT_FALSE(out.Calculated);
   EXPECT_TRUE(out.Values.empty());
   const std::string text = ui.OnlyMessageText();
@@ -135,8 +138,8 @@ TEST(MWaveStraightening, RunInOfZeroLengthEndsInTheErrorLogWithAClearMessage) {
   EXPECT_NE(testing::ReadBytes(temp / "Sorvik_Err.log").find("Cal_"), std::string::npos);
 
   // The same at the far end: the plan ends on the crest at 7.
-  ScriptedUi second;
-  EXPECT_FALSE(Cal_補修形状_M波の直線化(10, Wave(kTen), 0, PlanOnTenSamples(0.001, 0.006), out));
+  ScriptedUi second(session);
+  EXPECT_FALSE(Cal_補修形状_M波の直線化(session, 10, Wave(kTen), 0, PlanOnTenSamples(0.001, 0.006), out));
   EXPECT_NE(second.OnlyMessageText().find("終点 (インデックス 7)"), std::string::npos);
 }
 
@@ -181,9 +184,11 @@ TEST(PlanRangeIndices, RisingFallingCutAndSwapped) {
   EXPECT_TRUE(got.StartGiven && got.EndGiven);
 }
 
-TEST(MWaveExtrema, CrestsAndTroughsInIndexOrder) {
+class MWaveExtrema : public testing::SessionTest {};
+
+TEST_F(MWaveExtrema, CrestsAndTroughsInIndexOrder) {
   std::vector<MWaveExtremum> crests, troughs;
-  ASSERT_TRUE(Cal_補修形状_M波の山谷情報(8, Wave({0, 4, 3, 1, 0, 2, 5, 1}), crests, troughs));
+  ASSERT_TRUE(Cal_補修形状_M波の山谷情報(session, 8, Wave({0, 4, 3, 1, 0, 2, 5, 1}), crests, troughs));
   ASSERT_EQ(crests.size(), 2u);
   EXPECT_EQ(crests[0].Index, 2);
   EXPECT_EQ(crests[0].Value, 4.0);
@@ -193,21 +198,23 @@ TEST(MWaveExtrema, CrestsAndTroughsInIndexOrder) {
   EXPECT_EQ(troughs[0].Value, 0.0);
 }
 
-TEST(MWaveRecalculation, KeptPointsSortedAndJoinedWithTheirAdjustment) {
+class MWaveRecalculation : public testing::SessionTest {};
+
+TEST_F(MWaveRecalculation, KeptPointsSortedAndJoinedWithTheirAdjustment) {
   // Heights: (2) 1 + 1 = 2, (5) 4 + 1 = 5, (7) 0 + 1 = 1; the point at 3 is left out.
   const std::vector<StudyPoint> points{{5, 4, 1}, {3, MWaveSeed, 7}, {2, 1, 1}, {7, 0, 1}};
   StudyTarget target;
-  ASSERT_TRUE(Cal_補修形状_M波の再計算(Wave({10, 10, 10, 10, 10, 10, 10, 10}), points, target));
+  ASSERT_TRUE(Cal_補修形状_M波の再計算(session, Wave({10, 10, 10, 10, 10, 10, 10, 10}), points, target));
   ExpectValues(target.Outcome.MPrime.Wave.Values, {10, 2, 3, 4, 5, 3, 1, 10});
   EXPECT_TRUE(target.Recalculated);
 }
 
-TEST(MWaveRecalculation, TwoPointsOnOneSampleGoToTheErrorLog) {
+TEST_F(MWaveRecalculation, TwoPointsOnOneSampleGoToTheErrorLog) {
   TempDir temp;
-  Paths().TempPath = temp.path().string();
-  ScriptedUi ui;
+  session.Paths.TempPath = temp.path().string();
+  ScriptedUi ui(session);
   StudyTarget target;
-  EXPECT_FALSE(Cal_補修形状_M波の再計算(Wave({0, 0, 0}), {{2, 1, 0}, {2, 3, 0}}, target));
+  EXPECT_FALSE(Cal_補修形状_M波の再計算(session, Wave({0, 0, 0}), {{2, 1, 0}, {2, 3, 0}}, target));
   EXPECT_FALSE(target.Recalculated);
   EXPECT_NE(ui.OnlyMessageText().find("重複"), std::string::npos);
 }

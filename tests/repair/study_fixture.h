@@ -4,7 +4,7 @@
 #include <numbers>
 #include <string>
 
-#include "base/settings.h"
+#include "base/session.h"
 #include "profile/profile_record.h"
 #include "repair/three_wave.h"
 
@@ -46,8 +46,8 @@ inline ThreeWaveForm StudyForm() {
 }
 
 // The golden car for the study's own IRI parameters.
-inline void UseGoldenCarForStudy() {
-  IriParams& iri = CurrentConditions().RepairIri;
+inline void UseGoldenCarForStudy(Session& session) {
+  IriParams& iri = session.CurrentConditions.RepairIri;
   iri = IriParams{80, 63.3, 6, 0.15, 653, 0, 0, 10};
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -12,24 +13,26 @@ using testing::ScriptedUi;
 const std::vector<StudyPoint> kTable{{2, 4, 0, 0}, {5, 4.6, 0, kPointTrough}, {7, 5, 0, 0}};
 const char* const kTaken = "指定された検討対象名は既に登録されています。\r\n指定検討対象名：";
 
-TEST(StudyNames, SuffixesAndTheUniqueNameLoop) {
-  ScriptedUi ui;
+class StudyNames : public testing::SessionTest {};
+
+TEST_F(StudyNames, SuffixesAndTheUniqueNameLoop) {
+  ScriptedUi ui(session);
   std::vector<StudyTarget> studies;
   ui.Inputs = {"案A"};
-  ASSERT_EQ(CreateStudy(studies, StudyForm::Thickness, kTable), 0u);
+  ASSERT_EQ(CreateStudy(session, studies, StudyForm::Thickness, kTable), 0u);
   EXPECT_EQ(studies[0].Name, "案A[厚]");
   EXPECT_EQ(ui.Log[0].Text, "検討対象名を指定してください。");
   EXPECT_EQ(ui.Log[0].Title, "新規作成");
 
   // The same typed name on the plan form differs by its suffix.
   ui.Inputs = {"案A"};
-  ASSERT_EQ(CreateStudy(studies, StudyForm::Spacing, kTable), 1u);
+  ASSERT_EQ(CreateStudy(session, studies, StudyForm::Spacing, kTable), 1u);
   EXPECT_EQ(studies[1].Name, "案A[間]");
 
   // A taken name is refused with the warning, and asked again until a new one comes.
   ui.Log.clear();
   ui.Inputs = {"案A", " 案a ", "案B"};
-  ASSERT_EQ(CreateStudy(studies, StudyForm::Thickness, kTable), 2u);
+  ASSERT_EQ(CreateStudy(session, studies, StudyForm::Thickness, kTable), 2u);
   EXPECT_EQ(studies[2].Name, "案B[厚]");
   const auto warnings = ui.Messages();
   ASSERT_EQ(warnings.size(), 2u);
@@ -39,24 +42,26 @@ TEST(StudyNames, SuffixesAndTheUniqueNameLoop) {
 
   // Cancel, or an empty answer, ends the step with nothing added.
   ui.Inputs = {"案A"};  // taken, then the queue is empty: cancelled
-  EXPECT_FALSE(CreateStudy(studies, StudyForm::Thickness, kTable));
+  EXPECT_FALSE(CreateStudy(session, studies, StudyForm::Thickness, kTable));
   ui.Inputs = {"  "};
-  EXPECT_FALSE(CreateStudy(studies, StudyForm::Thickness, kTable));
+  EXPECT_FALSE(CreateStudy(session, studies, StudyForm::Thickness, kTable));
   EXPECT_EQ(studies.size(), 3u);
 }
 
-TEST(StudyNames, NewStudyCopiesThePointsOfTheCalculatedTable) {
-  ScriptedUi ui;
+TEST_F(StudyNames, NewStudyCopiesThePointsOfTheCalculatedTable) {
+  ScriptedUi ui(session);
   ui.Inputs = {"x"};
   std::vector<StudyTarget> studies;
-  CreateStudy(studies, StudyForm::Thickness, kTable);
+  CreateStudy(session, studies, StudyForm::Thickness, kTable);
   EXPECT_EQ(studies[0].Points, (std::vector<double>{2, 5, 7}));
   EXPECT_EQ(studies[0].Flags, (std::vector<std::uint8_t>{0, kPointTrough, 0}));
   EXPECT_FALSE(studies[0].Adjusted);
 }
 
-TEST(StudyLists, FixedFirstItemDeleteAndRename) {
-  ScriptedUi ui;
+class StudyLists : public testing::SessionTest {};
+
+TEST_F(StudyLists, FixedFirstItemDeleteAndRename) {
+  ScriptedUi ui(session);
   std::vector<StudyTarget> studies(2);
   studies[0].Name = "a[厚]";
   studies[1].Name = "b[間]";
@@ -64,24 +69,24 @@ TEST(StudyLists, FixedFirstItemDeleteAndRename) {
             (std::vector<std::string>{"----------【 調整なし 】----------", "a[厚]", "b[間]"}));
 
   // Row 0 is the fixed item: nothing is asked and nothing goes.
-  EXPECT_FALSE(StudyListKeyDown(studies, StudyList::Targets, 0, kKeyDelete));
+  EXPECT_FALSE(StudyListKeyDown(session, studies, StudyList::Targets, 0, kKeyDelete));
   EXPECT_TRUE(ui.Log.empty());
 
   ui.Answers = {MsgAnswer::No};
-  EXPECT_FALSE(StudyListKeyDown(studies, StudyList::Targets, 1, kKeyDelete));
+  EXPECT_FALSE(StudyListKeyDown(session, studies, StudyList::Targets, 1, kKeyDelete));
   EXPECT_EQ(ui.Messages()[0].Text, "a[厚] を検討対象から削除します。\r\nよろしいですか？");
   EXPECT_EQ(ui.Messages()[0].Title, "確認");
   EXPECT_EQ(studies.size(), 2u);
 
   ui.Answers = {MsgAnswer::Yes};
-  EXPECT_TRUE(StudyListKeyDown(studies, StudyList::MWaveChoice, 2, kKeyDelete));
+  EXPECT_TRUE(StudyListKeyDown(session, studies, StudyList::MWaveChoice, 2, kKeyDelete));
   EXPECT_EQ(ui.Messages()[1].Text, "b[間] をM波選択から削除します。\r\nよろしいですか？");
   ASSERT_EQ(studies.size(), 1u);
   EXPECT_EQ(StudyListItems(studies)[0], "----------【 調整なし 】----------");
 
   // F2 renames through the creation dialog; the study keeps its kind.
   ui.Inputs = {"c"};
-  EXPECT_TRUE(StudyListKeyDown(studies, StudyList::Targets, 1, kKeyF2));
+  EXPECT_TRUE(StudyListKeyDown(session, studies, StudyList::Targets, 1, kKeyF2));
   EXPECT_EQ(studies[0].Name, "c[厚]");
 }
 

@@ -7,6 +7,7 @@
 
 #include "base/app_paths.h"
 #include "study_fixture.h"
+#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora {
@@ -17,7 +18,9 @@ using testing::StudyForm;
 using testing::TempDir;
 using testing::ThreeSineProfile;
 
-TEST(ThreeWaveParameters, ChecksInOrderWithTheirMessagesAndFocus) {
+class ThreeWaveParameters : public testing::SessionTest {};
+
+TEST_F(ThreeWaveParameters, ChecksInOrderWithTheirMessagesAndFocus) {
   struct Case {
     ThreeWaveForm form;
     const char* message;
@@ -43,23 +46,23 @@ TEST(ThreeWaveParameters, ChecksInOrderWithTheirMessagesAndFocus) {
       {with([](auto& f) { f.IriLength = "十"; }), "IRI算出基準長は数値で指定して下さい。", ThreeWaveField::IriLength},
   };
   for (const Case& c : cases) {
-    ScriptedUi ui;
+    ScriptedUi ui(session);
     ThreeWaveParams params;
     ThreeWaveField focus = ThreeWaveField::None;
-    EXPECT_FALSE(getParam_補修形状検討_3波分解(c.form, params, &focus));
+    EXPECT_FALSE(getParam_補修形状検討_3波分解(session, c.form, params, &focus));
     EXPECT_EQ(ui.OnlyMessageText(), c.message);
     EXPECT_EQ(ui.Messages()[0].Title, "警告");
     EXPECT_EQ(focus, c.focus);
   }
 
   // Reversed boundaries are not refused; lines are taken trimmed.
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ThreeWaveForm form = StudyForm();
   form.LongBoundary = "2";
   form.ShortBoundary = "30";
   form.Lines[3] = " 1.5 ";
   ThreeWaveParams params;
-  ASSERT_TRUE(getParam_補修形状検討_3波分解(form, params));
+  ASSERT_TRUE(getParam_補修形状検討_3波分解(session, form, params));
   EXPECT_EQ(params.LongBoundary, 2.0);
   EXPECT_EQ(params.ShortBoundary, 30.0);
   EXPECT_EQ(params.IriLength, 10.0);
@@ -75,10 +78,12 @@ double MiddleRms(const Array1<double>& a) {
   return std::sqrt(sum / static_cast<double>(to - from));
 }
 
-TEST(ThreeWaveSplitOfOneSeries, PartsAddUpToTheProfileAndEachSineLandsInItsWave) {
+class ThreeWaveSplitOfOneSeries : public testing::SessionTest {};
+
+TEST_F(ThreeWaveSplitOfOneSeries, PartsAddUpToTheProfileAndEachSineLandsInItsWave) {
   const ProfileRecord road = ThreeSineProfile();
   WaveSeries L, M, S;
-  ASSERT_TRUE(Cal_補修形状3波分解_SUB(51.2, 4.0, road.WorkCount, 0.25, road.WorkProfile, L, M, S));
+  ASSERT_TRUE(Cal_補修形状3波分解_SUB(session, 51.2, 4.0, road.WorkCount, 0.25, road.WorkProfile, L, M, S));
   ASSERT_EQ(L.Values.size(), road.WorkCount);
   // The three masks split the spectrum without gap or overlap, so the parts rebuild the profile.
   double worst = 0;
@@ -92,31 +97,33 @@ TEST(ThreeWaveSplitOfOneSeries, PartsAddUpToTheProfileAndEachSineLandsInItsWave)
   EXPECT_TRUE(M.Calculated);
   EXPECT_NEAR(M.Stats.Mean, 0, 0.2);
   // Reversed boundaries still run.
-  EXPECT_TRUE(Cal_補修形状3波分解_SUB(4.0, 51.2, road.WorkCount, 0.25, road.WorkProfile, L, M, S));
+  EXPECT_TRUE(Cal_補修形状3波分解_SUB(session, 4.0, 51.2, road.WorkCount, 0.25, road.WorkProfile, L, M, S));
   EXPECT_EQ(M.Values.size(), road.WorkCount);
 }
 
-TEST(ThreeWaveConvergent, SumSettlesOnTheProfile) {
+class ThreeWaveConvergent : public testing::SessionTest {};
+
+TEST_F(ThreeWaveConvergent, SumSettlesOnTheProfile) {
   const ProfileRecord road = ThreeSineProfile();
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   WaveSeries L, M, S;
-  ASSERT_TRUE(Cal_収束計算による波形分解(51.2, 4.0, road.WorkCount, 0.25, road.WorkProfile, 5, L, M, S));
+  ASSERT_TRUE(Cal_収束計算による波形分解(session, 51.2, 4.0, road.WorkCount, 0.25, road.WorkProfile, 5, L, M, S));
   for (std::int32_t i = 1; i <= road.WorkCount; ++i)
     ASSERT_NEAR(L.Values[i] + M.Values[i] + S.Values[i], road.WorkProfile[i], 1e-9) << i;
   EXPECT_NEAR(MiddleRms(M.Values), 3 / std::sqrt(2.0), 0.15);
   EXPECT_EQ(ui.Log.front().Text, "収束計算中  1 / 5 ・・・・");
 }
 
-class ThreeWaveRunTest : public ::testing::Test {
+class ThreeWaveRunTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    Paths().TempPath = temp_.path().string();
+    session.Paths.TempPath = temp_.path().string();
     profiles_ = {ThreeSineProfile("a.ERD"), ThreeSineProfile("b.ERD")};
-    getParam_補修形状検討_3波分解(StudyForm(), params_);
+    getParam_補修形状検討_3波分解(session, StudyForm(), params_);
     stored_ = params_;
   }
   ThreeWaveRun Run(const std::vector<std::int32_t>& rows) {
-    return PubCal_補修形状検討_3波分解(profiles_, rows, params_, stored_);
+    return PubCal_補修形状検討_3波分解(session, profiles_, rows, params_, stored_);
   }
   TempDir temp_;
   std::vector<ProfileRecord> profiles_;
@@ -124,7 +131,7 @@ class ThreeWaveRunTest : public ::testing::Test {
 };
 
 TEST_F(ThreeWaveRunTest, SplitsOnlyWhatIsNotValidAndShowsNothingWhenUnchanged) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   EXPECT_FALSE(Run({}).StudyReset);
   EXPECT_TRUE(ui.Log.empty());  // no selection: a quiet success
 
@@ -147,7 +154,7 @@ TEST_F(ThreeWaveRunTest, SplitsOnlyWhatIsNotValidAndShowsNothingWhenUnchanged) {
 }
 
 TEST_F(ThreeWaveRunTest, AChangedIriLengthAloneResetsEveryProfilesStudy) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ASSERT_TRUE(Run({1, 2}).Ok);
   profiles_[0].ThreeWave.MiddleWave.Values[1] = 12345;
   profiles_[0].Studies.resize(2);
@@ -158,7 +165,7 @@ TEST_F(ThreeWaveRunTest, AChangedIriLengthAloneResetsEveryProfilesStudy) {
   const ThreeWaveRun run = Run({1});
   EXPECT_TRUE(run.StudyReset);
   EXPECT_EQ(stored_.IriLength, 20.0);
-  EXPECT_EQ(CurrentConditions().RepairIri.IriBaseLength, 20.0);
+  EXPECT_EQ(session.CurrentConditions.RepairIri.IriBaseLength, 20.0);
   EXPECT_EQ(ui.OnlyMessageText(), "補修形状算出の境界値が変更されました。\r\nＭ波、Ｓ波、理想形状案のデータが初期化されます。");
   EXPECT_EQ(ui.Messages()[0].Title, "確認");
   // The selected profile is split anew, the other one waits for its next run.
@@ -170,7 +177,7 @@ TEST_F(ThreeWaveRunTest, AChangedIriLengthAloneResetsEveryProfilesStudy) {
   EXPECT_FALSE(profiles_[1].RepairStudy.MiddleValid);
 }
 
-TEST(ThreeWaveParameters, BoxesFilledFromTheConditionsPassTheirOwnChecks) {
+TEST_F(ThreeWaveParameters, BoxesFilledFromTheConditionsPassTheirOwnChecks) {
   CalcConditions conditions;
   conditions.RepairIri.IriBaseLength = 10;
   conditions.RepairBandLines.Value.fill(kNoValue);
@@ -181,17 +188,17 @@ TEST(ThreeWaveParameters, BoxesFilledFromTheConditionsPassTheirOwnChecks) {
   EXPECT_EQ(form.Lines[1], "");
   EXPECT_EQ(form.Lines[2], "0.25");
   ThreeWaveParams fromBoxes;
-  ASSERT_TRUE(getParam_補修形状検討_3波分解(form, fromBoxes));
+  ASSERT_TRUE(getParam_補修形状検討_3波分解(session, form, fromBoxes));
   // A first run with untouched boxes finds nothing changed.
   EXPECT_EQ(fromBoxes, ThreeWaveParamsFromConditions(conditions));
 }
 
 TEST_F(ThreeWaveRunTest, AChangedBandLineTextAlsoResets) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ASSERT_TRUE(Run({1}).Ok);
   params_.Lines[9] = "0.5";
   EXPECT_TRUE(Run({1}).StudyReset);
-  EXPECT_EQ(CurrentConditions().RepairBandLines.Value[9], 0.5);
+  EXPECT_EQ(session.CurrentConditions.RepairBandLines.Value[9], 0.5);
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ inline std::vector<double> LiteralMaskedPass(std::int32_t n, const Array1<double
   const std::int32_t length2 = FftLength2(n);
   Array1<double> extended;
   std::int32_t offset = 0;
-  EXPECT_TRUE(subFFT計算用_観音開き作成(n, FftLength1(n), length2, source, offset, extended));
+  FoldOutForFft(DebugTables{}, n, FftLength1(n), length2, source, offset, extended);
   Array1<Complex> spectrum(static_cast<std::size_t>(length2));
   for (std::int32_t i = 1; i <= length2; ++i) spectrum[i] = Complex{extended[i], 0.0};
   Fft(length2, spectrum, -1);

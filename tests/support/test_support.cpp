@@ -9,8 +9,6 @@
 
 namespace velmora::testing {
 
-ScriptedUi::ScriptedUi() : scope_(*this) {}
-
 std::vector<RecordedMessage> ScriptedUi::Messages() const {
   std::vector<RecordedMessage> out;
   for (const auto& m : Log)
@@ -69,7 +67,10 @@ std::string ScriptedUi::ChooseFolder(const FileDialogRequest& request) {
 void ScriptedUi::ProgressStart(const std::string& title, const std::string& message) {
   Log.push_back({"progress-start", message, title});
 }
-void ScriptedUi::ProgressValue(int percent) { ProgressValues.push_back(percent); }
+bool ScriptedUi::ProgressValue(int percent) {
+  ProgressValues.push_back(percent);
+  return StopAfterValues < 0 || static_cast<int>(ProgressValues.size()) <= StopAfterValues;
+}
 void ScriptedUi::ProgressExit() { Log.push_back({"progress-exit", "", ""}); }
 
 TempDir::TempDir() {

@@ -3,9 +3,11 @@
 #include <ctime>
 #include <deque>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "base/user_interaction.h"
 
 namespace velmora::testing {
@@ -20,16 +22,20 @@ struct RecordedMessage {
 };
 
 // Answers come from queues the test fills; an empty queue gives the question's default answer,
-// a cancelled input and cancelled dialogs. Installs itself for its lifetime.
+// a cancelled input and cancelled dialogs. Given a session, it is that session's interaction for its
+// lifetime.
 class ScriptedUi final : public UserInteraction {
  public:
-  ScriptedUi();
+  ScriptedUi() = default;
+  explicit ScriptedUi(Session& session) { scope_.emplace(session, *this); }
 
   std::deque<MsgAnswer> Answers;
   std::deque<std::string> Inputs;
   std::deque<std::vector<std::string>> Files;  // for OpenFiles, SaveFile (first item), ChooseFolder
   std::vector<RecordedMessage> Log;
   std::vector<int> ProgressValues;
+  // The progress display asks to stop at the value after this many (never when negative).
+  int StopAfterValues = -1;
 
   // Only the message boxes, in order.
   std::vector<RecordedMessage> Messages() const;
@@ -44,11 +50,11 @@ class ScriptedUi final : public UserInteraction {
   std::string SaveFile(const FileDialogRequest& request) override;
   std::string ChooseFolder(const FileDialogRequest& request) override;
   void ProgressStart(const std::string& title, const std::string& message) override;
-  void ProgressValue(int percent) override;
+  bool ProgressValue(int percent) override;
   void ProgressExit() override;
 
  private:
-  ScopedUi scope_;
+  std::optional<ScopedUi> scope_;
 };
 
 // A fresh folder under the system temporary folder, removed with everything in it at the end.

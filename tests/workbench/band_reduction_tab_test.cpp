@@ -8,8 +8,10 @@
 #include "analysis/band_reduction.h"
 #include "base/app_paths.h"
 #include "base/common.h"
+#include "base/session.h"
 #include "workbench/workbench.h"
 #include "support/test_support.h"
+#include "support/session_fixture.h"
 
 namespace velmora::workbench {
 namespace {
@@ -30,21 +32,21 @@ ProfileRecord Sine() {
   return r;
 }
 
-class BandReductionTab : public ::testing::Test {
+class BandReductionTab : public testing::SessionTest {
  protected:
   void SetUp() override {
-    Paths().TempPath = temp.path().string();
-    CurrentConditions() = CalcConditions{};
-    Settings().LongOctaves = {1, 2, 3};
-    Settings().ShortOctaves = {7, 8, 9};
+    session.Paths.TempPath = temp.path().string();
+    session.CurrentConditions = CalcConditions{};
+    session.Settings.LongOctaves = {1, 2, 3};
+    session.Settings.ShortOctaves = {7, 8, 9};
     InstallAnalyses(bench);
     bench.FormLoad();
     bench.AddProfile(Sine());
     bench.Select(tab::BandReduction, {1});
   }
   TempDir temp;
-  ScriptedUi ui;
-  Workbench bench;
+  testing::ScriptedUi& ui = ui_;
+  Workbench bench{session};
 };
 
 TEST_F(BandReductionTab, GoReducesTheLimitedBandToItsLimitAndKeepsTheOthers) {
@@ -59,8 +61,8 @@ TEST_F(BandReductionTab, GoReducesTheLimitedBandToItsLimitAndKeepsTheOthers) {
   EXPECT_EQ(block.Limits[5], 1.0);
   EXPECT_EQ(block.Limits[4], NoLimit);
   // The stored conditions keep the limit and the no value for the blank lines.
-  EXPECT_EQ(CurrentConditions().BandLines.Value[5], 1.0);
-  EXPECT_TRUE(IsNoValue(CurrentConditions().BandLines.Value[4]));
+  EXPECT_EQ(session.CurrentConditions.BandLines.Value[5], 1.0);
+  EXPECT_TRUE(IsNoValue(session.CurrentConditions.BandLines.Value[4]));
 
   // Each half-wave above 1 mm ends with a peak of exactly 1 mm.
   const SeriesStats& five = block.Result.Reduced[5].Stats;
@@ -97,8 +99,8 @@ TEST_F(BandReductionTab, SameLinesDoNotRecomputeAndATextIsNoLimit) {
 }
 
 TEST_F(BandReductionTab, FormResetShowsTheConditionsLines) {
-  CurrentConditions().BandLines.Value[3] = 4.5;
-  CurrentConditions().BandLines.Value[6] = kNoValue;
+  session.CurrentConditions.BandLines.Value[3] = 4.5;
+  session.CurrentConditions.BandLines.Value[6] = kNoValue;
   bench.FormReset();
   EXPECT_EQ(bench.Band.Lines[3], "4.5");
   EXPECT_EQ(bench.Band.Lines[6], "");

@@ -1,4 +1,5 @@
 // The profile tab's boxes and the project reset bound to the workbench.
+#include "base/session.h"
 #include "workbench/engine_bindings.h"
 
 #include <gtest/gtest.h>
@@ -6,17 +7,18 @@
 #include "base/app_paths.h"
 #include "base/startup.h"
 #include "support/test_support.h"
+#include "support/session_fixture.h"
 
 namespace velmora::workbench {
 namespace {
 
 using testing::TempDir;
 
-class EngineBindingsTest : public ::testing::Test {
+class EngineBindingsTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    Paths().TempPath = temp.path().string();
-    CurrentConditions() = CalcConditions{};
+    session.Paths.TempPath = temp.path().string();
+    session.CurrentConditions = CalcConditions{};
     bench.FormLoad();
     ProfileRecord record;
     record.FileName = "A.erd";
@@ -29,7 +31,7 @@ class EngineBindingsTest : public ::testing::Test {
     bench.TabDirty.fill(false);
   }
   TempDir temp;
-  Workbench bench;
+  Workbench bench{session};
   EngineBindings binding{bench};
 };
 
@@ -65,7 +67,7 @@ TEST_F(EngineBindingsTest, ConditionsMenuAppliesTheDialogAndMarksTheTabs) {
     EXPECT_TRUE(dialog.Ok());
   };
   bench.MnuConditions();
-  EXPECT_EQ(CurrentConditions().Iri.Speed, 60.0);
+  EXPECT_EQ(session.CurrentConditions.Iri.Speed, 60.0);
   EXPECT_TRUE(bench.TabDirty[tab::Iri]);
 
   bench.TabDirty.fill(false);
@@ -79,15 +81,16 @@ TEST_F(EngineBindingsTest, ConditionsMenuAppliesTheDialogAndMarksTheTabs) {
 
 TEST_F(EngineBindingsTest, ProjectResetClearsTheRepairStudyOfEveryProfile) {
   bench.Profile(1).Studies.emplace_back();
-  ASSERT_TRUE(ProjectHooks().ClearRepairStudy);
-  ProjectHooks().ClearRepairStudy();
+  ASSERT_TRUE(session.Hooks.ClearRepairStudy);
+  session.Hooks.ClearRepairStudy();
   EXPECT_TRUE(bench.Profile(1).Studies.empty());
 }
 
 TEST(EngineBindings, EndOfTheBindingReleasesTheProjectHook) {
-  Workbench bench;
+  Session session;
+  Workbench bench{session};
   { EngineBindings binding(bench); }
-  EXPECT_FALSE(ProjectHooks().ClearRepairStudy);
+  EXPECT_FALSE(session.Hooks.ClearRepairStudy);
 }
 
 }  // namespace

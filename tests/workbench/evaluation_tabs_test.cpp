@@ -6,11 +6,13 @@
 #include <filesystem>
 
 #include "base/app_paths.h"
+#include "base/session.h"
 #include "base/text_encoding.h"
 #include "workbench/workbench.h"
 #include "evaluation/correlation_tables.h"
 #include "support/profile_fixture.h"
 #include "support/test_support.h"
+#include "support/session_fixture.h"
 
 namespace velmora::workbench {
 namespace {
@@ -24,25 +26,25 @@ using testing::TempDir;
 using Row = std::vector<std::string>;
 
 
-class EvaluationTabsTest : public ::testing::Test {
+class EvaluationTabsTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    Paths().UserLocalPath = temp.path().string();
-    Paths().TempPath = (temp / "Temp").string();
+    session.Paths.UserLocalPath = temp.path().string();
+    session.Paths.TempPath = (temp / "Temp").string();
     std::filesystem::create_directories(temp / "Temp");
     std::filesystem::create_directories(temp / "Resource");
-    CurrentConditions() = CalcConditions{};
+    session.CurrentConditions = CalcConditions{};
     bench.FormLoad();
   }
-  void TearDown() override { Paths() = saved; }
+  void TearDown() override { session.Paths = saved; }
 
   TempDir temp;
-  AppPaths saved = Paths();
-  Workbench bench;
+  AppPaths saved = session.Paths;
+  Workbench bench{session};
 };
 
 TEST_F(EvaluationTabsTest, StatisticsGoFillsThePagesInTheOrderOfTheSortListsAndSaves) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   bench.AddProfile(MakeProfile("A", 0.25, Ramp(400), 1.0));
   bench.AddProfile(MakeProfile("B", 0.25, Ramp(400, true), 1.0));
   StatisticsSelection& s = bench.Evaluation.Statistics.Selection;
@@ -100,7 +102,7 @@ TEST_F(EvaluationTabsTest, StatisticsGoFillsThePagesInTheOrderOfTheSortListsAndS
 }
 
 TEST_F(EvaluationTabsTest, StatisticsOfTheIriMakeTheOctaveSplitFirst) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   bench.AddProfile(MakeProfile("A", 0.25, Road(2000), 0.0));
   bench.SelectAll(tab::Statistics);
   StatisticsSelection& s = bench.Evaluation.Statistics.Selection;
@@ -117,7 +119,7 @@ TEST_F(EvaluationTabsTest, StatisticsOfTheIriMakeTheOctaveSplitFirst) {
 }
 
 TEST_F(EvaluationTabsTest, VerificationGoTableSaveAndShiftedRegistration) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   // A's feature at index k lies at k + 3 in B: the shift against A is 3. C equals A.
   bench.AddProfile(MakeProfile("A", 0.25, Road(400, 3), 1.0));
   bench.AddProfile(MakeProfile("B", 0.25, Road(400), 1.0));
@@ -159,7 +161,7 @@ TEST_F(EvaluationTabsTest, VerificationGoTableSaveAndShiftedRegistration) {
 }
 
 TEST_F(EvaluationTabsTest, VerificationRefusesMixedPitchesAndLogsAConstantProfile) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   bench.AddProfile(MakeProfile("A", 0.25, Road(100), 1.0));
   bench.AddProfile(MakeProfile("B", 0.1, Road(100), 1.0));
   bench.AddProfile(MakeProfile("F", 0.25, std::vector<double>(100, 5.0), 1.0));

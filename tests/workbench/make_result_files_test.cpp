@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "workbench/make_result_files.h"
 
 #include <gtest/gtest.h>
@@ -5,6 +6,7 @@
 #include "base/app_paths.h"
 #include "base/common.h"
 #include "support/test_support.h"
+#include "support/session_fixture.h"
 
 namespace velmora::workbench {
 namespace {
@@ -28,13 +30,13 @@ ProfileRecord Filtered(const std::string& name) {
   return r;
 }
 
-class MakeResultFilesTest : public ::testing::Test {
+class MakeResultFilesTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    Paths().AppPath = temp.path().string();  // no TOLVAVERI.ini: the built-in name patterns
-    Paths().UserLocalPath = temp.path().string();
-    Paths().TempPath = temp.path().string();
-    Settings().CsvProfileLimit = 0;
+    session.Paths.AppPath = temp.path().string();  // no TOLVAVERI.ini: the built-in name patterns
+    session.Paths.UserLocalPath = temp.path().string();
+    session.Paths.TempPath = temp.path().string();
+    session.Settings.CsvProfileLimit = 0;
     std::filesystem::create_directories(temp / "out");
     bench.AddProfile(Filtered("a"));
     bench.AddProfile(Filtered("b"));
@@ -43,11 +45,11 @@ class MakeResultFilesTest : public ::testing::Test {
   std::string Answer() const { return (temp / "out" / "ignored.Dummy").string(); }
 
   TempDir temp;
-  Workbench bench;
+  Workbench bench{session};
 };
 
 TEST_F(MakeResultFilesTest, WritesShiftJisCsvNamedByThePatternAndReportsTheFolder) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ui.Files.push_back({Answer()});
   const ExportOutcome out = MakeResultFiles(bench, {ExportKind::Profile, false, tab::Filter, {}}, Noon());
   const std::string folder = (temp / "out").string();
@@ -63,7 +65,7 @@ TEST_F(MakeResultFilesTest, WritesShiftJisCsvNamedByThePatternAndReportsTheFolde
 }
 
 TEST_F(MakeResultFilesTest, JapaneseHeadsAreWrittenInShiftJis) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ui.Files.push_back({Answer()});
   const ExportOutcome out = MakeResultFiles(bench, {ExportKind::IriWhole, false, tab::Filter, {}}, Noon());
   ASSERT_EQ(out.Files.size(), 1u);
@@ -76,19 +78,19 @@ TEST_F(MakeResultFilesTest, JapaneseHeadsAreWrittenInShiftJis) {
 }
 
 TEST_F(MakeResultFilesTest, ChecksStopBeforeTheDialog) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ExportRequest bands{ExportKind::OctaveBand, false, tab::Filter, {}};
   EXPECT_TRUE(MakeResultFiles(bench, bands, Noon()).Files.empty());
   EXPECT_EQ(ui.OnlyMessageText(), "バンド別表示が１個も指定されていません。\r\nファイル出力を中止します。");
   EXPECT_EQ(ui.Messages()[0].Title, "警告");
 
-  ScriptedUi ui2;
+  ScriptedUi ui2(session);
   ExportRequest smooth{ExportKind::PsdSmoothed, false, tab::Filter, {}};
   smooth.Options.BandsPerOctave = 0;
   EXPECT_TRUE(MakeResultFiles(bench, smooth, Noon()).Files.empty());
   EXPECT_EQ(ui2.OnlyMessageText(), "BandsPerOctave値はゼロより大きく指定してください。");
 
-  ScriptedUi ui3;
+  ScriptedUi ui3(session);
   bands.Options.Octaves = {2};  // no octave results in these profiles
   EXPECT_TRUE(MakeResultFiles(bench, bands, Noon()).Files.empty());
   EXPECT_EQ(ui3.OnlyMessageText(), "該当する件数がありません。");
@@ -96,21 +98,21 @@ TEST_F(MakeResultFilesTest, ChecksStopBeforeTheDialog) {
 }
 
 TEST_F(MakeResultFilesTest, CancelledDialogWritesNothingAndTheLimitCutsTheProfiles) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   EXPECT_TRUE(MakeResultFiles(bench, {ExportKind::Profile, false, tab::Filter, {}}, Noon()).Files.empty());
   EXPECT_TRUE(ui.Messages().empty());
   EXPECT_TRUE(std::filesystem::is_empty(temp / "out"));
 
-  Settings().CsvProfileLimit = 1;
+  session.Settings.CsvProfileLimit = 1;
   ui.Files.push_back({Answer()});
   const ExportOutcome out = MakeResultFiles(bench, {ExportKind::Profile, false, tab::Filter, {}}, Noon());
-  Settings().CsvProfileLimit = 0;
+  session.Settings.CsvProfileLimit = 0;
   ASSERT_EQ(out.Files.size(), 1u);
   EXPECT_NE(out.Files[0].find("/a_MAHP"), std::string::npos);
 }
 
 TEST_F(MakeResultFilesTest, ErdOutputOfTheFilteredProfile) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ui.Files.push_back({Answer()});
   const ExportOutcome out = MakeResultFiles(bench, {ExportKind::Profile, true, tab::Filter, {}}, Noon());
   ASSERT_EQ(out.Files.size(), 2u);

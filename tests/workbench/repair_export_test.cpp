@@ -1,4 +1,5 @@
 // The study's result files on small hand-made records: names, heads and rows written out by hand.
+#include "base/session.h"
 #include "workbench/repair_result_files.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include "base/text_encoding.h"
 #include "profile/erd_file.h"
 #include "support/test_support.h"
+#include "support/session_fixture.h"
 
 namespace velmora::workbench {
 namespace {
@@ -45,12 +47,12 @@ ProfileRecord Split(const std::string& name) {
   return r;
 }
 
-class RepairExportTest : public ::testing::Test {
+class RepairExportTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    Paths().AppPath = temp.path().string();  // no TOLVAVERI.ini: the built-in names
-    Paths().UserLocalPath = temp.path().string();
-    Paths().TempPath = temp.path().string();
+    session.Paths.AppPath = temp.path().string();  // no TOLVAVERI.ini: the built-in names
+    session.Paths.UserLocalPath = temp.path().string();
+    session.Paths.TempPath = temp.path().string();
     std::filesystem::create_directories(temp / "out");
     bench.AddProfile(Split("a"));
     bench.AddProfile(ProfileRecord{});  // no split: passed over
@@ -60,8 +62,8 @@ class RepairExportTest : public ::testing::Test {
   std::string Folder() const { return (temp / "out").string(); }
 
   TempDir temp;
-  Workbench bench;
-  ScriptedUi ui;
+  Workbench bench{session};
+  testing::ScriptedUi& ui = ui_;
 };
 
 TEST_F(RepairExportTest, ThreeWaveProfileFileHasTheDistanceAndTheThreeWaves) {
@@ -116,7 +118,7 @@ TEST_F(RepairExportTest, IdealShapeAsErdHoldsTheIdealShape) {
   EXPECT_EQ(out.Files[0], Folder() + "/a_理想形状_20240305120000.ERD");
   EXPECT_EQ(ui.Log[0].Title, "ERDファイル保存");
   ErdRecord erd;
-  ASSERT_TRUE(ReadERD(out.Files[0], erd));
+  ASSERT_TRUE(ReadERD(session, out.Files[0], erd));
   ASSERT_EQ(erd.NumSamples, 3);
   EXPECT_NEAR(erd.Elevation[1], 6.0, 1e-6);
   EXPECT_NEAR(erd.Elevation[2], 4.5, 1e-6);
@@ -128,7 +130,7 @@ TEST_F(RepairExportTest, NothingToWriteIsReportedAndTwoWaveKindsHaveNoErdForm) {
   EXPECT_TRUE(MakeRepairResultFiles(bench, {RepairExportKind::ShortWave, false, tab::ShortWave}, Noon()).Files.empty());
   EXPECT_EQ(ui.OnlyMessageText(), "該当する件数がありません。");
   EXPECT_EQ(ui.Messages()[0].Title, "案内");
-  ScriptedUi second;
+  ScriptedUi second(session);
   EXPECT_TRUE(MakeRepairResultFiles(bench, {RepairExportKind::ThreeWaveProfile, true, tab::ThreeWave}, Noon()).Files.empty());
   EXPECT_TRUE(std::filesystem::is_empty(temp / "out"));
 }

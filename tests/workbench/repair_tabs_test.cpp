@@ -7,6 +7,7 @@
 #include "analysis/iri.h"
 #include "base/app_paths.h"
 #include "base/common.h"
+#include "base/session.h"
 #include "base/text_encoding.h"
 #include "workbench/repair_register.h"
 #include "workbench/repair_result_files.h"
@@ -15,6 +16,7 @@
 #include "repair/study_targets.h"
 #include "repair/study_fixture.h"
 #include "support/test_support.h"
+#include "support/session_fixture.h"
 
 namespace velmora::workbench {
 namespace {
@@ -22,19 +24,19 @@ namespace {
 using testing::ScriptedUi;
 using testing::TempDir;
 
-class RepairTabsTest : public ::testing::Test {
+class RepairTabsTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    Paths().TempPath = temp.path().string();
-    Paths().UserLocalPath = temp.path().string();
-    CurrentConditions() = CalcConditions{};
-    testing::UseGoldenCarForStudy();
+    session.Paths.TempPath = temp.path().string();
+    session.Paths.UserLocalPath = temp.path().string();
+    session.CurrentConditions = CalcConditions{};
+    testing::UseGoldenCarForStudy(session);
     bench.FormLoad();
     bench.MnuBunseki();
     bench.AddProfile(testing::ThreeSineProfile("a.ERD"));
     bench.Repair.Form = testing::StudyForm();  // 51.2 m / 4 m, IRI over 10 m, no band lines
     // The study's values as if the boxes had been saved with the project: no change on the first Go.
-    getParam_補修形状検討_3波分解(bench.Repair.Form, bench.Repair.Stored);
+    getParam_補修形状検討_3波分解(session, bench.Repair.Form, bench.Repair.Stored);
     for (int t = tab::ThreeWave; t <= tab::IdealShape; ++t) bench.SelectAll(t);
     bench.TabClick(tab::ThreeWave);  // the entry splits the road: the tab is dirty
     ui.Log.clear();
@@ -51,13 +53,13 @@ class RepairTabsTest : public ::testing::Test {
       if (entry.Kind == "progress-start") titles.push_back(entry.Title);
     return titles;
   }
-  static double Iri(const Array1<double>& wave, double pitch) {
-    return IriOfArray(static_cast<std::int32_t>(wave.size()), wave.span(), pitch, StudyIriParams(10));
+  double Iri(const Array1<double>& wave, double pitch) {
+    return IriOfArray(static_cast<std::int32_t>(wave.size()), wave.span(), pitch, StudyIriParams(session, 10));
   }
 
   TempDir temp;
-  ScriptedUi ui;
-  Workbench bench;
+  testing::ScriptedUi& ui = ui_;
+  Workbench bench{session};
 };
 
 TEST_F(RepairTabsTest, FourGosGiveTheWavesTheCorrectedProfileAndTheIdealShape) {
@@ -215,7 +217,7 @@ TEST_F(RepairTabsTest, RegisteredWavesBecomeNewRowsWithMarkedTitles) {
 TEST_F(RepairTabsTest, PickingAProfileShowsItsStudiesAndAChosenStudyIsANewInput) {
   ASSERT_TRUE(RunAllFour());
   ui.Inputs = {"案"};
-  const auto made = CreateStudy(Road().Studies, StudyForm::Thickness, Road().RepairStudy.PointTable);
+  const auto made = CreateStudy(session, Road().Studies, StudyForm::Thickness, Road().RepairStudy.PointTable);
   ASSERT_TRUE(made);
   bench.AddProfile(testing::ThreeSineProfile("b.ERD"));  // a second road without studies
 
@@ -232,13 +234,13 @@ TEST_F(RepairTabsTest, PickingAProfileShowsItsStudiesAndAChosenStudyIsANewInput)
   EXPECT_EQ(bench.ComputeCount(tab::IdealShape), ideals);
   StudyTarget& target = Road().Studies[*made];
   SetPointThickness(target, target.AdjPoints.size() / 2, 2.5);
-  ASSERT_TRUE(CalcStudyAdjustment(Road(), target, bench.Repair.Form));
+  ASSERT_TRUE(CalcStudyAdjustment(session, Road(), target, bench.Repair.Form));
   Road().RepairStudy.ChosenStudy = 1;
   ASSERT_TRUE(bench.Go(tab::IdealShape));
   EXPECT_EQ(bench.ComputeCount(tab::IdealShape), ideals + 1);
   const Array1<double> first = Road().RepairStudy.IdealShape.Wave.Values;
   SetPointThickness(target, target.AdjPoints.size() / 2, 5.0);
-  ASSERT_TRUE(CalcStudyAdjustment(Road(), target, bench.Repair.Form));
+  ASSERT_TRUE(CalcStudyAdjustment(session, Road(), target, bench.Repair.Form));
   ASSERT_TRUE(bench.Go(tab::IdealShape));
   EXPECT_EQ(bench.ComputeCount(tab::IdealShape), ideals + 2);
   // 2.5 mm more at the middle point of the study raises the ideal shape there by as much.
@@ -253,8 +255,8 @@ TEST_F(RepairTabsTest, FormResetEmptiesTheStudyListsAndRefillsTheBoxesFromTheCon
   EXPECT_TRUE(bench.Repair.MWaveChoices.empty());
   EXPECT_TRUE(bench.Repair.StudyTargets.empty());
   for (bool on : bench.Repair.OutputEnabled) EXPECT_FALSE(on);
-  EXPECT_EQ(bench.Repair.Form, ThreeWaveFormFromConditions(CurrentConditions()));
-  EXPECT_EQ(bench.Repair.Stored, ThreeWaveParamsFromConditions(CurrentConditions()));
+  EXPECT_EQ(bench.Repair.Form, ThreeWaveFormFromConditions(session.CurrentConditions));
+  EXPECT_EQ(bench.Repair.Stored, ThreeWaveParamsFromConditions(session.CurrentConditions));
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include "base/session.h"
 #include "workbench/workbench.h"
 
 #include <gtest/gtest.h>
@@ -5,6 +6,7 @@
 #include "base/app_paths.h"
 #include "base/legacy_error.h"
 #include "support/test_support.h"
+#include "support/session_fixture.h"
 
 namespace velmora::workbench {
 namespace {
@@ -19,11 +21,11 @@ ProfileRecord Named(const std::string& name) {
 }
 
 // A workbench with three profiles and a tab computation that counts and records its calls.
-class WorkbenchTest : public ::testing::Test {
+class WorkbenchTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    Paths().TempPath = temp.path().string();
-    CurrentConditions() = CalcConditions{};
+    session.Paths.TempPath = temp.path().string();
+    session.CurrentConditions = CalcConditions{};
     bench.FormLoad();
     for (const char* name : {"A", "B", "C"}) bench.AddProfile(Named(name));
     bench.Hooks.Draw = [this](int tab) { drawn.push_back(tab); };
@@ -32,7 +34,7 @@ class WorkbenchTest : public ::testing::Test {
   void InstallCounting(int tab) {
     TabComputation computation;
     computation.ProgressTitle = "テスト計算";
-    computation.InputKey = [this] { return bench.Iri.EvalLength + "|" + std::to_string(CurrentConditions().Iri.Speed); };
+    computation.InputKey = [this] { return bench.Iri.EvalLength + "|" + std::to_string(session.CurrentConditions.Iri.Speed); };
     computation.Compute = [this](ProfileRecord& record) {
       if (failOn + ".erd" == record.FileName) RaiseDivisionByZero("test");
       computed.push_back(ProfileList::NameOf(record));
@@ -48,15 +50,15 @@ class WorkbenchTest : public ::testing::Test {
   }
 
   TempDir temp;
-  Workbench bench;
+  Workbench bench{session};
   std::vector<std::string> computed;
   std::vector<int> drawn;
   std::string failOn;
 };
 
 TEST_F(WorkbenchTest, GoWithoutProfilesDoesNothingAndShowsNothing) {
-  ScriptedUi ui;
-  Workbench empty;
+  ScriptedUi ui(session);
+  Workbench empty{session};
   empty.FormLoad();
   int calls = 0;
   empty.SetComputation(tab::Iri, {"t", "m", nullptr, [] { return std::string("k"); },
@@ -68,7 +70,7 @@ TEST_F(WorkbenchTest, GoWithoutProfilesDoesNothingAndShowsNothing) {
 }
 
 TEST_F(WorkbenchTest, LoadingProfileStopsGoAndChangeEvents) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   InstallCounting(tab::Iri);
   bench.Select(tab::Iri, {1});
   bench.TabDirty.fill(false);
@@ -105,7 +107,7 @@ TEST_F(WorkbenchTest, ModeChangedTwiceMakesTabsFiveSevenEightNineAvailable) {
 }
 
 TEST_F(WorkbenchTest, GoRunsSelectedRowsInListOrderWithProgressAndClearsTheFlag) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   InstallCounting(tab::Iri);
   bench.Select(tab::Iri, {3, 1});
   ASSERT_TRUE(bench.Go(tab::Iri));
@@ -119,7 +121,7 @@ TEST_F(WorkbenchTest, GoRunsSelectedRowsInListOrderWithProgressAndClearsTheFlag)
 }
 
 TEST_F(WorkbenchTest, SecondGoWithUnchangedInputsDoesNotRecompute) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   InstallCounting(tab::Iri);
   bench.Select(tab::Iri, {1, 2});
   ASSERT_TRUE(bench.Go(tab::Iri));
@@ -140,7 +142,7 @@ TEST_F(WorkbenchTest, SecondGoWithUnchangedInputsDoesNotRecompute) {
 }
 
 TEST_F(WorkbenchTest, FailedComputationLeavesTheFlagSetAndStillEndsTheProgress) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   InstallCounting(tab::Iri);
   bench.Select(tab::Iri, {1, 2, 3});
   failOn = "B";
@@ -159,12 +161,12 @@ TEST_F(WorkbenchTest, FailedComputationLeavesTheFlagSetAndStillEndsTheProgress) 
 }
 
 TEST_F(WorkbenchTest, ChangeOnATabThatIsNotCurrentOnlySetsFlagsAndWorkHappensOnEntry) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   InstallCounting(tab::Iri);
   bench.Select(tab::Iri, {1});
   ASSERT_TRUE(bench.Go(tab::Iri));
   ASSERT_EQ(bench.CurrentTab, tab::Profile);
-  CurrentConditions().Iri.Speed = 60;
+  session.CurrentConditions.Iri.Speed = 60;
   bench.ConditionsChanged();
   EXPECT_EQ(computed.size(), 1u);
   for (bool dirty : bench.TabDirty) EXPECT_TRUE(dirty);
@@ -221,7 +223,7 @@ TEST_F(WorkbenchTest, TabChangeChecksTheTabLeftAndShowsTheDrawingSwitch) {
 }
 
 TEST_F(WorkbenchTest, DrawingSwitchComputesWithoutDrawing) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   InstallCounting(tab::Octave);
   bench.Select(tab::Octave, {1});
   bench.DispGrp = true;
@@ -248,11 +250,11 @@ TEST_F(WorkbenchTest, KpPositionTurnsReversalOffAndMarksEveryTab) {
 }
 
 TEST_F(WorkbenchTest, FormResetRestoresTheNewProjectState) {
-  CurrentConditions().FilterLong = 40;
-  CurrentConditions().FilterShort = 5;
-  CurrentConditions().Iri.IriBaseLength = 10.0;
-  CurrentConditions().BandLines.Value.fill(kNoValue);
-  CurrentConditions().BandLines.Value[3] = 2.5;
+  session.CurrentConditions.FilterLong = 40;
+  session.CurrentConditions.FilterShort = 5;
+  session.CurrentConditions.Iri.IriBaseLength = 10.0;
+  session.CurrentConditions.BandLines.Value.fill(kNoValue);
+  session.CurrentConditions.BandLines.Value[3] = 2.5;
   bool cleared = false;
   bench.Hooks.ClearProfileBoxes = [&] { cleared = true; };
   bench.Select(tab::Iri, {2});
@@ -278,7 +280,7 @@ TEST_F(WorkbenchTest, FormResetRestoresTheNewProjectState) {
 }
 
 TEST_F(WorkbenchTest, GoOfATabWithoutAnAnalysisReportsThroughTheErrorPath) {
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   bench.Select(tab::Report, {1});
   EXPECT_FALSE(bench.Go(tab::Report));
   ASSERT_EQ(ui.Messages().size(), 1u);
@@ -291,14 +293,14 @@ TEST_F(WorkbenchTest, ToolRegistrationKeepsTheResultsOfTheOtherRows) {
   bench.SelectAll(tab::Iri);
   ASSERT_TRUE(bench.Go(tab::Iri));
   computed.clear();
-  Paths().UserLocalPath = temp.path().string();  // registration copies into the project's folder
+  session.Paths.UserLocalPath = temp.path().string();  // registration copies into the project's folder
   ToolOutput output{"D.ERD", {}};
   output.Erd.NumChannels = 1;
   output.Erd.FormatCode = 5;
   output.Erd.StepSize = 0.25;
   output.Erd.Elevation = Array1<double>{1, 2, 3};
   output.Erd.NumSamples = output.Erd.NumSamplesHeader = 3;
-  ScriptedUi ui;
+  ScriptedUi ui(session);
   ASSERT_TRUE(bench.RegisterToolOutputs({output}));
   EXPECT_EQ(ui.Messages().front().Title, "登録");
   ASSERT_EQ(bench.ProfileCount(), 4);
@@ -323,7 +325,7 @@ TEST_F(WorkbenchTest, ToolsGetEveryProfileAndProjectSnapshotTellsChanges) {
 
   bench.TakeProjectSnapshot();
   EXPECT_FALSE(bench.ProjectChanged());
-  CurrentConditions().FilterLong = 77;
+  session.CurrentConditions.FilterLong = 77;
   EXPECT_TRUE(bench.ProjectChanged());
 }
 

@@ -1,4 +1,4 @@
-#include "session.h"
+#include "command_session.h"
 
 #include <filesystem>
 
@@ -7,14 +7,16 @@
 
 namespace velmora::cli {
 
-std::unique_ptr<Session> OpenSession(const CommonOptions& common, const std::vector<std::string>& files, int tab) {
-  auto session = std::make_unique<Session>();
+std::unique_ptr<CommandSession> OpenSession(const CommonOptions& common, const std::vector<std::string>& files, int tab) {
+  auto session = std::make_unique<CommandSession>(common);
   StartUpOptions options;
   options.CommandLine = common.Debug ? "SWDEBUG" : "";
   options.AppPathOverride = common.SettingsDir;
-  session->Start = StartUp(options);
+  // Every run rebuilds the one scratch tree of the user, so two at once must not overlap.
+  options.SingleInstance = true;
+  session->Start = StartUp(session->Engine, options);
   if (!session->Start.MayGoOn) return nullptr;
-  if (common.Debug) Settings().DebugLevel = 1;
+  if (common.Debug) session->Engine.Settings.DebugLevel = 1;
 
   workbench::Workbench& bench = session->Bench;
   bench.FormLoad();
@@ -31,7 +33,7 @@ std::unique_ptr<Session> OpenSession(const CommonOptions& common, const std::vec
   return session;
 }
 
-bool Export(Session& session, const workbench::ExportRequest& request) {
+bool Export(CommandSession& session, const workbench::ExportRequest& request) {
   return !workbench::MakeResultFiles(session.Bench, request, LocalNow()).Files.empty();
 }
 
@@ -43,7 +45,7 @@ void AddBandFileFlags(CLI::App& command, BandFileOptions& options) {
   command.add_flag("--short", options.Short, "also the short-wave sum of the octaves listed in TOLVAVERI.ini (mm)");
 }
 
-bool ExportBandFiles(Session& session, int tab, const BandFileOptions& options,
+bool ExportBandFiles(CommandSession& session, int tab, const BandFileOptions& options,
                      const std::array<ExportKind, 5>& kinds) {
   workbench::ExportRequest request{kinds[0], false, tab, {}};
   bool ok = Export(session, request);
