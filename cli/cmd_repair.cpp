@@ -7,8 +7,10 @@
 #include <set>
 
 #include "base/common.h"
+#include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/text_encoding.h"
+#include "workbench/repair_adjustments.h"
 #include "workbench/repair_register.h"
 #include "workbench/repair_result_files.h"
 #include "profile/profile_list.h"
@@ -41,17 +43,12 @@ struct InputError {
 };
 
 // One line of the --adjust file: the KP of a point (km) and the change of thickness there (mm).
-struct Adjustment {
-  double Kp = 0;
-  double Thickness = 0;
-};
-
 // The --adjust file: one "KP,thickness" pair per line (KP in km, thickness in mm, a fill positive);
 // a first line that is not numeric is a head and skipped, blank lines are skipped.
-std::vector<Adjustment> ReadAdjustments(const std::string& path) {
+std::vector<KpAdjustment> ReadAdjustments(const std::string& path) {
   if (!fs::is_regular_file(path)) throw InputError{path + ": no such file"};
   const std::vector<std::string> lines = ReadSystemTextLines(path);
-  std::vector<Adjustment> out;
+  std::vector<KpAdjustment> out;
   for (std::size_t k = 0; k < lines.size(); ++k) {
     if (Trim(lines[k]).empty()) continue;
     const std::vector<std::string> fields = uToken(lines[k], ",");
@@ -108,40 +105,6 @@ void ApplyPlanRange(workbench::Workbench& bench, const std::string& text) {
   }
 }
 
-// Sample index (1..n) of a KP on a profile; the KP must lie on the profile.
-std::int32_t SampleAtKp(const ProfileRecord& record, double kp, const std::string& file) {
-  const double first = IsNoValue(record.Erd.KpStart) ? 0.0 : record.Erd.KpStart;
-  const double metres = (record.Erd.KpSign == 1 ? first - kp : kp - first) * 1000.0;
-  const double index = std::round(metres / record.Erd.StepSize) + 1;
-  if (index < 1 || index > record.WorkCount)
-    throw InputError{file + ": KP " + FormatNumber(kp, "0.000") + " km lies outside the profile " +
-                     ProfileList::NameOf(record)};
-  return static_cast<std::int32_t>(index);
-}
-
-// A thickness study "adjust[厚]" on each profile: each adjusted KP moves the crest or trough of the
-// M wave nearest to it; the study is then calculated and chosen for the ideal shape.
-bool ApplyAdjustments(workbench::Workbench& bench, const std::string& file, const std::vector<Adjustment>& points) {
-  for (int row : bench.Selection(ThreeWave)) {
-    ProfileRecord& record = bench.Profile(row);
-    const std::vector<StudyPoint>& table = record.RepairStudy.PointTable;
-    if (!record.RepairStudy.MiddleValid || table.empty()) continue;
-    StudyTarget study = NewStudy("adjust" + std::string(StudySuffix(StudyForm::Thickness)), table);
-    study.Thickness.assign(table.size(), 0.0);
-    for (const Adjustment& a : points) {
-      const std::int32_t at = SampleAtKp(record, a.Kp, file);
-      const auto nearest = std::min_element(table.begin(), table.end(), [at](const StudyPoint& x, const StudyPoint& y) {
-        return std::abs(x.Index - at) < std::abs(y.Index - at);
-      });
-      SetPointThickness(study, static_cast<std::size_t>(nearest - table.begin()), a.Thickness);
-    }
-    record.Studies.push_back(std::move(study));
-    if (!CalcStudyAdjustment(bench.Session(), record, record.Studies.back(), bench.Repair.Form)) return false;
-    record.RepairStudy.ChosenStudy = static_cast<std::int32_t>(record.Studies.size());
-  }
-  return true;
-}
-
 // The --register list: any of L, M, S, ideal.
 struct RegisterChoice {
   WaveChoice Waves;
@@ -179,7 +142,7 @@ bool RegisterWaves(workbench::Workbench& bench, const RegisterChoice& choice, co
 int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
   try {
     const RegisterChoice registerChoice = ParseRegister(o.Register);
-    std::vector<Adjustment> adjustments;
+    std::vector<KpAdjustment> adjustments;
     if (!o.Adjust.empty()) adjustments = ReadAdjustments(o.Adjust);
     auto session = OpenSession(common, o.Files, workbench::tab::Profile);
     if (!session) return 1;
@@ -193,7 +156,15 @@ int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
     for (int t = ThreeWave; t <= IdealShape; ++t) bench.SelectAll(t);
 
     if (!bench.Go(ThreeWave) || !bench.Go(workbench::tab::MediumWave)) return 1;
-    if (!adjustments.empty() && !ApplyAdjustments(bench, o.Adjust, adjustments)) return 1;
+    if (!adjustments.empty()) {
+      bool applied = false;
+      try {
+        applied = workbench::AddKpThicknessStudies(bench, o.Adjust, adjustments);
+      } catch (const LegacyError& error) {
+        throw InputError{error.what()};  // a KP beside the road is a fault of the file, as a bad line is
+      }
+      if (!applied) return 1;
+    }
     if (!bench.Go(workbench::tab::ShortWave) || !bench.Go(IdealShape)) return 1;
 
     for (int row : bench.Selection(IdealShape)) {
