@@ -11,6 +11,7 @@
 #include "analysis/prepare_profile.h"
 #include "analysis/psd.h"
 #include "base/error_log.h"
+#include "base/file_export_name.h"
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/legacy_math.h"
@@ -227,9 +228,12 @@ bool SaveCrossCorrelation(Session& session, const ProfileList& list, std::span<c
     if (folder.empty()) return;
     const std::tm now = LocalNow();
     const std::string first = toWrite->Selection.Names.empty() ? "" : toWrite->Selection.Names[0];
-    for (std::size_t t = 0; t < kMeasureCaptions.size(); ++t)
-      WriteSystemTextFile(folder / CsvFileName(namePattern, "CC", kMeasureCaptions[t], first, now),
-                          CorrelationCsvLines(*toWrite, static_cast<std::int32_t>(t)));
+    for (std::size_t t = 0; t < kMeasureCaptions.size(); ++t) {
+      const std::string kind(kMeasureCaptions[t]);
+      const std::string name = FileExportName(namePattern, "CC_" + kind + "_$(YYYYMMDDHHNNSS)$", first,
+                                              {{"$(出力種別)$", kind}}, now);
+      WriteSystemTextFile(folder / (name + ".CSV"), CorrelationCsvLines(*toWrite, static_cast<std::int32_t>(t)));
+    }
     ShowCsvSaved(session, folder);
     saved = true;
   });

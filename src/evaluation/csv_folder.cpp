@@ -23,19 +23,6 @@ std::filesystem::path AskCsvFolder(Session& session) {
   return folder;
 }
 
-std::string CsvFileName(std::string_view pattern, std::string_view prefix, std::string_view kind,
-                        std::string_view profileName, const std::tm& now) {
-  std::string name;
-  if (Trim(pattern).empty()) {
-    name = std::string(prefix) + "_" + std::string(kind) + "_" + FormatDateTime(now, "YYYYMMDDHHNNSS");
-  } else {
-    name = uExpandDate(pattern, now);
-    name = uReplaceMacro(name, "$(PROFILENAME)$", profileName);
-    name = uReplaceMacro(name, "$(出力種別)$", kind);
-  }
-  return name + ".CSV";
-}
-
 void ShowCsvSaved(Session& session, const std::filesystem::path& folder) {
   session.Ui().Message("CSV形式で以下のフォルダに保存しました。\r\n\r\n保存先：" + folder.string(), "データ保存",
                MsgIcon::Information, MsgButtons::Ok, MsgAnswer::Ok);

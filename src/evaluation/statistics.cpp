@@ -10,6 +10,7 @@
 #include "analysis/octave.h"
 #include "base/app_paths.h"
 #include "base/error_log.h"
+#include "base/file_export_name.h"
 #include "base/legacy_format.h"
 #include "base/settings.h"
 #include "base/text_encoding.h"
@@ -383,7 +384,9 @@ bool SaveStatistics(Session& session, const StatisticsResults& results, const st
         for (std::size_t c = 0; c < page.Width(); ++c) line += (c == 0 ? "" : ",") + page.Cell(r, c);
         lines.push_back(std::move(line));
       }
-      WriteSystemTextFile(folder / CsvFileName(namePattern, "統計値", page.Caption, firstProfileName, now), lines);
+      const std::string name = FileExportName(namePattern, "統計値_" + page.Caption + "_$(YYYYMMDDHHNNSS)$",
+                                              firstProfileName, {{"$(出力種別)$", page.Caption}}, now);
+      WriteSystemTextFile(folder / (name + ".CSV"), lines);
     }
     ShowCsvSaved(session, folder);
     saved = true;

@@ -6,7 +6,7 @@
 #include "analysis/octave.h"
 #include "base/session.h"
 #include "base/user_interaction.h"
-#include "workbench/file_export_name.h"
+#include "base/file_export_name.h"
 #include "workbench/workbench.h"
 
 namespace velmora::workbench {

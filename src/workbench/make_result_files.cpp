@@ -10,7 +10,7 @@
 #include "base/settings_io.h"
 #include "base/text_encoding.h"
 #include "base/user_interaction.h"
-#include "workbench/file_export_name.h"
+#include "base/file_export_name.h"
 #include "profile/erd_file.h"
 
 namespace velmora::workbench {

@@ -5,7 +5,7 @@
 
 #include "base/common.h"
 #include "base/session.h"
-#include "workbench/file_export_name.h"
+#include "base/file_export_name.h"
 #include "workbench/repair_register.h"
 #include "report/repair_export.h"
 #include "repair/ideal_shape.h"

@@ -8,7 +8,7 @@
 #include "base/settings_io.h"
 #include "base/text_encoding.h"
 #include "base/user_interaction.h"
-#include "workbench/file_export_name.h"
+#include "base/file_export_name.h"
 #include "workbench/make_result_files.h"
 #include "profile/erd_file.h"
 #include "repair/ideal_shape.h"

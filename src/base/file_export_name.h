@@ -10,7 +10,7 @@
 
 #include "base/session.h"
 
-namespace velmora::workbench {
+namespace velmora {
 
 struct NameMacro {
   std::string Macro;  // e.g. "$(CUTOFF)$"
@@ -27,4 +27,4 @@ std::string FileExportName(std::string_view pattern, std::string_view builtIn, s
 // The value of "FileExportName" in `section` of TOLVAVERI.ini (empty when the key or file is absent).
 std::string FileExportPattern(Session& session, std::string_view section);
 
-}  // namespace velmora::workbench
+}  // namespace velmora

@@ -1,11 +1,10 @@
-#include "base/session.h"
-#include "workbench/file_export_name.h"
+#include "base/file_export_name.h"
 
 #include "base/common.h"
 #include "base/macros.h"
 #include "base/settings_io.h"
 
-namespace velmora::workbench {
+namespace velmora {
 
 std::string FileExportName(std::string_view pattern, std::string_view builtIn, std::string_view profileName,
                            const std::vector<NameMacro>& kindMacros, const std::tm& now) {
@@ -19,4 +18,4 @@ std::string FileExportPattern(Session& session, std::string_view section) {
   return GetIniValue(session, GeneralIniPath(session.Paths), section, "FileExportName");
 }
 
-}  // namespace velmora::workbench
+}  // namespace velmora

@@ -1,8 +1,8 @@
-#include "workbench/file_export_name.h"
+#include "base/file_export_name.h"
 
 #include <gtest/gtest.h>
 
-namespace velmora::workbench {
+namespace velmora {
 namespace {
 
 std::tm At20240305_140709() {
@@ -38,4 +38,4 @@ TEST(FileExportName, EmptyPatternTakesTheBuiltInOne) {
 }
 
 }  // namespace
-}  // namespace velmora::workbench
+}  // namespace velmora
