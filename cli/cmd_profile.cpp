@@ -4,26 +4,17 @@
 
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
+#include "base/path_helpers.h"
 #include "profile/erd_file.h"
 #include "profile/profile_export.h"
 #include "profile/profile_reader.h"
 #include "base/session.h"
 #include "results/wave_series.h"
-#include "cli_ui.h"
+#include "command_session.h"
 #include "command_registry.h"
 
 namespace velmora::cli {
 namespace {
-
-// Reads one file as a registration would; false (the reason already on stderr) when it fails.
-bool LoadProfile(Session& session, const std::string& path, ProfileRecord& profile) {
-  try {
-    if (ReadProfile(session, path, profile)) return true;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "velmora: %s\n", error.what());
-  }
-  return false;
-}
 
 void PrintInfo(const std::string& path, const ProfileRecord& profile) {
   const ErdRecord& erd = profile.Erd;
@@ -43,14 +34,24 @@ void PrintInfo(const std::string& path, const ProfileRecord& profile) {
               FormatNumber(stats.StdDev, "0.0000").c_str());
 }
 
+// Each file is registered as the workbench registers it and described at once, so that two files
+// of one name (the second replacing the first in the list) are both described.
 int RunInfo(const std::vector<std::string>& files, const CommonOptions& common) {
-  CliUi ui(common);
-  Session session(ui);
+  auto session = OpenSession(common, {}, workbench::tab::Profile);
+  if (!session) return 1;
+  workbench::Workbench& bench = session->Bench;
   int status = 0;
   for (const std::string& path : files) {
-    ProfileRecord profile;
-    if (LoadProfile(session, path, profile)) PrintInfo(path, profile);
-    else status = 1;
+    if (!std::filesystem::is_regular_file(path)) {
+      std::fprintf(stderr, "velmora: %s: no such file\n", path.c_str());
+      status = 1;
+      continue;
+    }
+    if (!bench.RegisterFiles({path}, false)) {
+      status = 1;
+      continue;
+    }
+    PrintInfo(path, bench.Profile(bench.List().Find(flGetFileNameNonExt(path))));
   }
   return status;
 }
@@ -65,15 +66,12 @@ std::string CsvTarget(const std::string& output, const CommonOptions& common) {
 }
 
 int RunConvert(const std::vector<std::string>& files, const std::string& output, const CommonOptions& common) {
-  CliUi ui(common);
-  Session session(ui);
-  std::vector<ProfileRecord> profiles(files.size());
-  for (std::size_t i = 0; i < files.size(); ++i)
-    if (!LoadProfile(session, files[i], profiles[i])) return 1;
+  auto session = OpenSession(common, files, workbench::tab::Profile);
+  if (!session) return 1;
   std::vector<const ErdRecord*> records;
-  for (const ProfileRecord& profile : profiles) records.push_back(&profile.Erd);
+  for (const ProfileRecord& profile : session->Bench.List().Items) records.push_back(&profile.Erd);
   try {
-    for (const std::string& written : WriteProfileCsv(session, CsvTarget(output, common), records))
+    for (const std::string& written : WriteProfileCsv(session->Engine, CsvTarget(output, common), records))
       std::printf("%s\n", written.c_str());
   } catch (const std::exception& error) {
     std::fprintf(stderr, "velmora: %s\n", error.what());

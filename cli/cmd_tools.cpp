@@ -66,11 +66,8 @@ int RunImport(const CommonOptions& common, const ImportArgs& args) {
 
   auto session = OpenSession(common, {}, workbench::tab::Profile);
   if (!session) return 1;
-  const ImportPreview preview = BuildImportPreview(args.File, options);
-  if (CheckImport(session->Engine, preview, options) >= 0) return 1;
-  const auto written = WriteImportedProfiles(session->Engine, args.File, preview, options, session->Bench.List());
-  // Registration reads every file back, so a column that did not make a valid profile fails here.
-  if (!session->Bench.RegisterFiles(written, false) || !EnsureOutputFolder(common)) return 1;
+  const std::vector<std::string> written = session->Bench.ImportText(args.File, options);
+  if (written.empty() || !EnsureOutputFolder(common)) return 1;
   for (const std::string& file : written) {
     const auto target = std::filesystem::path(common.OutputDir) / flGetFileName(file);
     std::filesystem::copy_file(file, target, std::filesystem::copy_options::overwrite_existing);

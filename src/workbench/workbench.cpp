@@ -49,6 +49,15 @@ bool Workbench::RegisterFiles(const std::vector<std::string>& paths, bool ask) {
   return ok;
 }
 
+std::vector<std::string> Workbench::ImportText(const std::string& file, const ImportOptions& options) {
+  const ImportPreview preview = BuildImportPreview(file, options);
+  if (CheckImport(session_, preview, options) >= 0) return {};
+  std::vector<std::string> written = WriteImportedProfiles(session_, file, preview, options, list_);
+  // Registration reads every file back, so a column that did not make a valid profile fails here.
+  if (!RegisterFiles(written, false)) return {};
+  return written;
+}
+
 bool Workbench::RegisterToolOutputs(const std::vector<ToolOutput>& outputs) {
   return velmora::RegisterToolOutputs(session_, outputs, [this](const std::vector<std::string>& paths) {
     return RegisterFiles(paths, true);

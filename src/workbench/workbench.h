@@ -17,6 +17,7 @@
 #include "profile/profile_list.h"
 #include "profile/profile_record.h"
 #include "profile/profile_tools.h"
+#include "profile/text_import.h"
 #include "report/position_axis.h"
 
 namespace velmora::workbench {
@@ -117,6 +118,9 @@ class Workbench {
   bool RegisterFiles(const std::vector<std::string>& paths, bool ask);
   // A tool's "登録": asks, writes the new profiles into TempPath and registers them as RegisterFiles.
   bool RegisterToolOutputs(const std::vector<ToolOutput>& outputs);
+  // Delimited text into profiles (text import): the file's columns are checked against `options`
+  // (a refusal says why), written as ERD files in TempPath and registered. The written files, or none.
+  std::vector<std::string> ImportText(const std::string& file, const ImportOptions& options);
   // Registers a profile already read (tools, the repair study's results); all tabs become dirty.
   void AddProfile(ProfileRecord record);
   // The selected rows (from 1) of a tab's list, ascending.
