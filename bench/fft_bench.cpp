@@ -4,11 +4,11 @@
 #include <cmath>
 #include <random>
 
-#include "base/session.h"
 #include "analysis/fft.h"
 #include "analysis/fft_filter.h"
 #include "analysis/fft_kernels.h"
 #include "analysis/moving_average.h"
+#include "base/session.h"
 
 namespace velmora {
 namespace {

@@ -4,11 +4,11 @@
 #include <cmath>
 #include <vector>
 
-#include "base/session.h"
 #include "analysis/band_reduction.h"
 #include "analysis/octave.h"
 #include "analysis/prepare_profile.h"
 #include "analysis/psd.h"
+#include "base/session.h"
 #include "profile/profile_record.h"
 
 namespace velmora {

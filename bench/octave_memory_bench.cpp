@@ -9,9 +9,9 @@
 #include <cstdlib>
 #include <new>
 
-#include "base/session.h"
 #include "analysis/octave.h"
 #include "analysis/prepare_profile.h"
+#include "base/session.h"
 #include "profile/profile_record.h"
 
 namespace {

@@ -2,8 +2,8 @@
 #include <cstdio>
 
 #include "base/settings.h"
-#include "profile/profile_list.h"
 #include "command_session.h"
+#include "profile/profile_list.h"
 
 namespace velmora::cli {
 namespace {

@@ -5,13 +5,13 @@
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/path_helpers.h"
+#include "base/session.h"
+#include "command_registry.h"
+#include "command_session.h"
 #include "profile/erd_file.h"
 #include "profile/profile_export.h"
 #include "profile/profile_reader.h"
-#include "base/session.h"
 #include "results/wave_series.h"
-#include "command_session.h"
-#include "command_registry.h"
 
 namespace velmora::cli {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "base/common.h"
 #include "base/settings.h"
-#include "profile/profile_list.h"
 #include "command_session.h"
+#include "profile/profile_list.h"
 
 namespace velmora::cli {
 namespace {

@@ -10,13 +10,13 @@
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/text_encoding.h"
-#include "workbench/repair_adjustments.h"
-#include "workbench/repair_register.h"
-#include "workbench/repair_result_files.h"
+#include "command_session.h"
 #include "profile/profile_list.h"
 #include "repair/ideal_shape.h"
 #include "repair/study_targets.h"
-#include "command_session.h"
+#include "workbench/repair_adjustments.h"
+#include "workbench/repair_register.h"
+#include "workbench/repair_result_files.h"
 
 namespace velmora::cli {
 namespace {

@@ -3,8 +3,8 @@
 // octave band with the largest standard deviation (mm). Writes no files.
 #include <cstdio>
 
-#include "report/profile_summary.h"
 #include "command_session.h"
+#include "report/profile_summary.h"
 
 namespace velmora::cli {
 namespace {

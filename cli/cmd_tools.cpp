@@ -6,10 +6,10 @@
 
 #include "base/app_paths.h"
 #include "base/path_helpers.h"
+#include "command_session.h"
 #include "profile/erd_file.h"
 #include "profile/profile_tools.h"
 #include "profile/text_import.h"
-#include "command_session.h"
 
 namespace velmora::cli {
 namespace {

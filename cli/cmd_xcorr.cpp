@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "command_session.h"
 #include "evaluation/correlation_tables.h"
 #include "profile/profile_list.h"
-#include "command_session.h"
 
 namespace velmora::cli {
 namespace {

@@ -8,10 +8,10 @@
 
 #include "base/session.h"
 #include "base/startup.h"
-#include "workbench/make_result_files.h"
-#include "workbench/workbench.h"
 #include "cli_ui.h"
 #include "command_registry.h"
+#include "workbench/make_result_files.h"
+#include "workbench/workbench.h"
 
 namespace velmora::cli {
 

@@ -6,8 +6,8 @@
 
 #include "analysis/complex.h"
 #include "analysis/debug_table.h"
-#include "analysis/real_fft.h"
 #include "analysis/mirror_extend.h"
+#include "analysis/real_fft.h"
 #include "base/common.h"
 #include "base/error_log.h"
 #include "base/legacy_error.h"

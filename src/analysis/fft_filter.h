@@ -3,9 +3,9 @@
 // pass repeated on its own output until what it takes away stops shrinking.
 #include <cstdint>
 
+#include "base/one_based.h"
 #include "base/session.h"
 #include "results/filter_types.h"
-#include "base/one_based.h"
 #include "results/wave_series.h"
 
 namespace velmora {

@@ -9,8 +9,8 @@
 
 #include "analysis/fft_filter.h"
 #include "base/session.h"
-#include "results/iri_types.h"
 #include "profile/profile_record.h"
+#include "results/iri_types.h"
 
 namespace velmora {
 

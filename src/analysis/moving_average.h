@@ -2,9 +2,9 @@
 // The moving-average filter: a running mean over a point-symmetric fold of the profile.
 #include <cstdint>
 
+#include "base/one_based.h"
 #include "base/session.h"
 #include "results/filter_types.h"
-#include "base/one_based.h"
 
 namespace velmora {
 

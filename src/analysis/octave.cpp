@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "analysis/debug_table.h"
-#include "analysis/real_fft.h"
 #include "analysis/mirror_extend.h"
 #include "analysis/octave_bands.h"
 #include "analysis/prepare_profile.h"
+#include "analysis/real_fft.h"
 #include "base/error_log.h"
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"

@@ -4,11 +4,11 @@
 #include <array>
 #include <cstdint>
 
+#include "analysis/fft_filter.h"
+#include "base/one_based.h"
 #include "base/session.h"
 #include "results/analysis_block.h"
-#include "analysis/fft_filter.h"
 #include "results/octave_types.h"
-#include "base/one_based.h"
 
 namespace velmora {
 

@@ -2,9 +2,9 @@
 // The preparation every frequency-domain analysis of a profile starts from.
 #include <cstdint>
 
+#include "base/one_based.h"
 #include "base/session.h"
 #include "results/analysis_block.h"
-#include "base/one_based.h"
 
 namespace velmora {
 

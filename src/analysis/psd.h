@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "base/one_based.h"
 #include "base/session.h"
 #include "results/psd_types.h"
-#include "base/one_based.h"
 
 namespace velmora {
 

@@ -6,9 +6,9 @@
 #include <span>
 #include <vector>
 
+#include "analysis/psd_window.h"
 #include "base/session.h"
 #include "results/psd_types.h"
-#include "analysis/psd_window.h"
 
 namespace velmora {
 

@@ -2,8 +2,8 @@
 // The slope filter: the profile's slopes, or the profile rebuilt without its steep slopes.
 #include <cstdint>
 
-#include "results/analysis_block.h"
 #include "base/one_based.h"
+#include "results/analysis_block.h"
 
 namespace velmora {
 

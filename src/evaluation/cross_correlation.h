@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "base/session.h"
-#include "results/iri_types.h"
 #include "evaluation/cross_correlation_kernel.h"
 #include "profile/profile_list.h"
+#include "results/iri_types.h"
 
 namespace velmora {
 

@@ -1,9 +1,9 @@
-#include "base/session.h"
 #include "evaluation/csv_folder.h"
 
 #include "base/common.h"
 #include "base/legacy_format.h"
 #include "base/macros.h"
+#include "base/session.h"
 #include "base/settings_io.h"
 #include "base/user_interaction.h"
 

@@ -12,9 +12,9 @@
 
 #include "analysis/fft_filter.h"
 #include "base/session.h"
-#include "results/iri_types.h"
 #include "evaluation/section_statistics.h"
 #include "profile/profile_list.h"
+#include "results/iri_types.h"
 
 namespace velmora {
 

@@ -1,4 +1,3 @@
-#include "base/session.h"
 #include "profile/erd_file.h"
 
 #include <charconv>
@@ -10,6 +9,7 @@
 #include "base/legacy_format.h"
 #include "base/legacy_math.h"
 #include "base/number_helpers.h"
+#include "base/session.h"
 #include "base/text_encoding.h"
 #include "base/user_interaction.h"
 

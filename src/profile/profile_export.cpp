@@ -1,4 +1,3 @@
-#include "base/session.h"
 #include "profile/profile_export.h"
 
 #include <algorithm>
@@ -7,6 +6,7 @@
 #include "base/file_helpers.h"
 #include "base/legacy_format.h"
 #include "base/path_helpers.h"
+#include "base/session.h"
 #include "base/settings.h"
 #include "base/text_encoding.h"
 #include "profile/erd_file.h"

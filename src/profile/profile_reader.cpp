@@ -1,10 +1,10 @@
-#include "base/session.h"
 #include "profile/profile_reader.h"
 
 #include <filesystem>
 
 #include "base/app_paths.h"
 #include "base/legacy_format.h"
+#include "base/session.h"
 #include "base/settings.h"
 #include "base/text_encoding.h"
 #include "profile/erd_file.h"

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "results/analysis_block.h"
 #include "base/common.h"
 #include "base/one_based.h"
-#include "results/statistics_types.h"
+#include "results/analysis_block.h"
 #include "results/repair_types.h"
+#include "results/statistics_types.h"
 
 namespace velmora {
 

@@ -1,4 +1,3 @@
-#include "base/session.h"
 #include "profile/profile_tab.h"
 
 #include <algorithm>
@@ -7,6 +6,7 @@
 
 #include "base/legacy_format.h"
 #include "base/number_helpers.h"
+#include "base/session.h"
 #include "base/user_interaction.h"
 #include "profile/erd_file.h"
 

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "base/session.h"
-#include "results/iri_types.h"
 #include "profile/profile_list.h"
 #include "profile/profile_record.h"
 #include "repair/m_wave.h"
 #include "repair/three_wave.h"
+#include "results/iri_types.h"
 
 namespace velmora {
 

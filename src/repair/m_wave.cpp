@@ -6,11 +6,11 @@
 
 #include <fmt/format.h>
 
+#include "analysis/debug_table.h"
 #include "base/error_log.h"
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/legacy_math.h"
-#include "analysis/debug_table.h"
 #include "repair/study_debug.h"
 
 namespace velmora {

@@ -6,8 +6,8 @@
 
 #include "base/one_based.h"
 #include "base/session.h"
-#include "results/wave_series.h"
 #include "results/repair_types.h"
+#include "results/wave_series.h"
 
 namespace velmora {
 

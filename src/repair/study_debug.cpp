@@ -1,10 +1,10 @@
-#include "base/session.h"
 #include "repair/study_debug.h"
 
 #include <filesystem>
 
 #include "analysis/debug_table.h"
 #include "base/app_paths.h"
+#include "base/session.h"
 #include "base/text_encoding.h"
 
 namespace velmora::detail {

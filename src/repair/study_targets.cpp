@@ -1,9 +1,9 @@
-#include "base/session.h"
 #include "repair/study_targets.h"
 
 #include <algorithm>
 
 #include "base/common.h"
+#include "base/session.h"
 #include "base/user_interaction.h"
 #include "repair/m_wave.h"
 

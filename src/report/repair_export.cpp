@@ -1,4 +1,3 @@
-#include "base/session.h"
 #include "report/repair_export.h"
 
 #include <cmath>
@@ -10,10 +9,11 @@
 #include "base/common.h"
 #include "base/legacy_error.h"
 #include "base/legacy_math.h"
+#include "base/session.h"
 #include "profile/profile_list.h"
+#include "repair/ideal_shape.h"
 #include "report/result_csv.h"
 #include "report/result_export.h"
-#include "repair/ideal_shape.h"
 
 namespace velmora {
 namespace {

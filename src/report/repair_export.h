@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "base/session.h"
-#include "results/iri_types.h"
 #include "base/one_based.h"
+#include "base/session.h"
 #include "profile/profile_record.h"
 #include "report/position_axis.h"
+#include "results/iri_types.h"
 
 namespace velmora {
 

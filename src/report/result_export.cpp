@@ -1,4 +1,3 @@
-#include "base/session.h"
 #include "report/result_export.h"
 
 #include <cmath>
@@ -12,6 +11,7 @@
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/legacy_math.h"
+#include "base/session.h"
 #include "profile/profile_list.h"
 
 namespace velmora {

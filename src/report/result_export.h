@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "base/session.h"
-#include "results/filter_types.h"
 #include "profile/profile_record.h"
 #include "report/result_csv.h"
+#include "results/filter_types.h"
 
 namespace velmora {
 

@@ -4,12 +4,12 @@
 #include <array>
 #include <cstdint>
 
+#include "base/one_based.h"
 #include "results/band_reduction_types.h"
 #include "results/filter_types.h"
 #include "results/iri_types.h"
 #include "results/octave_types.h"
 #include "results/psd_types.h"
-#include "base/one_based.h"
 #include "results/wave_series.h"
 
 namespace velmora {

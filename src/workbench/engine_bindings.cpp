@@ -1,7 +1,7 @@
-#include "base/session.h"
 #include "workbench/engine_bindings.h"
 
 #include "base/number_helpers.h"
+#include "base/session.h"
 #include "base/startup.h"
 #include "repair/three_wave.h"
 

@@ -5,8 +5,8 @@
 #include <functional>
 
 #include "base/conditions_dialog.h"
-#include "workbench/workbench.h"
 #include "profile/profile_tab.h"
+#include "workbench/workbench.h"
 
 namespace velmora::workbench {
 

@@ -4,9 +4,9 @@
 #include <fmt/format.h>
 
 #include "analysis/octave.h"
+#include "base/file_export_name.h"
 #include "base/session.h"
 #include "base/user_interaction.h"
-#include "base/file_export_name.h"
 #include "workbench/workbench.h"
 
 namespace velmora::workbench {

@@ -5,12 +5,12 @@
 #include <fmt/format.h>
 
 #include "base/error_log.h"
+#include "base/file_export_name.h"
 #include "base/legacy_error.h"
 #include "base/path_helpers.h"
 #include "base/settings_io.h"
 #include "base/text_encoding.h"
 #include "base/user_interaction.h"
-#include "base/file_export_name.h"
 #include "profile/erd_file.h"
 
 namespace velmora::workbench {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "base/session.h"
-#include "workbench/workbench.h"
 #include "report/result_export.h"
+#include "workbench/workbench.h"
 
 namespace velmora::workbench {
 

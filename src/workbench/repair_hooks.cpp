@@ -4,12 +4,12 @@
 #include <fmt/format.h>
 
 #include "base/common.h"
-#include "base/session.h"
 #include "base/file_export_name.h"
-#include "workbench/repair_register.h"
-#include "report/repair_export.h"
+#include "base/session.h"
 #include "repair/ideal_shape.h"
 #include "repair/study_targets.h"
+#include "report/repair_export.h"
+#include "workbench/repair_register.h"
 
 namespace velmora::workbench {
 namespace {

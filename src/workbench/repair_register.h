@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "workbench/workbench.h"
 #include "repair/ideal_shape.h"
+#include "workbench/workbench.h"
 
 namespace velmora::workbench {
 

@@ -3,15 +3,15 @@
 #include <filesystem>
 
 #include "base/error_log.h"
+#include "base/file_export_name.h"
 #include "base/legacy_error.h"
 #include "base/path_helpers.h"
 #include "base/settings_io.h"
 #include "base/text_encoding.h"
 #include "base/user_interaction.h"
-#include "base/file_export_name.h"
-#include "workbench/make_result_files.h"
 #include "profile/erd_file.h"
 #include "repair/ideal_shape.h"
+#include "workbench/make_result_files.h"
 
 namespace velmora::workbench {
 namespace {

@@ -4,8 +4,8 @@
 // folder the user chooses.
 #include <ctime>
 
-#include "workbench/make_result_files.h"
 #include "report/repair_export.h"
+#include "workbench/make_result_files.h"
 
 namespace velmora::workbench {
 

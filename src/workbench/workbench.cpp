@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "base/error_log.h"
-#include "base/progress.h"
 #include "base/path_helpers.h"
+#include "base/progress.h"
 #include <fmt/format.h>
 
 #include "base/user_interaction.h"

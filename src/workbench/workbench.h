@@ -10,15 +10,15 @@
 
 #include "base/session.h"
 #include "base/settings.h"
-#include "workbench/evaluation_tabs.h"
-#include "workbench/repair_inputs.h"
-#include "workbench/tab_inputs.h"
-#include "workbench/tab_table.h"
 #include "profile/profile_list.h"
 #include "profile/profile_record.h"
 #include "profile/profile_tools.h"
 #include "profile/text_import.h"
 #include "report/position_axis.h"
+#include "workbench/evaluation_tabs.h"
+#include "workbench/repair_inputs.h"
+#include "workbench/tab_inputs.h"
+#include "workbench/tab_table.h"
 
 namespace velmora::workbench {
 

@@ -11,8 +11,8 @@
 #include "base/app_paths.h"
 #include "base/legacy_error.h"
 #include "profile/profile_record.h"
-#include "support/expect_values.h"
 #include "support/error_of.h"
+#include "support/expect_values.h"
 #include "support/session_fixture.h"
 #include "support/test_support.h"
 

@@ -242,7 +242,7 @@ TEST_F(RunIriTest, ComputesSelectedProfilesAndRecomputesOnlyWhenTheLengthChanges
   ProfileRecord a = Profile(0.25, 400, 1.0), b = Profile(0.25, 300);
   std::vector<ProfileRecord*> list{&a, &b};
   std::vector<ProfileRecord*> selected{&a};
-  IriRunRequest request{"10", IriParams{}, false};
+  IriRunRequest request{"10", IriParams{}, false, false, FilterConvergence{}};
   request.Params.InitFilter = 11;
   double last = kNoValue;
   testing::ScriptedUi ui(session);
@@ -287,7 +287,7 @@ TEST_F(RunIriTest, MissingBandSplitIsMadeFirst) {
   p.WorkProfile.assign_zero(800);
   for (std::int32_t i = 1; i <= 800; ++i) p.WorkProfile[i] = 2 * std::sin(0.3 * i) + 5 * std::sin(0.02 * i);
   std::vector<ProfileRecord*> list{&p};
-  IriRunRequest request{"10", IriParams{}, false};
+  IriRunRequest request{"10", IriParams{}, false, false, FilterConvergence{}};
   double last = kNoValue;
   testing::ScriptedUi ui(session);
   ASSERT_TRUE(RunIri(session, list, list, request, last));

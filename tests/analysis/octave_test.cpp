@@ -1,7 +1,7 @@
 // Octave masks, the preparation of a profile, the single and the repeated split, and the sums.
-#include "analysis/octave.h"
-#include "analysis/mirror_extend.h"
 #include "analysis/fft.h"
+#include "analysis/mirror_extend.h"
+#include "analysis/octave.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,3 @@
-#include "base/session.h"
 #include "base/settings_io.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +7,7 @@
 #include "base/colour.h"
 #include "base/ini_file.h"
 #include "base/legacy_error.h"
+#include "base/session.h"
 #include "base/text_encoding.h"
 #include "frame_sandbox.h"
 

@@ -1,4 +1,3 @@
-#include "base/session.h"
 #include "base/startup.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +6,7 @@
 
 #include <regex>
 
+#include "base/session.h"
 #include "base/settings_io.h"
 #include "frame_sandbox.h"
 

@@ -1,4 +1,3 @@
-#include "base/session.h"
 #include "evaluation/cross_correlation.h"
 
 #include <gtest/gtest.h>
@@ -7,10 +6,11 @@
 #include <regex>
 
 #include "base/app_paths.h"
+#include "base/session.h"
 #include "base/text_encoding.h"
 #include "evaluation/correlation_tables.h"
-#include "support/profile_fixture.h"
 #include "evaluation_fixture.h"
+#include "support/profile_fixture.h"
 #include "support/session_fixture.h"
 #include "support/test_support.h"
 

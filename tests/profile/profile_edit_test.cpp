@@ -1,6 +1,5 @@
 // The profile list's commands: add through the dialog, the PMS refusal, export as ERD or CSV, rename,
 // remove, moves and the buttons they enable, and the limit of fifty per action.
-#include "base/session.h"
 #include "profile/profile_edit.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "base/session.h"
 #include "base/settings_io.h"
 #include "profile/erd_file.h"
 #include "profile/list_fixture.h"

@@ -1,4 +1,3 @@
-#include "base/session.h"
 #include "repair/ideal_shape.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +8,7 @@
 
 #include "analysis/iri.h"
 #include "base/app_paths.h"
+#include "base/session.h"
 #include "repair/study_targets.h"
 #include "study_fixture.h"
 #include "support/session_fixture.h"

@@ -9,9 +9,9 @@
 #include "base/app_paths.h"
 #include "base/common.h"
 #include "base/session.h"
-#include "workbench/workbench.h"
-#include "support/test_support.h"
 #include "support/session_fixture.h"
+#include "support/test_support.h"
+#include "workbench/workbench.h"
 
 namespace velmora::workbench {
 namespace {

@@ -1,13 +1,13 @@
 // The profile tab's boxes and the project reset bound to the workbench.
-#include "base/session.h"
 #include "workbench/engine_bindings.h"
 
 #include <gtest/gtest.h>
 
 #include "base/app_paths.h"
+#include "base/session.h"
 #include "base/startup.h"
-#include "support/test_support.h"
 #include "support/session_fixture.h"
+#include "support/test_support.h"
 
 namespace velmora::workbench {
 namespace {

@@ -8,11 +8,11 @@
 #include "base/app_paths.h"
 #include "base/session.h"
 #include "base/text_encoding.h"
-#include "workbench/workbench.h"
 #include "evaluation/correlation_tables.h"
 #include "support/profile_fixture.h"
-#include "support/test_support.h"
 #include "support/session_fixture.h"
+#include "support/test_support.h"
+#include "workbench/workbench.h"
 
 namespace velmora::workbench {
 namespace {

@@ -1,12 +1,12 @@
-#include "base/session.h"
 #include "workbench/make_result_files.h"
 
 #include <gtest/gtest.h>
 
 #include "base/app_paths.h"
 #include "base/common.h"
-#include "support/test_support.h"
+#include "base/session.h"
 #include "support/session_fixture.h"
+#include "support/test_support.h"
 
 namespace velmora::workbench {
 namespace {

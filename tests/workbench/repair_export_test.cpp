@@ -1,5 +1,4 @@
 // The study's result files on small hand-made records: names, heads and rows written out by hand.
-#include "base/session.h"
 #include "workbench/repair_result_files.h"
 
 #include <gtest/gtest.h>
@@ -7,10 +6,11 @@
 #include <filesystem>
 
 #include "base/app_paths.h"
+#include "base/session.h"
 #include "base/text_encoding.h"
 #include "profile/erd_file.h"
-#include "support/test_support.h"
 #include "support/session_fixture.h"
+#include "support/test_support.h"
 
 namespace velmora::workbench {
 namespace {

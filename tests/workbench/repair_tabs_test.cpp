@@ -9,14 +9,14 @@
 #include "base/common.h"
 #include "base/session.h"
 #include "base/text_encoding.h"
+#include "repair/ideal_shape.h"
+#include "repair/study_fixture.h"
+#include "repair/study_targets.h"
+#include "support/session_fixture.h"
+#include "support/test_support.h"
 #include "workbench/repair_register.h"
 #include "workbench/repair_result_files.h"
 #include "workbench/workbench.h"
-#include "repair/ideal_shape.h"
-#include "repair/study_targets.h"
-#include "repair/study_fixture.h"
-#include "support/test_support.h"
-#include "support/session_fixture.h"
 
 namespace velmora::workbench {
 namespace {
