@@ -92,6 +92,7 @@ void CallerQueue::RunUntil(const std::function<bool()>& done) {
 }
 
 BackgroundGo::~BackgroundGo() {
+  stop_ = true;
   if (worker_.joinable()) worker_.join();
 }
 

@@ -38,7 +38,9 @@ class CallerQueue {
 class BackgroundGo {
  public:
   explicit BackgroundGo(Workbench& bench) : bench_(bench) {}
-  ~BackgroundGo();  // waits for a Go still running
+  // Asks a Go still running to stop and waits for it. The caller's loop must have run the Go's last
+  // tasks first (a window keeps this object until the end has been reported).
+  ~BackgroundGo();
   BackgroundGo(const BackgroundGo&) = delete;
   BackgroundGo& operator=(const BackgroundGo&) = delete;
 
