@@ -155,9 +155,10 @@ FilterRunOutcome RunFilter(Session& session, const FilterSpec& filterSpec, bool 
   outcome.Focus = CheckFilterSpec(session, filterSpec);
   if (outcome.Focus != FilterField::None) return outcome;
 
+  ProgressScope display(session.Ui(), kProgressTitle, kPleaseWait);
+  // Said where the model is built; the filter then goes on with what the matrices hold.
   if (filterSpec.CalcType == FilterCalcType::Iri && QuarterCarIsSingular(iri))
     session.Ui().Message("Singular matrix", "", MsgIcon::None, MsgButtons::Ok, MsgAnswer::Ok);
-  ProgressScope display(session.Ui(), kProgressTitle, kPleaseWait);
   std::size_t done = 0;
   for (ProfileRecord* record : profiles) {
     session.Ui().ProgressStart(kProgressTitle, ProgressCaption(filterSpec.CalcType) + ProfileName(*record));
