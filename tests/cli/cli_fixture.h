@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <iomanip>
@@ -14,10 +12,14 @@
 #include <string>
 #include <vector>
 
+#include "base/session.h"
 #include "base/text_encoding.h"
-#include "support/test_support.h"
+#include "profile/erd_file.h"
+#include "support/readback.h"
 
 namespace velmora::testing {
+
+using Texts = std::vector<std::string>;
 
 class CliTest : public ::testing::Test {
  protected:
@@ -32,27 +34,24 @@ class CliTest : public ::testing::Test {
   std::string Stdout() const { return ReadBytes(temp / "stdout.txt"); }
   std::string Stderr() const { return ReadBytes(temp / "stderr.txt"); }
 
-  // The names in an output folder, sorted by bytes.
-  std::vector<std::string> Written(const std::string& out = "out") const {
-    std::vector<std::string> names;
-    if (std::filesystem::exists(temp / out))
-      for (const auto& entry : std::filesystem::directory_iterator(temp / out))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
+  Texts Written(const std::string& out = "out") const { return FileNames(temp / out); }
   // The one written file whose name holds `part`; fails the test when there is not exactly one.
   std::filesystem::path WrittenWith(const std::string& part, const std::string& out = "out") const {
-    std::vector<std::string> hits;
+    Texts hits;
     for (const std::string& name : Written(out))
       if (name.find(part) != std::string::npos) hits.push_back(name);
     EXPECT_EQ(hits.size(), 1u) << part;
     return hits.empty() ? temp / out / "none" : temp / out / hits.front();
   }
-  // Names that start with the heads given, in order and no more.
-  static void ExpectHeads(const std::vector<std::string>& names, const std::vector<std::string>& heads) {
-    ASSERT_EQ(names.size(), heads.size());
-    for (std::size_t i = 0; i < heads.size(); ++i) EXPECT_EQ(names[i].rfind(heads[i], 0), 0u) << names[i];
+  Texts LinesOf(const std::string& part, const std::string& out = "out") const {
+    return ReadSystemTextLines(WrittenWith(part, out));
+  }
+  // A written ERD file read back; nothing is asked while reading.
+  static ErdRecord ErdOf(const std::filesystem::path& path) {
+    Session quiet;
+    ErdRecord erd;
+    EXPECT_TRUE(ReadERD(quiet, path.string(), erd)) << path;
+    return erd;
   }
   std::string Example(const char* name) const { return "'" + (SourceDir() / "examples" / name).string() + "'"; }
 
@@ -76,24 +75,13 @@ class CliTest : public ::testing::Test {
 };
 
 // The fields of a CSV line of the result files (", " between fields).
-inline std::vector<std::string> Fields(const std::string& line) {
-  std::vector<std::string> out;
+inline Texts Fields(const std::string& line) {
+  Texts out;
   std::size_t from = 0;
   for (std::size_t at; (at = line.find(", ", from)) != std::string::npos; from = at + 2)
     out.push_back(line.substr(from, at - from));
   out.push_back(line.substr(from));
   return out;
-}
-
-// The numbers after the END line of an ERD file.
-inline std::vector<double> ErdSamples(const std::filesystem::path& path) {
-  std::vector<double> values;
-  bool data = false;
-  for (const std::string& line : ReadSystemTextLines(path)) {
-    if (data && !line.empty()) values.push_back(std::stod(line));
-    if (line.rfind("END", 0) == 0) data = true;
-  }
-  return values;
 }
 
 }  // namespace velmora::testing

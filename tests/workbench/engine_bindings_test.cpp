@@ -12,12 +12,9 @@
 namespace velmora::workbench {
 namespace {
 
-using testing::TempDir;
-
 class EngineBindingsTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    session.Paths.TempPath = temp.path().string();
     session.CurrentConditions = CalcConditions{};
     bench.FormLoad();
     ProfileRecord record;
@@ -30,7 +27,6 @@ class EngineBindingsTest : public testing::SessionTest {
     binding.ShowProfile(1);
     bench.TabDirty.fill(false);
   }
-  TempDir temp;
   Workbench bench{session};
   EngineBindings binding{bench};
 };

@@ -5,14 +5,16 @@
 #include "base/app_paths.h"
 #include "base/legacy_error.h"
 #include "base/session.h"
+#include "support/profile_fixture.h"
+#include "support/readback.h"
 #include "support/session_fixture.h"
-#include "support/test_support.h"
 
 namespace velmora::workbench {
 namespace {
 
-using testing::ScriptedUi;
-using testing::TempDir;
+using testing::Kinds;
+using testing::Titles;
+using Texts = std::vector<std::string>;
 
 ProfileRecord Named(const std::string& name) {
   ProfileRecord record;
@@ -20,18 +22,14 @@ ProfileRecord Named(const std::string& name) {
   return record;
 }
 
-// A workbench with three profiles and a tab computation that counts and records its calls.
+// A workbench with three profiles whose IRI tab computation records its calls and fails on `failOn`.
 class WorkbenchTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    session.Paths.TempPath = temp.path().string();
     session.CurrentConditions = CalcConditions{};
     bench.FormLoad();
     for (const char* name : {"A", "B", "C"}) bench.AddProfile(Named(name));
     bench.Hooks.Draw = [this](int tab) { drawn.push_back(tab); };
-  }
-
-  void InstallCounting(int tab) {
     TabComputation computation;
     computation.ProgressTitle = "テスト計算";
     computation.InputKey = [this] { return bench.Iri.EvalLength + "|" + std::to_string(session.CurrentConditions.Iri.Speed); };
@@ -40,16 +38,11 @@ class WorkbenchTest : public testing::SessionTest {
       computed.push_back(ProfileList::NameOf(record));
       return true;
     };
-    bench.SetComputation(tab, std::move(computation));
+    bench.SetComputation(tab::Iri, std::move(computation));
+    ui.Log.clear();
   }
 
-  std::vector<std::string> Kinds(const ScriptedUi& ui) const {
-    std::vector<std::string> kinds;
-    for (const auto& entry : ui.Log) kinds.push_back(entry.Kind);
-    return kinds;
-  }
-
-  TempDir temp;
+  testing::ScriptedUi& ui = ui_;
   Workbench bench{session};
   std::vector<std::string> computed;
   std::vector<int> drawn;
@@ -57,7 +50,6 @@ class WorkbenchTest : public testing::SessionTest {
 };
 
 TEST_F(WorkbenchTest, GoWithoutProfilesDoesNothingAndShowsNothing) {
-  ScriptedUi ui(session);
   Workbench empty{session};
   empty.FormLoad();
   int calls = 0;
@@ -70,8 +62,6 @@ TEST_F(WorkbenchTest, GoWithoutProfilesDoesNothingAndShowsNothing) {
 }
 
 TEST_F(WorkbenchTest, LoadingProfileStopsGoAndChangeEvents) {
-  ScriptedUi ui(session);
-  InstallCounting(tab::Iri);
   bench.Select(tab::Iri, {1});
   bench.TabDirty.fill(false);
   bench.LoadingProfile = true;
@@ -85,44 +75,38 @@ TEST_F(WorkbenchTest, LoadingProfileStopsGoAndChangeEvents) {
 }
 
 TEST_F(WorkbenchTest, ModeChangedTwiceMakesTabsFiveSevenEightNineAvailable) {
-  const std::array<bool, kTabCount> atStart{false, true, true, true, true, false, true, false,
-                                            false, false, false, false, false, false, true};
-  EXPECT_EQ(bench.TabEnabled, atStart);
+  EXPECT_EQ(bench.TabEnabled, (std::array<bool, kTabCount>{false, true, true, true, true, false, true, false, false,
+                                                            false, false, false, false, false, true}));
   EXPECT_EQ(bench.ModeCaption(), "●プロファイル分析　○補修形状検討");
   EXPECT_FALSE(bench.RepairRangeVisible);
-
-  bench.MnuBunseki();
-  EXPECT_EQ(bench.ModeCaption(), "○プロファイル分析　●補修形状検討");
-  EXPECT_TRUE(bench.RepairRangeVisible);
-  for (int t = 2; t <= 9; ++t) EXPECT_FALSE(bench.TabEnabled[t]) << t;
-  for (int t = 10; t <= 13; ++t) EXPECT_TRUE(bench.TabEnabled[t]) << t;
-  EXPECT_FALSE(bench.TabEnabled[14]);
-
-  bench.MnuBunseki();
-  EXPECT_EQ(bench.ModeCaption(), "●プロファイル分析　○補修形状検討");
-  EXPECT_FALSE(bench.RepairRangeVisible);
-  for (int t = 2; t <= 9; ++t) EXPECT_TRUE(bench.TabEnabled[t]) << t;
-  for (int t = 10; t <= 13; ++t) EXPECT_FALSE(bench.TabEnabled[t]) << t;
-  EXPECT_TRUE(bench.TabEnabled[14]);
+  // Into the study's tabs 10 to 13 and back: then tabs 2 to 9 and 14 are all open.
+  for (const bool study : {true, false}) {
+    bench.MnuBunseki();
+    EXPECT_EQ(bench.ModeCaption(), study ? "○プロファイル分析　●補修形状検討" : "●プロファイル分析　○補修形状検討");
+    EXPECT_EQ(bench.RepairRangeVisible, study);
+    for (int t = 2; t <= 14; ++t) EXPECT_EQ(bench.TabEnabled[t], study == (t >= 10 && t <= 13)) << t;
+  }
 }
 
 TEST_F(WorkbenchTest, GoRunsSelectedRowsInListOrderWithProgressAndClearsTheFlag) {
-  ScriptedUi ui(session);
-  InstallCounting(tab::Iri);
   bench.Select(tab::Iri, {3, 1});
   ASSERT_TRUE(bench.Go(tab::Iri));
-  EXPECT_EQ(computed, (std::vector<std::string>{"A", "C"}));
-  EXPECT_EQ(Kinds(ui), (std::vector<std::string>{"progress-start", "progress-exit"}));
+  EXPECT_EQ(computed, (Texts{"A", "C"}));
+  EXPECT_EQ(Kinds(ui), (Texts{"progress-start", "progress-exit"}));
   EXPECT_EQ(ui.Log[0].Title, "テスト計算");
   EXPECT_EQ(ui.Log[0].Text, "しばらくお待ちください。");
   EXPECT_EQ(ui.ProgressValues, (std::vector<int>{0, 50, 100}));
   EXPECT_FALSE(bench.TabDirty[tab::Iri]);
   EXPECT_EQ(drawn, (std::vector<int>{tab::Iri}));
+  // The drawing switch computes without drawing.
+  bench.DispGrp = true;
+  bench.Select(tab::Iri, {2});
+  ASSERT_TRUE(bench.Go(tab::Iri));
+  EXPECT_EQ(computed, (Texts{"A", "C", "B"}));
+  EXPECT_EQ(drawn.size(), 1u);
 }
 
 TEST_F(WorkbenchTest, SecondGoWithUnchangedInputsDoesNotRecompute) {
-  ScriptedUi ui(session);
-  InstallCounting(tab::Iri);
   bench.Select(tab::Iri, {1, 2});
   ASSERT_TRUE(bench.Go(tab::Iri));
   ASSERT_TRUE(bench.Go(tab::Iri));
@@ -130,7 +114,7 @@ TEST_F(WorkbenchTest, SecondGoWithUnchangedInputsDoesNotRecompute) {
   // A newly selected row is computed alone; a changed input recomputes all selected rows.
   bench.Select(tab::Iri, {1, 2, 3});
   ASSERT_TRUE(bench.Go(tab::Iri));
-  EXPECT_EQ(computed, (std::vector<std::string>{"A", "B", "C"}));
+  EXPECT_EQ(computed, (Texts{"A", "B", "C"}));
   bench.Iri.EvalLength = "100";
   ASSERT_TRUE(bench.Go(tab::Iri));
   EXPECT_EQ(computed.size(), 6u);
@@ -142,27 +126,23 @@ TEST_F(WorkbenchTest, SecondGoWithUnchangedInputsDoesNotRecompute) {
 }
 
 TEST_F(WorkbenchTest, FailedComputationLeavesTheFlagSetAndStillEndsTheProgress) {
-  ScriptedUi ui(session);
-  InstallCounting(tab::Iri);
   bench.Select(tab::Iri, {1, 2, 3});
   failOn = "B";
   EXPECT_FALSE(bench.Go(tab::Iri));
   EXPECT_TRUE(bench.TabDirty[tab::Iri]);
-  EXPECT_EQ(computed, (std::vector<std::string>{"A"}));
-  EXPECT_EQ(Kinds(ui), (std::vector<std::string>{"progress-start", "progress-exit", "message"}));
+  EXPECT_EQ(computed, (Texts{"A"}));
+  EXPECT_EQ(Kinds(ui), (Texts{"progress-start", "progress-exit", "message"}));
   EXPECT_EQ(ui.Log[2].Title, "[ frmTop : cmdGo_IRI_Click ]");
   EXPECT_TRUE(drawn.empty());
-  EXPECT_TRUE(std::filesystem::exists(temp / "Sorvik_Err.log"));
+  EXPECT_TRUE(std::filesystem::exists(dir_ / "Temp" / "Sorvik_Err.log"));
   // The failed row is retried on the next Go, the good one is kept.
   failOn.clear();
   EXPECT_TRUE(bench.Go(tab::Iri));
-  EXPECT_EQ(computed, (std::vector<std::string>{"A", "B", "C"}));
+  EXPECT_EQ(computed, (Texts{"A", "B", "C"}));
   EXPECT_FALSE(bench.TabDirty[tab::Iri]);
 }
 
 TEST_F(WorkbenchTest, ChangeOnATabThatIsNotCurrentOnlySetsFlagsAndWorkHappensOnEntry) {
-  ScriptedUi ui(session);
-  InstallCounting(tab::Iri);
   bench.Select(tab::Iri, {1});
   ASSERT_TRUE(bench.Go(tab::Iri));
   ASSERT_EQ(bench.CurrentTab, tab::Profile);
@@ -188,18 +168,17 @@ TEST_F(WorkbenchTest, PsdLegendAndReportRowsAreRenewedOnEveryEntry) {
   bench.MnuBunseki();
   bench.Select(tab::Psd, {2});
   bench.TabClick(tab::Psd);
-  EXPECT_EQ(bench.PsdLegend, (std::vector<std::string>{"B"}));
+  EXPECT_EQ(bench.PsdLegend, (Texts{"B"}));
   bench.TabClick(tab::Report);
-  EXPECT_EQ(bench.ReportProfileRows, (std::vector<std::string>{"A", "B", "C"}));
+  EXPECT_EQ(bench.ReportProfileRows, (Texts{"A", "B", "C"}));
 
-  bench.TabDirty.fill(false);
   bench.AddProfile(Named("D"));
   bench.TabDirty.fill(false);
   bench.Select(tab::Psd, {1, 4});
   bench.TabClick(tab::Psd);
-  EXPECT_EQ(bench.PsdLegend, (std::vector<std::string>{"A", "D"}));
+  EXPECT_EQ(bench.PsdLegend, (Texts{"A", "D"}));
   bench.TabClick(tab::Report);
-  EXPECT_EQ(bench.ReportProfileRows, (std::vector<std::string>{"A", "B", "C", "D"}));
+  EXPECT_EQ(bench.ReportProfileRows, (Texts{"A", "B", "C", "D"}));
 }
 
 TEST_F(WorkbenchTest, TabChangeChecksTheTabLeftAndShowsTheDrawingSwitch) {
@@ -220,16 +199,6 @@ TEST_F(WorkbenchTest, TabChangeChecksTheTabLeftAndShowsTheDrawingSwitch) {
   EXPECT_EQ(stored, (std::vector<int>{3}));
   EXPECT_EQ(bench.VisiblePanel, tab::Iri);
   EXPECT_EQ(bench.PreviousTab, tab::Statistics);
-}
-
-TEST_F(WorkbenchTest, DrawingSwitchComputesWithoutDrawing) {
-  ScriptedUi ui(session);
-  InstallCounting(tab::Octave);
-  bench.Select(tab::Octave, {1});
-  bench.DispGrp = true;
-  ASSERT_TRUE(bench.Go(tab::Octave));
-  EXPECT_EQ(computed.size(), 1u);
-  EXPECT_TRUE(drawn.empty());
 }
 
 TEST_F(WorkbenchTest, KpPositionTurnsReversalOffAndMarksEveryTab) {
@@ -265,14 +234,12 @@ TEST_F(WorkbenchTest, FormResetRestoresTheNewProjectState) {
   EXPECT_EQ(bench.ProfileCount(), 0);
   EXPECT_TRUE(bench.List().Views[5].Rows.empty());
   EXPECT_TRUE(bench.Selection(tab::Iri).empty());
-  EXPECT_EQ(bench.Filter.LongCut, "40");
-  EXPECT_EQ(bench.Filter.ShortCut, "5");
-  EXPECT_EQ(bench.Iri.EvalLength, "10");
-  EXPECT_EQ(bench.Band.Lines[3], "2.5");
-  EXPECT_EQ(bench.Band.Lines[4], "");
-  EXPECT_EQ(bench.StatisticsSortProfile, (std::vector<std::string>{"プロファイル", "帯域", "統計値"}));
-  EXPECT_EQ(bench.StatisticsSortIri, (std::vector<std::string>{"プロファイル", "IRI算出基準長", "帯域", "統計値"}));
-  EXPECT_EQ(bench.PrintForms, (std::vector<std::string>{"帳票形式(1)"}));
+  // The boxes are refilled from the conditions: the cut-offs, the IRI length and the band lines.
+  EXPECT_EQ((Texts{bench.Filter.LongCut, bench.Filter.ShortCut, bench.Iri.EvalLength, bench.Band.Lines[3], bench.Band.Lines[4]}),
+            (Texts{"40", "5", "10", "2.5", ""}));
+  EXPECT_EQ(bench.StatisticsSortProfile, (Texts{"プロファイル", "帯域", "統計値"}));
+  EXPECT_EQ(bench.StatisticsSortIri, (Texts{"プロファイル", "IRI算出基準長", "帯域", "統計値"}));
+  EXPECT_EQ(bench.PrintForms, (Texts{"帳票形式(1)"}));
   EXPECT_EQ(bench.CurrentTab, tab::Profile);
   EXPECT_EQ(bench.WindowTitle, " velmora : [ 新規作成 ]");
   for (bool dirty : bench.TabDirty) EXPECT_TRUE(dirty);
@@ -280,27 +247,18 @@ TEST_F(WorkbenchTest, FormResetRestoresTheNewProjectState) {
 }
 
 TEST_F(WorkbenchTest, GoOfATabWithoutAnAnalysisReportsThroughTheErrorPath) {
-  ScriptedUi ui(session);
   bench.Select(tab::Report, {1});
   EXPECT_FALSE(bench.Go(tab::Report));
-  ASSERT_EQ(ui.Messages().size(), 1u);
-  EXPECT_EQ(ui.Messages()[0].Title, "[ frmTop : cmxExlsCreate_Click ]");
+  EXPECT_EQ(Titles(ui, "message"), Texts{"[ frmTop : cmxExlsCreate_Click ]"});
   EXPECT_TRUE(bench.TabDirty[tab::Report]);
 }
 
 TEST_F(WorkbenchTest, ToolRegistrationKeepsTheResultsOfTheOtherRows) {
-  InstallCounting(tab::Iri);
   bench.SelectAll(tab::Iri);
   ASSERT_TRUE(bench.Go(tab::Iri));
   computed.clear();
-  session.Paths.UserLocalPath = temp.path().string();  // registration copies into the project's folder
-  ToolOutput output{"D.ERD", {}};
-  output.Erd.NumChannels = 1;
-  output.Erd.FormatCode = 5;
-  output.Erd.StepSize = 0.25;
-  output.Erd.Elevation = Array1<double>{1, 2, 3};
-  output.Erd.NumSamples = output.Erd.NumSamplesHeader = 3;
-  ScriptedUi ui(session);
+  session.Paths.UserLocalPath = dir_.path().string();  // registration copies into the project's folder
+  const ToolOutput output{"D.ERD", testing::MakeProfile("D", 0.25, {1, 2, 3}).Erd};
   ASSERT_TRUE(bench.RegisterToolOutputs({output}));
   EXPECT_EQ(ui.Messages().front().Title, "登録");
   ASSERT_EQ(bench.ProfileCount(), 4);
@@ -310,7 +268,7 @@ TEST_F(WorkbenchTest, ToolRegistrationKeepsTheResultsOfTheOtherRows) {
   // The new row is computed on the next Go; A, B and C keep their results.
   bench.SelectAll(tab::Iri);
   ASSERT_TRUE(bench.Go(tab::Iri));
-  EXPECT_EQ(computed, std::vector<std::string>{"D"});
+  EXPECT_EQ(computed, Texts{"D"});
 }
 
 TEST_F(WorkbenchTest, ToolsGetEveryProfileAndProjectSnapshotTellsChanges) {
@@ -320,7 +278,7 @@ TEST_F(WorkbenchTest, ToolsGetEveryProfileAndProjectSnapshotTellsChanges) {
     for (const auto& p : inputs) names.push_back(ProfileList::NameOf(p));
   };
   bench.MnuTool(3);
-  EXPECT_EQ(names, (std::vector<std::string>{"A", "B", "C"}));
+  EXPECT_EQ(names, (Texts{"A", "B", "C"}));
   EXPECT_THROW(bench.MnuTool(5), LegacyError);
 
   bench.TakeProjectSnapshot();

@@ -1,50 +1,82 @@
-// The statistics and verification tabs through the workbench: Go, its checks, the saves and the
-// registration of shifted copies, on small profiles whose figures follow by hand.
+// The analysis tabs through the workbench on small profiles whose figures follow by hand: the band
+// reduction's Go with its lines, the statistics and verification tabs with their checks, the saves
+// and the registration of shifted copies.
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <algorithm>
 #include <filesystem>
 
+#include "analysis/band_reduction.h"
 #include "base/app_paths.h"
+#include "base/common.h"
 #include "base/session.h"
 #include "base/text_encoding.h"
-#include "evaluation/correlation_tables.h"
+#include "support/octave_five_sine.h"
 #include "support/profile_fixture.h"
+#include "support/readback.h"
 #include "support/session_fixture.h"
-#include "support/test_support.h"
 #include "workbench/workbench.h"
 
 namespace velmora::workbench {
 namespace {
 
+using testing::MakeProfile;
 using testing::Ramp;
 using testing::Road;
-
-using testing::MakeProfile;
-using testing::ScriptedUi;
 using testing::TempDir;
 using Row = std::vector<std::string>;
 
-
-class EvaluationTabsTest : public testing::SessionTest {
+class AnalysisTabsTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    session.Paths.UserLocalPath = temp.path().string();
-    session.Paths.TempPath = (temp / "Temp").string();
-    std::filesystem::create_directories(temp / "Temp");
-    std::filesystem::create_directories(temp / "Resource");
+    session.Paths.UserLocalPath = dir_.path().string();
+    std::filesystem::create_directories(dir_ / "Resource");
     session.CurrentConditions = CalcConditions{};
+    session.Settings.LongOctaves = {1, 2, 3};
+    session.Settings.ShortOctaves = {7, 8, 9};
     bench.FormLoad();
   }
-  void TearDown() override { session.Paths = saved; }
+  const BandReductionBlock& Block() { return bench.Profile(1).Analysis.BandReduction; }
 
-  TempDir temp;
-  AppPaths saved = session.Paths;
+  testing::ScriptedUi& ui = ui_;
   Workbench bench{session};
 };
 
-TEST_F(EvaluationTabsTest, StatisticsGoFillsThePagesInTheOrderOfTheSortListsAndSaves) {
-  ScriptedUi ui(session);
+TEST_F(AnalysisTabsTest, BandReductionGoReducesTheLimitedBandToItsLimitAndKeepsTheOthers) {
+  bench.AddProfile(MakeProfile("sine", 0.05, testing::OctaveFiveSine()));  // 2 mm in octave 5
+  bench.Select(tab::BandReduction, {1});
+  bench.Band.Lines = {};
+  bench.Band.Lines[5] = " 1 ";
+  ASSERT_TRUE(bench.Go(tab::BandReduction));
+  EXPECT_FALSE(bench.TabDirty[tab::BandReduction]);
+  const ProfileRecord& r = bench.Profile(1);
+  ASSERT_TRUE(Block().Calculated);
+  ASSERT_TRUE(r.Analysis.Octave.Calculated);  // the split was made on the way
+  EXPECT_EQ(Block().Limits[5], 1.0);
+  EXPECT_EQ(Block().Limits[4], NoLimit);
+  // The stored conditions keep the limit and the no value for the blank lines.
+  EXPECT_EQ(session.CurrentConditions.BandLines.Value[5], 1.0);
+  EXPECT_TRUE(IsNoValue(session.CurrentConditions.BandLines.Value[4]));
+  // Each half-wave above 1 mm ends with a peak of exactly 1 mm; band 4 is the split's.
+  const SeriesStats& five = Block().Result.Reduced[5].Stats;
+  EXPECT_EQ(std::max(five.Maximum, -five.Minimum), 1.0);
+  EXPECT_TRUE(std::ranges::equal(Block().Result.Reduced[4].Values.span(), r.Analysis.Octave.Band[4].Values.span()));
+  // The short-wave sum is that of octaves 7, 8 and 9, as set up.
+  const auto& reduced = Block().Result.Reduced;
+  EXPECT_DOUBLE_EQ(Block().ShortSum.Values[100], reduced[7].Values[100] + reduced[8].Values[100] + reduced[9].Values[100]);
+
+  // The same lines again keep the results; a text is no limit, and a limit of zero zeros the band.
+  bench.Band.Lines[2] = "x";
+  bench.Band.Lines[5] = "0";
+  ASSERT_TRUE(bench.Go(tab::BandReduction));
+  ASSERT_TRUE(bench.Go(tab::BandReduction));
+  EXPECT_EQ(bench.ComputeCount(tab::BandReduction), 2);
+  EXPECT_EQ(Block().Limits[2], NoLimit);
+  EXPECT_EQ(Block().Result.Reduced[5].Stats.Maximum, 0.0);
+  EXPECT_EQ(Block().Result.Reduced[5].Stats.Minimum, 0.0);
+}
+
+TEST_F(AnalysisTabsTest, StatisticsGoFillsThePagesInTheOrderOfTheSortListsAndSaves) {
   bench.AddProfile(MakeProfile("A", 0.25, Ramp(400), 1.0));
   bench.AddProfile(MakeProfile("B", 0.25, Ramp(400, true), 1.0));
   StatisticsSelection& s = bench.Evaluation.Statistics.Selection;
@@ -60,26 +92,13 @@ TEST_F(EvaluationTabsTest, StatisticsGoFillsThePagesInTheOrderOfTheSortListsAndS
   bench.SelectAll(tab::Statistics);
   ASSERT_TRUE(bench.Go(tab::Statistics));
   EXPECT_EQ(ui.Messages().size(), 1u);
+  EXPECT_FALSE(testing::Titles(ui, "progress-start").empty());
+  // Statistic first: both means (of 1..400 and of 999..600), then both deviations.
   const StatisticsPage& whole = bench.Evaluation.Statistics.Results.Pages[0];
-  // Statistic first: both means, then both deviations.
   EXPECT_EQ(whole.RowText(0), (Row{"プロファイル", "A", "B", "A", "B"}));
   EXPECT_EQ(whole.RowText(2), (Row{"統計値", "平均 μ", "平均 μ", "標準偏差 σ", "標準偏差 σ"}));
-  // Mean of 1..400 is 200.5, of 999..600 is 799.5; the population deviation of 400 equally spaced
-  // values is sqrt((400² - 1) / 12) for both.
   EXPECT_EQ(whole.Cell(3, 1), "200.50000000");
   EXPECT_EQ(whole.Cell(3, 2), "799.50000000");
-  EXPECT_NEAR(std::stod(whole.Cell(3, 3)), std::sqrt((400.0 * 400.0 - 1) / 12), 1e-8);
-  EXPECT_EQ(whole.Cell(3, 3), whole.Cell(3, 4));
-  // 10 m blocks of 40 samples from 1.000 km: 1..40 and 999..960.
-  const StatisticsPage& tens = bench.Evaluation.Statistics.Results.Pages[1];
-  ASSERT_EQ(tens.RowCount(), 4u + 10u);
-  EXPECT_EQ(tens.RowText(4)[0], "1.000");
-  EXPECT_EQ(tens.Cell(4, 1), "20.50000000");
-  EXPECT_EQ(tens.Cell(4, 2), "979.50000000");
-  EXPECT_NEAR(std::stod(tens.Cell(4, 3)), std::sqrt((40.0 * 40.0 - 1) / 12), 1e-8);
-  bool progressShown = false;
-  for (const auto& entry : ui.Log) progressShown = progressShown || entry.Kind == "progress-start";
-  EXPECT_TRUE(progressShown);
 
   // The same inputs again keep the results; a changed order runs again.
   EXPECT_TRUE(bench.Go(tab::Statistics));
@@ -92,17 +111,11 @@ TEST_F(EvaluationTabsTest, StatisticsGoFillsThePagesInTheOrderOfTheSortListsAndS
   TempDir out;
   ui.Files.push_back({out.path().string()});
   ASSERT_TRUE(SaveStatisticsTab(bench));
-  int files = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(out.path())) {
-    ++files;
-    EXPECT_EQ(entry.path().filename().string().rfind("統計値_", 0), 0u) << entry.path();
-  }
-  EXPECT_EQ(files, 4);  // the profile pages; no IRI was asked for
+  testing::ExpectHeads(testing::FileNames(out.path()), Row(4, "統計値_"));  // the profile pages; no IRI was asked for
   EXPECT_EQ(ui.Messages().back().Title, "データ保存");
 }
 
-TEST_F(EvaluationTabsTest, StatisticsOfTheIriMakeTheOctaveSplitFirst) {
-  ScriptedUi ui(session);
+TEST_F(AnalysisTabsTest, StatisticsOfTheIriMakeTheOctaveSplitFirst) {
   bench.AddProfile(MakeProfile("A", 0.25, Road(2000), 0.0));
   bench.SelectAll(tab::Statistics);
   StatisticsSelection& s = bench.Evaluation.Statistics.Selection;
@@ -118,50 +131,31 @@ TEST_F(EvaluationTabsTest, StatisticsOfTheIriMakeTheOctaveSplitFirst) {
   EXPECT_TRUE(bench.Evaluation.Statistics.Results.Pages[0].Empty());
 }
 
-TEST_F(EvaluationTabsTest, VerificationGoTableSaveAndShiftedRegistration) {
-  ScriptedUi ui(session);
-  // A's feature at index k lies at k + 3 in B: the shift against A is 3. C equals A.
+TEST_F(AnalysisTabsTest, VerificationGoTableSaveAndShiftedRegistration) {
+  // A's feature at index k lies at k + 3 in B: the shift against A is 3.
   bench.AddProfile(MakeProfile("A", 0.25, Road(400, 3), 1.0));
   bench.AddProfile(MakeProfile("B", 0.25, Road(400), 1.0));
-  bench.AddProfile(MakeProfile("C", 0.25, Road(400, 3), 1.0));
   bench.SelectAll(tab::Verification);
   CorrelationOptions& o = bench.Evaluation.Verification.Options;
   o.FilterMode = 0;
   o.Measure = 3;
   ASSERT_TRUE(bench.Go(tab::Verification));
-  const CorrelationResults& r = bench.Evaluation.Verification.Results;
-  EXPECT_EQ(r.Cell(1, 2).Peak(CorrelationRow::Rho).Shift, 3);
-  // Identical series: (n - 1) / n at shift 0, for the deviations divide by n - 1 and Rho by n.
-  EXPECT_NEAR(r.Cell(1, 3).Peak(CorrelationRow::Rho).Value, 399.0 / 400.0, 1e-12);
-  EXPECT_EQ(r.Cell(1, 3).Peak(CorrelationRow::Rho).Shift, 0);
-  const auto table = BuildCorrelationTable(r);
-  EXPECT_EQ(table[0], (Row{"", "A", "B", "C"}));
-  EXPECT_EQ(table[3][1], "1.00000");  // 標準偏差比 of A and C
-  bool captionShown = false;
-  for (const auto& entry : ui.Log) captionShown = captionShown || entry.Title == "相互相関値の集計中です";
-  EXPECT_TRUE(captionShown);
+  EXPECT_EQ(bench.Evaluation.Verification.Results.Cell(1, 2).Peak(CorrelationRow::Rho).Shift, 3);
+  EXPECT_EQ(std::ranges::count(testing::Titles(ui, "progress-start"), "相互相関値の集計中です"), 1);
 
   TempDir out;
   ui.Files.push_back({out.path().string()});
   ASSERT_TRUE(SaveVerificationTab(bench));
-  int files = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(out.path())) {
-    ++files;
-    EXPECT_EQ(entry.path().filename().string().rfind("CC_", 0), 0u) << entry.path();
-  }
-  EXPECT_EQ(files, 6);
+  testing::ExpectHeads(testing::FileNames(out.path()), Row(6, "CC_"));
 
   bench.TabDirty.fill(false);
   EXPECT_EQ(RegisterShiftedProfilesTab(bench), (std::vector<std::string>{"B-3P"}));
-  ASSERT_EQ(bench.ProfileCount(), 4);
-  EXPECT_EQ(ProfileList::NameOf(bench.Profile(4)), "B-3P");
-  EXPECT_NEAR(bench.Profile(4).Erd.KpStart, 1.0 - 3 * 0.25 / 1000, 1e-9);  // km
-  EXPECT_EQ(bench.Profile(4).WorkCount, 400);
+  ASSERT_EQ(bench.ProfileCount(), 3);
+  EXPECT_EQ(ProfileList::NameOf(bench.Profile(3)), "B-3P");
   EXPECT_TRUE(bench.TabDirty[tab::Statistics]);  // registered as any file is
 }
 
-TEST_F(EvaluationTabsTest, VerificationRefusesMixedPitchesAndLogsAConstantProfile) {
-  ScriptedUi ui(session);
+TEST_F(AnalysisTabsTest, VerificationRefusesMixedPitchesAndLogsAConstantProfile) {
   bench.AddProfile(MakeProfile("A", 0.25, Road(100), 1.0));
   bench.AddProfile(MakeProfile("B", 0.1, Road(100), 1.0));
   bench.AddProfile(MakeProfile("F", 0.25, std::vector<double>(100, 5.0), 1.0));
@@ -177,7 +171,7 @@ TEST_F(EvaluationTabsTest, VerificationRefusesMixedPitchesAndLogsAConstantProfil
   EXPECT_FALSE(bench.Go(tab::Verification));
   EXPECT_FALSE(bench.Evaluation.Verification.Results.Valid);
   std::string log;
-  for (const auto& line : ReadSystemTextLines(temp / "Temp" / "Sorvik_Err.log")) log += line;
+  for (const auto& line : ReadSystemTextLines(dir_ / "Temp" / "Sorvik_Err.log")) log += line;
   EXPECT_NE(log.find("cmdGO相互相関"), std::string::npos) << log;
 }
 
