@@ -12,15 +12,13 @@ namespace {
 using std::pair;
 using testing::ExpectEach;
 
-TEST(Token, QuotesKeepDelimitersAndDoubledQuotes) {
+TEST(Token, QuotesKeepDelimitersAndDoubledQuotesAMinimumSizePads) {
   EXPECT_EQ(uToken("a,\"b,c\",d", ","), (std::vector<std::string>{"a", "b,c", "d"}));
   EXPECT_EQ(uToken("\"say \"\"hi\"\"\",x", ","), (std::vector<std::string>{"say \"hi\"", "x"}));
   EXPECT_EQ(uToken("a,,", ","), (std::vector<std::string>{"a", "", ""}));
   EXPECT_TRUE(uToken("", ",").empty());
   EXPECT_EQ(uTokenCount("", ","), 0u);
-}
-
-TEST(Token, MinSizePadsButCountStaysReal) {
+  // A minimum size pads, but the count stays real.
   const auto tokens = uToken("a", ",", 20);
   ASSERT_EQ(tokens.size(), 20u);
   EXPECT_EQ(tokens[0], "a");

@@ -21,13 +21,10 @@ TEST(NoValueText, EmptyForTheNoValueOnly) {
   ExpectEach(uDblZero, {pair{kNoValue, 0.0}, {-3.25, -3.25}});
 }
 
-TEST(FormatRight, PadsToTheWidthOfThePatternAndNeverCuts) {
+TEST(NumberText, RightAlignedToThePatternsWidthNeverCutAndTrailingZerosDropped) {
   ExpectEach([](double v) { return uFormatRight(v, "######0"); }, {pair{42.0, "     42"}, {-7.0, "     -7"}, {12345678.0, "12345678"}});
   // "##0.00" less its '#' is "0.00": 3.14 in six columns.
   EXPECT_EQ(uFormatRight(3.14159, "##0.00"), "  3.14");
-}
-
-TEST(TrimZero, DropsTrailingZerosAndALonePoint) {
   // Ten decimals at most: the eleventh (5) of 0.12345678905 rounds the tenth up.
   ExpectEach(uTrimZero, {pair{1.5, "1.5"}, {2.0, "2"}, {0.0, "0"}, {-0.25, "-0.25"}, {1.0 / 3.0, "0.3333333333"},
                          {0.12345678905, "0.1234567891"}, {100.0, "100"}});
@@ -43,7 +40,7 @@ TEST(Tolerances, NearlyEqualSqrtAndKiriage) {
                        {0.3 / 0.1, 3.0}});
 }
 
-TEST(MinMax, FirstArgumentKeptUnlessStrictlyBeaten) {
+TEST(MinMax, FirstArgumentKeptUnlessStrictlyBeatenAbsentValuesNeverWin) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   EXPECT_EQ(uMin(2.0, nan), 2.0);
   EXPECT_TRUE(std::isnan(uMin(nan, 2.0)));  // 2 < NaN is false: the first stays
@@ -52,9 +49,7 @@ TEST(MinMax, FirstArgumentKeptUnlessStrictlyBeaten) {
   // -0.0 and 0.0 compare equal: the first one is returned, sign included.
   EXPECT_TRUE(std::signbit(uMin(-0.0, 0.0)));
   EXPECT_FALSE(std::signbit(uMax(0.0, -0.0)));
-}
-
-TEST(MinMax, AbsentValuesNeverWinAndArraysGiveTheirExtremes) {
+  // Absent values never win; arrays give their extremes.
   EXPECT_EQ(uMin(std::nullopt, std::optional<double>(5.0)), 5.0);
   EXPECT_EQ(uMax(std::optional<double>(-5.0), std::nullopt), -5.0);
   EXPECT_FALSE(uMin(std::optional<double>(), std::optional<double>()).has_value());

@@ -10,16 +10,13 @@ namespace {
 using std::pair;
 using testing::ExpectEach;
 
-TEST(PathText, NameFolderAndExtensionWithEitherSeparator) {
+TEST(PathText, EitherSeparatorIsAddedOnceAndSearchesCountCharacters) {
   ExpectEach(flGetFileName, {pair{"C:\\data\\road.erd", "road.erd"}, {"/home/u/road.erd", "road.erd"},
                              {"a/b\\路線.txt", "路線.txt"}, {"road", "road"}, {"/home/u/", ""}});
   ExpectEach(flGetFileNameNonExt, {pair{"/x/a.b.erd", "a.b"}, {"/x.y/name", "name"}});
   ExpectEach(flGetPathName, {pair{"/home/u/road.erd", "/home/u"}, {"C:\\data\\road.erd", "C:\\data"}, {"road.erd", ""}});
   // Where the only "." stands in a folder name there is no extension.
   ExpectEach(flGetExtension, {pair{"a.b.ERD", "ERD"}, {"/x.y/name", ""}, {"C:\\x.y\\name", ""}, {"name.", ""}});
-}
-
-TEST(PathText, SeparatorAddedOnceReverseSearchCountsCharacters) {
   ExpectEach(flAddDirSep, {pair{"/a", "/a/"}, {"/a/", "/a/"}, {"C:\\a\\", "C:\\a\\"}});
   // 路 線 / 路: the last "路線" starts at character 4, not at byte 8.
   EXPECT_EQ(flInStrRev("路線/路線.erd", "路線"), 4u);

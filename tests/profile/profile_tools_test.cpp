@@ -6,25 +6,16 @@
 #include "list_fixture.h"
 #include "support/checks.h"
 #include "support/expect_values.h"
+#include "support/profile_fixture.h"
 
 namespace velmora {
 namespace {
 
-using testing::ScriptedUi;
-
 // Samples 1, 2, 3, 4 at 0.5 m from KP 10 km, KP growing.
 ToolItem Item(const std::string& name = "p.ERD", double kp = 10.0, std::int32_t sign = 0) {
-  ToolItem item;
-  item.FileName = name;
-  item.Erd.NumChannels = 1;
-  item.Erd.FormatCode = 5;
-  item.Erd.StepSize = 0.5;
-  item.Erd.Elevation = Array1<double>{1, 2, 3, 4};
-  item.Erd.NumSamples = item.Erd.NumSamplesHeader = 4;
-  item.Erd.KpStart = kp;
-  item.Erd.KpSign = sign;
-  item.Erd.ShortName[1] = "LElev.";
-  return item;
+  ProfileRecord profile = testing::MakeProfile("p", 0.5, {1, 2, 3, 4}, kp, sign);
+  profile.Erd.ShortName[1] = "LElev.";
+  return {name, profile.Erd};
 }
 
 std::vector<double> Samples(const ErdRecord& erd) { return erd.Elevation.vector(); }
@@ -123,18 +114,12 @@ TEST_F(ProfileTools, CutOutByKpBySamplesAndByDistanceWithEachShortfallMode) {
 }
 
 TEST_F(ProfileTools, CompositeTiesTheTargetToTheBaseAlongTheOverlap) {
-  testing::TempDir dir;
   // Target: 0, 1, 0, 1, 0 mm at 1 m from KP 0. Base survey: 10 mm at 0 m, 14 mm at 4 m.
-  ToolItem target;
-  target.FileName = "t.ERD";
-  target.Erd.StepSize = 1.0;
-  target.Erd.KpStart = 0.0;
-  target.Erd.Elevation = Array1<double>{0, 1, 0, 1, 0};
-  target.Erd.NumSamples = 5;
-  WriteSystemTextFile(dir / "survey.csv", {"pos,height", "4,14", "0,10"});
+  const ToolItem target{"t.ERD", testing::MakeProfile("t", 1.0, {0, 1, 0, 1, 0}, 0.0).Erd};
+  WriteSystemTextFile(dir_ / "survey.csv", {"pos,height", "4,14", "0,10"});
   CompositeInput input;
   input.BaseIsCsv = true;
-  input.CsvPath = (dir / "survey.csv").string();
+  input.CsvPath = (dir_ / "survey.csv").string();
   input.CsvHeading = true;
   auto out = CompositeProfiles(session, {target}, input);
   ASSERT_TRUE(out);
@@ -144,9 +129,8 @@ TEST_F(ProfileTools, CompositeTiesTheTargetToTheBaseAlongTheOverlap) {
   testing::ExpectValues((*out)[0].Erd.Elevation, {10, 12, 12, 14, 14}, 1e-9);
 
   // An ERD base that covers only the middle: the result exists only on the overlap.
-  ToolItem base = Item("b.ERD", 0.001, 0);  // 1, 2, 3, 4 at 0.5 m from 1 m
   input.BaseIsCsv = false;
-  input.BaseProfile = base;
+  input.BaseProfile = Item("b.ERD", 0.001, 0);  // 1, 2, 3, 4 at 0.5 m from 1 m
   auto partial = CompositeProfiles(session, {target}, input);
   ASSERT_EQ(partial->size(), 1u);
   // Target samples at 1 m and 2 m, on base 1 at 1 m and base 3 at 2 m.
