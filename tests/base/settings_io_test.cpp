@@ -137,7 +137,7 @@ TEST_F(SettingsTest, GroupsStartFromBuiltInValuesAndIgnoreNumbersOutsideOneToTen
   EXPECT_EQ(c, before);
 }
 
-TEST_F(SettingsTest, SaveWritesGroupsThreeToSevenInTheirFormatsAndKeepsTheRest) {
+TEST_F(SettingsTest, SaveWritesGroupsThreeToSevenInTheirFormatsKeepsTheRestAndRaisesWhenItCannot) {
   const std::string original = ReadBytes(app_ / "Default.ini");
   LoadDefaultGroups(session, std::vector<int>{3, 4, 7}, false);
   CalcConditions& c = session.DefaultConditions;
@@ -160,9 +160,8 @@ TEST_F(SettingsTest, SaveWritesGroupsThreeToSevenInTheirFormatsAndKeepsTheRest) 
   LoadDefaultGroups(session, std::vector<int>{3, 4, 5, 6, 7}, false);
   for (int group = 3; group <= 7; ++group) SaveDefaults(session, group);
   EXPECT_EQ(ReadBytes(app_ / "Default.ini"), original);
-}
 
-TEST_F(SettingsTest, SaveToAFileThatCannotBeWrittenRaisesAndLeavesNothing) {
+  // A file that cannot be written raises and leaves nothing.
   fs::remove(app_ / "Default.ini");
   fs::create_directory(app_ / "Default.ini");
   EXPECT_THROW(SaveDefaults(session, 7), LegacyError);

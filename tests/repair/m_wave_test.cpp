@@ -179,19 +179,17 @@ TEST_F(MWaveStraightening, CrestsAndTroughsInIndexOrder) {
   EXPECT_EQ(points(troughs), (std::vector<std::pair<std::int32_t, double>>{{5, 0}}));
 }
 
-TEST_F(MWaveStraightening, RecalculationSortsTheKeptPointsAndJoinsThemWithTheirAdjustment) {
+TEST_F(MWaveStraightening, RecalculationSortsTheKeptPointsJoinsThemAndRefusesTwoOnOneSample) {
   // Heights: (2) 1 + 1 = 2, (5) 4 + 1 = 5, (7) 0 + 1 = 1; the point at 3 is left out.
   const std::vector<StudyPoint> points{{5, 4, 1}, {3, MWaveSeed, 7}, {2, 1, 1}, {7, 0, 1}};
   StudyTarget target;
   ASSERT_TRUE(Cal_補修形状_M波の再計算(session, Wave({10, 10, 10, 10, 10, 10, 10, 10}), points, target));
   ExpectValues(target.Outcome.MPrime.Wave.Values, {10, 2, 3, 4, 5, 3, 1, 10});
   EXPECT_TRUE(target.Recalculated);
-}
-
-TEST_F(MWaveStraightening, RecalculationWithTwoPointsOnOneSampleGoesToTheErrorLog) {
-  StudyTarget target;
-  EXPECT_FALSE(Cal_補修形状_M波の再計算(session, Wave({0, 0, 0}), {{2, 1, 0}, {2, 3, 0}}, target));
-  EXPECT_FALSE(target.Recalculated);
+  // Two points on one sample go to the error log.
+  StudyTarget twice;
+  EXPECT_FALSE(Cal_補修形状_M波の再計算(session, Wave({0, 0, 0}), {{2, 1, 0}, {2, 3, 0}}, twice));
+  EXPECT_FALSE(twice.Recalculated);
   EXPECT_NE(ui_.OnlyMessageText().find("重複"), std::string::npos);
 }
 

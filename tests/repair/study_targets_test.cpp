@@ -22,6 +22,10 @@ TEST_F(StudyNames, SuffixesAndTheUniqueNameLoop) {
   ASSERT_EQ(CreateStudy(session, studies, StudyForm::Thickness, kTable), 0u);
   EXPECT_EQ(studies[0].Name, "案A[厚]");
   testing::ExpectShown(ui_.Log.at(0), {"検討対象名を指定してください。", "新規作成"});
+  // The new study copies the points of the calculated table.
+  EXPECT_EQ(studies[0].Points, (std::vector<double>{2, 5, 7}));
+  EXPECT_EQ(studies[0].Flags, (std::vector<std::uint8_t>{0, kPointTrough, 0}));
+  EXPECT_FALSE(studies[0].Adjusted);
 
   // The same typed name on the plan form differs by its suffix.
   ui_.Inputs = {"案A"};
@@ -40,15 +44,6 @@ TEST_F(StudyNames, SuffixesAndTheUniqueNameLoop) {
   ui_.Inputs = {"  "};
   EXPECT_FALSE(CreateStudy(session, studies, StudyForm::Thickness, kTable));
   EXPECT_EQ(studies.size(), 3u);
-}
-
-TEST_F(StudyNames, NewStudyCopiesThePointsOfTheCalculatedTable) {
-  ui_.Inputs = {"x"};
-  std::vector<StudyTarget> studies;
-  CreateStudy(session, studies, StudyForm::Thickness, kTable);
-  EXPECT_EQ(studies[0].Points, (std::vector<double>{2, 5, 7}));
-  EXPECT_EQ(studies[0].Flags, (std::vector<std::uint8_t>{0, kPointTrough, 0}));
-  EXPECT_FALSE(studies[0].Adjusted);
 }
 
 TEST_F(StudyNames, ListsHaveAFixedFirstItemDeleteAndRename) {

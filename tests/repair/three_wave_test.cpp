@@ -138,7 +138,7 @@ TEST_F(ThreeWaveRunTest, SplitsOnlyWhatIsNotValidAndShowsNothingWhenUnchanged) {
   EXPECT_TRUE(ui_.Messages().empty());
 }
 
-TEST_F(ThreeWaveRunTest, AChangedIriLengthAloneResetsEveryProfilesStudy) {
+TEST_F(ThreeWaveRunTest, AChangedIriLengthOrBandLineAloneResetsEveryProfilesStudy) {
   ASSERT_TRUE(Run({1, 2}).Ok);
   profiles_[0].ThreeWave.MiddleWave.Values[1] = 12345;
   profiles_[0].Studies.resize(2);
@@ -158,6 +158,11 @@ TEST_F(ThreeWaveRunTest, AChangedIriLengthAloneResetsEveryProfilesStudy) {
   EXPECT_TRUE(profiles_[0].Studies.empty());
   EXPECT_TRUE(profiles_[1].Studies.empty());
   EXPECT_FALSE(profiles_[1].RepairStudy.MiddleValid);
+
+  // A changed band line text alone resets too.
+  params_.Lines[9] = "0.5";
+  EXPECT_TRUE(Run({1}).StudyReset);
+  EXPECT_EQ(session.CurrentConditions.RepairBandLines.Value[9], 0.5);
 }
 
 TEST_F(ThreeWave, BoxesFilledFromTheConditionsPassTheirOwnChecks) {
@@ -174,13 +179,6 @@ TEST_F(ThreeWave, BoxesFilledFromTheConditionsPassTheirOwnChecks) {
   ASSERT_TRUE(getParam_補修形状検討_3波分解(session, form, fromBoxes));
   // A first run with untouched boxes finds nothing changed.
   EXPECT_EQ(fromBoxes, ThreeWaveParamsFromConditions(conditions));
-}
-
-TEST_F(ThreeWaveRunTest, AChangedBandLineTextAlsoResets) {
-  ASSERT_TRUE(Run({1}).Ok);
-  params_.Lines[9] = "0.5";
-  EXPECT_TRUE(Run({1}).StudyReset);
-  EXPECT_EQ(session.CurrentConditions.RepairBandLines.Value[9], 0.5);
 }
 
 }  // namespace
