@@ -67,7 +67,7 @@ TEST_F(StartUpTest, RestartWipesRootFilesProjectAndTempButKeepsOtherFoldersAndRe
   EXPECT_EQ(GetPrevValue(session, "CommonDialogPath", "ERDファイル追加"), "/data/roads");
 }
 
-TEST_F(StartUpTest, SecondInstanceIsRefusedBeforeAnyFolderWork) {
+TEST_F(StartUpTest, SecondDesktopInstanceIsRefusedBeforeAnyFolderWorkAnEngineSessionIsNot) {
   StartUpResult first = Start();
   ASSERT_TRUE(first.MayGoOn);
   Put("Project/Profile/open.erd");
@@ -82,6 +82,14 @@ TEST_F(StartUpTest, SecondInstanceIsRefusedBeforeAnyFolderWork) {
   for (const char* file : {"Project/Profile/open.erd", "stray.txt"}) EXPECT_EQ(ReadBytes(UserLocal() / file), file);
   EXPECT_EQ(session.Paths.UserLocalPath, pathsOfFirstRun.UserLocalPath);
   EXPECT_FALSE(session.Paths.DebugSwitch);
+
+  // Without the desktop rule a session starts beside the running instance.
+  ui_.Log.clear();
+  Session other;
+  const StartUpResult engine = StartUp(other, {"", app_.string(), false});
+  EXPECT_TRUE(engine.MayGoOn);
+  EXPECT_FALSE(engine.Lock.Held());
+  EXPECT_TRUE(ui_.Messages().empty());
 }
 
 TEST_F(StartUpTest, AnotherProcessHoldingTheLockRefusesThisOne) {
@@ -112,16 +120,6 @@ TEST_F(StartUpTest, AnotherProcessHoldingTheLockRefusesThisOne) {
   EXPECT_EQ(ReadBytes(UserLocal() / "stray.txt"), "stray.txt");
   // With the other process gone, the lock is free again.
   EXPECT_TRUE(Start().MayGoOn);
-}
-
-TEST_F(StartUpTest, WithoutTheDesktopRuleASessionStartsBesideARunningInstance) {
-  const StartUpResult desktop = Start();
-  ASSERT_TRUE(desktop.Lock.Held());
-  Session other;
-  const StartUpResult engine = StartUp(other, {"", app_.string(), false});
-  EXPECT_TRUE(engine.MayGoOn);
-  EXPECT_FALSE(engine.Lock.Held());
-  EXPECT_TRUE(ui_.Messages().empty());
 }
 
 TEST_F(StartUpTest, MissingDefaultIniShowsItsMessageAndEnds) {

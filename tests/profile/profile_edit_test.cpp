@@ -113,8 +113,17 @@ TEST_F(ProfileEditTest, CsvLimitSpreadsProfilesOverFurtherFiles) {
   EXPECT_EQ(second.substr(0, second.find("\r\n")), "\"ERDFILEV2.00\"");
 }
 
-TEST_F(ProfileEditTest, RenameAsksAgainForATakenNameThenMovesTheFile) {
+TEST_F(ProfileEditTest, RenameEndsOnCancelEmptyOrUnchangedAsksAgainForATakenNameThenMovesTheFile) {
   Register({"first", "second"}, {2});
+  // Cancel, an empty name or the same name end the command.
+  for (const Names& inputs : {Names{}, {""}, {"second"}}) {
+    ui_.Inputs.assign(inputs.begin(), inputs.end());
+    session.Project.Dirty = false;
+    Edit(3);
+    EXPECT_EQ(list_.Items[2].FileName, "second.erd");
+    EXPECT_FALSE(session.Project.Dirty);
+    EXPECT_EQ(ui_.Log.size(), 1u);
+  }
   std::string oldSource, newSource;
   list_.Hooks.RenameStudySources = [&](const std::string& o, const std::string& n) { oldSource = o, newSource = n; };
   ui_.Inputs = {" FIRST ", "third"};
@@ -130,41 +139,27 @@ TEST_F(ProfileEditTest, RenameAsksAgainForATakenNameThenMovesTheFile) {
   EXPECT_EQ(oldSource + " -> " + newSource, "second -> third");
 }
 
-TEST_F(ProfileEditTest, RenameEndsOnCancelEmptyOrUnchanged) {
-  Register({"one"}, {1});
-  for (const Names& inputs : {Names{}, {""}, {"one"}}) {
-    ui_.Inputs.assign(inputs.begin(), inputs.end());
-    session.Project.Dirty = false;
-    Edit(3);
-    EXPECT_EQ(list_.Items[1].FileName, "one.erd");
-    EXPECT_FALSE(session.Project.Dirty);
-    EXPECT_EQ(ui_.Log.size(), 1u);
-  }
-}
-
-TEST_F(ProfileEditTest, RemovingAllRowsLeavesAnEmptyListWithEveryButtonDisabled) {
-  Register({"a", "b", "c"}, {1, 2, 3});
+TEST_F(ProfileEditTest, RemovingARowRecoloursTheRestAndRemovingAllLeavesEveryButtonDisabled) {
+  Register({"a", "b", "c", "d"}, {1});
+  ui_.Answers = {MsgAnswer::Cancel};
+  Edit(4);
+  EXPECT_EQ(list_.Count(), 4);
   Edit(4);
   testing::ExpectMessages(ui_, {{"選択されているプロファイルをプロジェクトリストから解除します。\r\nよろしいですか？", "警告"}});
+  EXPECT_EQ(list_.Views[0].Rows, (Names{"b", "c", "d"}));
+  EXPECT_EQ(list_.Items[1].FileName, "b.erd");
+  EXPECT_EQ(list_.Views[0].Panels, (std::vector<Colour>{0x0000FF, 0x00FF00, 0xFF0000}));
+  EXPECT_TRUE(fs::exists(ProjectCopy("b.erd")));
+  EXPECT_FALSE(fs::exists(ProjectCopy("a.erd")));
+
+  SelectProfileRows(list_, {1, 2, 3});
+  Edit(4);
   EXPECT_EQ(list_.Count(), 0);
   EXPECT_EQ(list_.Selected, 0);
   for (const ProfileListView& view : list_.Views) EXPECT_TRUE(view.Rows.empty() && view.Panels.empty()) << view.Name;
   const ProfileListButtons b = ProfileButtonStates(list_);
   EXPECT_FALSE(b.Export || b.Rename || b.Remove || b.MoveUp || b.MoveDown);
   EXPECT_FALSE(fs::exists(ProjectCopy("b.erd")));
-}
-
-TEST_F(ProfileEditTest, RemovingARowRecoloursTheRestByPosition) {
-  Register({"a", "b", "c", "d"}, {1});
-  ui_.Answers = {MsgAnswer::Cancel};
-  Edit(4);
-  EXPECT_EQ(list_.Count(), 4);
-  Edit(4);
-  EXPECT_EQ(list_.Views[0].Rows, (Names{"b", "c", "d"}));
-  EXPECT_EQ(list_.Items[1].FileName, "b.erd");
-  EXPECT_EQ(list_.Views[0].Panels, (std::vector<Colour>{0x0000FF, 0x00FF00, 0xFF0000}));
-  EXPECT_TRUE(fs::exists(ProjectCopy("b.erd")));
-  EXPECT_FALSE(fs::exists(ProjectCopy("a.erd")));
 }
 
 TEST_F(ProfileEditTest, MovesSwapNeighboursAndFollowTheButtons) {
