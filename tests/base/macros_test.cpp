@@ -3,21 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "base/app_paths.h"
-#include "base/session.h"
+#include "support/calendar.h"
+#include "support/checks.h"
 
 namespace velmora {
 namespace {
-
-std::tm At(int year, int month, int day, int hour, int minute, int second) {
-  std::tm t{};
-  t.tm_year = year - 1900;
-  t.tm_mon = month - 1;
-  t.tm_mday = day;
-  t.tm_hour = hour;
-  t.tm_min = minute;
-  t.tm_sec = second;
-  return t;
-}
 
 TEST(ReplaceMacro, FirstOccurrenceRegardlessOfCase) {
   EXPECT_EQ(uReplaceMacro("x_$(profilename)$_y", "$(PROFILENAME)$", "R1"), "x_R1_y");
@@ -27,7 +17,7 @@ TEST(ReplaceMacro, FirstOccurrenceRegardlessOfCase) {
 }
 
 TEST(ExpandDate, EveryMacroOnceInItsOrder) {
-  const std::tm t = At(2024, 3, 7, 9, 5, 2);
+  const std::tm t = testing::At(2024, 3, 7, 9, 5, 2);
   EXPECT_EQ(uExpandDate("$(YYYYMMDDHHNNSS)$", t), "20240307090502");
   EXPECT_EQ(uExpandDate("$(yyyymmdd)$_$(HH)$$(NN)$", t), "20240307_0905");
   EXPECT_EQ(uExpandDate("$(YYYYMMDDHHNN)$|$(YYYYMMDDHH)$|$(YYYYMM)$|$(YYYY)$", t), "202403070905|2024030709|202403|2024");
@@ -46,12 +36,11 @@ class PathMacros : public ::testing::Test {
 };
 
 TEST_F(PathMacros, AbbreviateAppPathFirstAndOnlyAtAFolderBoundary) {
-  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/opt/velmora/bin/Default.ini"), "$(AppPath)/Default.ini");
-  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/OPT/Velmora/BIN/a"), "$(AppPath)/a");
-  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/home/u/.local/share/Velmora/Resource/x"), "$(UserLocalPath)/Resource/x");
-  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/home/u/.local/share/Velmora"), "$(UserLocalPath)");
-  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/opt/velmora/binary/x"), "/opt/velmora/binary/x");
-  EXPECT_EQ(uAbbreviatePathMacro(paths_, "/data/road.erd"), "/data/road.erd");
+  testing::ExpectEach([&](const char* path) { return uAbbreviatePathMacro(paths_, path); },
+                      {std::pair{"/opt/velmora/bin/Default.ini", "$(AppPath)/Default.ini"}, {"/OPT/Velmora/BIN/a", "$(AppPath)/a"},
+                       {"/home/u/.local/share/Velmora/Resource/x", "$(UserLocalPath)/Resource/x"},
+                       {"/home/u/.local/share/Velmora", "$(UserLocalPath)"},
+                       {"/opt/velmora/binary/x", "/opt/velmora/binary/x"}, {"/data/road.erd", "/data/road.erd"}});
   // A user-local tree inside the program's folder is still abbreviated by AppPath, which is tried first.
   paths_.UserLocalPath = "/opt/velmora/bin/local";
   EXPECT_EQ(uAbbreviatePathMacro(paths_, "/opt/velmora/bin/local/x"), "$(AppPath)/local/x");

@@ -2,35 +2,22 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
-#include "support/test_support.h"
+#include "support/checks.h"
 
 namespace velmora {
 namespace {
 
-TEST(PathText, NameFolderAndExtensionWithEitherSeparator) {
-  EXPECT_EQ(flGetFileName("C:\\data\\road.erd"), "road.erd");
-  EXPECT_EQ(flGetFileName("/home/u/road.erd"), "road.erd");
-  EXPECT_EQ(flGetFileName("a/b\\路線.txt"), "路線.txt");
-  EXPECT_EQ(flGetFileName("road"), "road");
-  EXPECT_EQ(flGetFileName("/home/u/"), "");
-  EXPECT_EQ(flGetFileNameNonExt("/x/a.b.erd"), "a.b");
-  EXPECT_EQ(flGetFileNameNonExt("/x.y/name"), "name");
-  EXPECT_EQ(flGetPathName("/home/u/road.erd"), "/home/u");
-  EXPECT_EQ(flGetPathName("C:\\data\\road.erd"), "C:\\data");
-  EXPECT_EQ(flGetPathName("road.erd"), "");
-  EXPECT_EQ(flGetExtension("a.b.ERD"), "ERD");
-  // The only "." stands in a folder name: no extension.
-  EXPECT_EQ(flGetExtension("/x.y/name"), "");
-  EXPECT_EQ(flGetExtension("C:\\x.y\\name"), "");
-  EXPECT_EQ(flGetExtension("name."), "");
-}
+using std::pair;
+using testing::ExpectEach;
 
-TEST(PathText, SeparatorAddedOnceReverseSearchCountsCharacters) {
-  EXPECT_EQ(flAddDirSep("/a"), "/a/");
-  EXPECT_EQ(flAddDirSep("/a/"), "/a/");
-  EXPECT_EQ(flAddDirSep("C:\\a\\"), "C:\\a\\");
+TEST(PathText, EitherSeparatorIsAddedOnceAndSearchesCountCharacters) {
+  ExpectEach(flGetFileName, {pair{"C:\\data\\road.erd", "road.erd"}, {"/home/u/road.erd", "road.erd"},
+                             {"a/b\\路線.txt", "路線.txt"}, {"road", "road"}, {"/home/u/", ""}});
+  ExpectEach(flGetFileNameNonExt, {pair{"/x/a.b.erd", "a.b"}, {"/x.y/name", "name"}});
+  ExpectEach(flGetPathName, {pair{"/home/u/road.erd", "/home/u"}, {"C:\\data\\road.erd", "C:\\data"}, {"road.erd", ""}});
+  // Where the only "." stands in a folder name there is no extension.
+  ExpectEach(flGetExtension, {pair{"a.b.ERD", "ERD"}, {"/x.y/name", ""}, {"C:\\x.y\\name", ""}, {"name.", ""}});
+  ExpectEach(flAddDirSep, {pair{"/a", "/a/"}, {"/a/", "/a/"}, {"C:\\a\\", "C:\\a\\"}});
   // 路 線 / 路: the last "路線" starts at character 4, not at byte 8.
   EXPECT_EQ(flInStrRev("路線/路線.erd", "路線"), 4u);
   EXPECT_EQ(flInStrRev("abc", "x"), 0u);
@@ -40,10 +27,8 @@ TEST(PathText, SeparatorAddedOnceReverseSearchCountsCharacters) {
 TEST(PathText, SearchPathFindsFilesOnly) {
   testing::TempDir dir;
   testing::WriteBytes(dir / "a.ini", "x");
-  EXPECT_TRUE(flSearchPath((dir / "a.ini").string()));
-  EXPECT_FALSE(flSearchPath(dir.path().string()));
-  EXPECT_FALSE(flSearchPath((dir / "b.ini").string()));
-  EXPECT_FALSE(flSearchPath(""));
+  ExpectEach(flSearchPath, {pair{(dir / "a.ini").string(), true}, {dir.path().string(), false},
+                            {(dir / "b.ini").string(), false}, {std::string(), false}});
 }
 
 }  // namespace

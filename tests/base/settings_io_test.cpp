@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <tuple>
 
 #include "base/colour.h"
 #include "base/ini_file.h"
@@ -37,22 +38,13 @@ TEST_F(SettingsTest, ShippedFilesHoldTheGoldenCarAndTheAgreedDefaults) {
   LoadDefaultGroups(session, std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, false);
   EXPECT_TRUE(ui_.Messages().empty());
   const CalcConditions& c = session.DefaultConditions;
-  for (const IriParams* iri : {&c.Iri, &c.RepairIri}) {
-    EXPECT_EQ(iri->Speed, 80.0);
-    EXPECT_EQ(iri->KsMs, 63.3);
-    EXPECT_EQ(iri->CsMs, 6.0);
-    EXPECT_EQ(iri->MuMs, 0.15);
-    EXPECT_EQ(iri->KtMs, 653.0);
-    EXPECT_EQ(iri->InitFilter, 11.0);
-    EXPECT_EQ(iri->PowerWeighting, 0);
-  }
+  // The window length is no key of the file.
+  const IriParams golden{80, 63.3, 6, 0.15, 653, 11, /*PowerWeighting=*/0, /*IriBaseLength=*/0};
+  EXPECT_EQ(c.Iri, golden);
+  EXPECT_EQ(c.RepairIri, golden);
   EXPECT_FALSE(c.SkipPartialSections);
-  EXPECT_EQ(c.FilterLong, 50);
-  EXPECT_EQ(c.FilterShort, 10);
-  EXPECT_EQ(c.LongBoundary, 51.2);
-  EXPECT_EQ(c.ShortBoundary, 6.4);
-  EXPECT_EQ(c.ScreenLongBoundary, 51.2);
-  EXPECT_EQ(c.ScreenShortBoundary, 6.4);
+  EXPECT_EQ(std::tuple(c.FilterLong, c.FilterShort, c.LongBoundary, c.ShortBoundary), std::tuple(50, 10, 51.2, 6.4));
+  EXPECT_EQ(std::pair(c.ScreenLongBoundary, c.ScreenShortBoundary), std::pair(51.2, 6.4));
   for (const BandReductionLines* lines : {&c.BandLines, &c.RepairBandLines, &c.ScreenBandLines})
     for (int band = 1; band <= 9; ++band) {
       EXPECT_GT(lines->Value[band], 0.0);
@@ -61,12 +53,9 @@ TEST_F(SettingsTest, ShippedFilesHoldTheGoldenCarAndTheAgreedDefaults) {
       }
     }
   EXPECT_EQ(std::set<Colour>(c.BandColours.begin() + 1, c.BandColours.end()).size(), 9u);
-  EXPECT_EQ(c.LineColour, 0xFF00FFu);
-  EXPECT_EQ(c.AppliedColour, 0x00FF00u);
+  EXPECT_EQ(std::pair(c.LineColour, c.AppliedColour), std::pair(Colour{0xFF00FF}, Colour{0x00FF00}));
   const AppSettings& s = session.Settings;
-  EXPECT_EQ(s.DebugLevel, 0);
-  EXPECT_EQ(s.SplushTime, 0);
-  EXPECT_EQ(s.CsvProfileLimit, 0);
+  EXPECT_EQ(std::tuple(s.DebugLevel, s.SplushTime, s.CsvProfileLimit), std::tuple(0, 0, 0));
   EXPECT_EQ(s.LongOctaves, (std::vector<std::int32_t>{1, 2, 3}));
   EXPECT_EQ(s.ShortOctaves, (std::vector<std::int32_t>{7, 8, 9}));
   for (const auto* palette : {&s.PaletteProfile, &s.PaletteRepair}) {
@@ -74,9 +63,10 @@ TEST_F(SettingsTest, ShippedFilesHoldTheGoldenCarAndTheAgreedDefaults) {
     EXPECT_EQ(std::set<Colour>(palette->begin(), palette->end()).size(), palette->size());
   }
   EXPECT_EQ(s.PaletteProfile[0], MakeColour(255, 0, 0));
-  EXPECT_EQ(GetIniValue(session, GeneralIniPath(session.Paths), "収束判定値", "標準偏差比"), "1.1");
-  EXPECT_EQ(GetIniValue(session, GeneralIniPath(session.Paths), "収束判定値", "最大収束回数"), "10");
-  EXPECT_EQ(ReadIniValue(GeneralIniPath(session.Paths), "Filter", "FileExportName"), "");
+  const auto general = GeneralIniPath(session.Paths);
+  EXPECT_EQ(GetIniValue(session, general, "収束判定値", "標準偏差比"), "1.1");
+  EXPECT_EQ(GetIniValue(session, general, "収束判定値", "最大収束回数"), "10");
+  EXPECT_EQ(ReadIniValue(general, "Filter", "FileExportName"), "");
 }
 
 TEST_F(SettingsTest, OctaveListsKeepOnlyBandsOneToNinePalettesFillMissingParts) {
@@ -97,20 +87,17 @@ TEST_F(SettingsTest, BadNumbersAreReportedByNameWhileGoodKeysAreStillRead) {
   WriteIni("Default.ini", {"[IRI解析パラメータ]", "Speed=fast", "KsMs=63.3", "[ColorPalette_プロファイル分析]",
                            "numColor=100000"});
   LoadGeneralSettings(session);
-  EXPECT_EQ(session.Settings.DebugLevel, 0);
-  EXPECT_EQ(session.Settings.SplushTime, 2);
+  EXPECT_EQ(std::pair(session.Settings.DebugLevel, session.Settings.SplushTime), std::pair(0, 2));
   EXPECT_TRUE(session.Settings.PaletteProfile.empty());
   LoadDefaults(session, 2);
-  EXPECT_EQ(session.DefaultConditions.Iri.Speed, 0.0);
-  EXPECT_EQ(session.DefaultConditions.Iri.KsMs, 63.3);
+  EXPECT_EQ(std::pair(session.DefaultConditions.Iri.Speed, session.DefaultConditions.Iri.KsMs), std::pair(0.0, 63.3));
   const auto messages = ui_.Messages();
   ASSERT_EQ(messages.size(), 3u);
   EXPECT_EQ(messages[0].Title, "[ basInitialize : LoadGeneralSettings ]");
-  EXPECT_NE(messages[0].Text.find("TOLVAVERI.ini"), std::string::npos);
-  EXPECT_NE(messages[0].Text.find("DebugLevel=abc"), std::string::npos);
-  EXPECT_NE(messages[1].Text.find("numColor=100000"), std::string::npos);
   EXPECT_EQ(messages[2].Title, "[ basInitialize : LoadDefaults ]");
-  EXPECT_NE(messages[2].Text.find("Speed=fast"), std::string::npos);
+  const char* const named[] = {"TOLVAVERI.ini", "numColor=100000", "Speed=fast"};
+  for (int i = 0; i < 3; ++i) EXPECT_NE(messages[i].Text.find(named[i]), std::string::npos) << messages[i].Text;
+  EXPECT_NE(messages[0].Text.find("DebugLevel=abc"), std::string::npos);
   // Every report also went to the error log.
   EXPECT_EQ(ReadSystemTextLines(UserLocal() / "Temp" / "Sorvik_Err.log").size(), 3u);
 }
@@ -120,9 +107,7 @@ TEST_F(SettingsTest, UnreadableDefaultIniIsReportedOnceAndBuiltInsHold) {
   session.DefaultConditions.FilterLong = 99;
   session.DefaultConditions.LongBoundary = 1;
   LoadDefaultGroups(session, std::vector<int>{1, 7}, false);
-  EXPECT_EQ(session.DefaultConditions.FilterLong, 50);
-  EXPECT_EQ(session.DefaultConditions.LongBoundary, 51.2);
-  EXPECT_EQ(ui_.Messages().size(), 1u);
+  EXPECT_EQ(std::pair(session.DefaultConditions.FilterLong, session.DefaultConditions.LongBoundary), std::pair(50, 51.2));
   EXPECT_NE(ui_.OnlyMessageText().find("Default.ini: 2 行目"), std::string::npos) << ui_.OnlyMessageText();
 }
 
@@ -137,26 +122,22 @@ TEST_F(SettingsTest, GroupsStartFromBuiltInValuesAndIgnoreNumbersOutsideOneToTen
   c.LineColour = 1;
   for (int group = 1; group <= 10; ++group) LoadDefaults(session, group);
   EXPECT_TRUE(ui_.Messages().empty());  // bad band lines are dropped in silence
-  EXPECT_TRUE(IsNoValue(c.BandLines.Value[1]));
-  EXPECT_TRUE(IsNoValue(c.BandLines.Value[2]));
+  for (int band : {1, 2, 9}) EXPECT_TRUE(IsNoValue(c.BandLines.Value[band])) << band;
   EXPECT_EQ(c.BandLines.Value[3], 2.5);
-  EXPECT_TRUE(IsNoValue(c.BandLines.Value[9]));
   EXPECT_EQ(c.BandColours[3], 0xFF140Au);
   EXPECT_EQ(c.BandColours[1], 0xFFFFFFu);
   EXPECT_EQ(c.RepairBandColours[3], 0xFF140Au);  // all three band groups read the one colour list
-  EXPECT_EQ(c.FilterLong, 40);                   // half to even
-  EXPECT_EQ(c.FilterShort, 12);
+  EXPECT_EQ(std::pair(c.FilterLong, c.FilterShort), std::pair(40, 12));  // half to even
   EXPECT_EQ(c.Iri.Speed, 0.0);
   EXPECT_EQ(c.Iri.IriBaseLength, 10.0);  // not a key of the file
-  EXPECT_EQ(c.LineColour, 0xFF00FFu);
-  EXPECT_EQ(c.LongBoundary, 51.2);
+  EXPECT_EQ(std::pair(c.LineColour, c.LongBoundary), std::pair(Colour{0xFF00FF}, 51.2));
   const CalcConditions before = c;
   LoadDefaults(session, 0);
   LoadDefaults(session, 11);
   EXPECT_EQ(c, before);
 }
 
-TEST_F(SettingsTest, SaveWritesGroupsThreeToSevenInTheirFormatsAndKeepsTheRest) {
+TEST_F(SettingsTest, SaveWritesGroupsThreeToSevenInTheirFormatsKeepsTheRestAndRaisesWhenItCannot) {
   const std::string original = ReadBytes(app_ / "Default.ini");
   LoadDefaultGroups(session, std::vector<int>{3, 4, 7}, false);
   CalcConditions& c = session.DefaultConditions;
@@ -165,32 +146,22 @@ TEST_F(SettingsTest, SaveWritesGroupsThreeToSevenInTheirFormatsAndKeepsTheRest) 
   c.LineColour = MakeColour(1, 2, 3);
   c.LongBoundary = 40;
   c.Iri.Speed = 60;
-  SaveDefaults(session, 3);
-  SaveDefaults(session, 4);
-  SaveDefaults(session, 7);
-  SaveDefaults(session, 2);  // not a group that is saved
+  for (int group : {3, 4, 7, 2}) SaveDefaults(session, group);  // 2 is not a group that is saved
   const auto lines = ReadSystemTextLines(app_ / "Default.ini");
-  auto has = [&](const std::string& line) { return std::find(lines.begin(), lines.end(), line) != lines.end(); };
-  EXPECT_TRUE(has("1-Oct=9.50000"));
-  EXPECT_TRUE(has("2-Oct="));
-  EXPECT_TRUE(has("低減ライン値の表示色=1, 2, 3"));
-  EXPECT_TRUE(has("長波側境界値=40.00000"));
-  EXPECT_TRUE(has("Speed=80"));
+  for (const char* line : {"1-Oct=9.50000", "2-Oct=", "低減ライン値の表示色=1, 2, 3", "長波側境界値=40.00000", "Speed=80"})
+    EXPECT_NE(std::find(lines.begin(), lines.end(), line), lines.end()) << line;
   // Same number of lines: values were replaced in place, nothing added.
   EXPECT_EQ(lines.size(), ReadSystemTextLines(testing::SourceDir() / "resources" / "Default.ini").size());
   const CalcConditions saved = c;
   LoadDefaultGroups(session, std::vector<int>{3, 4, 7}, false);
-  EXPECT_EQ(c.BandLines, saved.BandLines);
-  EXPECT_EQ(c.LineColour, saved.LineColour);
-  EXPECT_EQ(c.LongBoundary, 40.0);
+  EXPECT_EQ(std::tuple(c.BandLines, c.LineColour, c.LongBoundary), std::tuple(saved.BandLines, saved.LineColour, 40.0));
   // Writing the loaded values back gives the file as shipped.
   WriteBytes(app_ / "Default.ini", original);
   LoadDefaultGroups(session, std::vector<int>{3, 4, 5, 6, 7}, false);
   for (int group = 3; group <= 7; ++group) SaveDefaults(session, group);
   EXPECT_EQ(ReadBytes(app_ / "Default.ini"), original);
-}
 
-TEST_F(SettingsTest, SaveToAFileThatCannotBeWrittenRaisesAndLeavesNothing) {
+  // A file that cannot be written raises and leaves nothing.
   fs::remove(app_ / "Default.ini");
   fs::create_directory(app_ / "Default.ini");
   EXPECT_THROW(SaveDefaults(session, 7), LegacyError);
@@ -231,16 +202,15 @@ TEST_F(SettingsTest, ReadIniTreatsEmptyAsAbsentAndCutsLikeThePlatformBuffer) {
   std::string wide;
   for (int i = 0; i < 200; ++i) wide += "あ";  // two bytes each in Shift-JIS
   WriteIni("x.ini", {"[S]", "ascii=" + ascii, "wide=" + wide, "empty=", "half=ｱ" + std::string(260, 'b')});
-  std::string value = "unchanged";
-  EXPECT_FALSE(ReadIni(app_ / "x.ini", "S", "empty", value));
-  EXPECT_FALSE(ReadIni(app_ / "x.ini", "S", "none", value));
-  EXPECT_EQ(value, "unchanged");
-  ASSERT_TRUE(ReadIni(app_ / "x.ini", "S", "ascii", value));
-  EXPECT_EQ(value, std::string(254, 'a'));
-  ASSERT_TRUE(ReadIni(app_ / "x.ini", "S", "wide", value));
-  EXPECT_EQ(value.size(), 127u * 3u);  // 127 characters = 254 bytes; the 128th would not fit
-  ASSERT_TRUE(ReadIni(app_ / "x.ini", "S", "half", value));
-  EXPECT_EQ(value, "ｱ" + std::string(253, 'b'));  // a half-width kana is one byte
+  auto read = [&](const char* key) {
+    std::string value = "unchanged";
+    return ReadIni(app_ / "x.ini", "S", key, value) ? value : "false, " + value;
+  };
+  EXPECT_EQ(read("empty"), "false, unchanged");
+  EXPECT_EQ(read("none"), "false, unchanged");
+  EXPECT_EQ(read("ascii"), std::string(254, 'a'));
+  EXPECT_EQ(read("wide"), wide.substr(0, 127 * 3));  // 127 characters = 254 bytes; the 128th would not fit
+  EXPECT_EQ(read("half"), "ｱ" + std::string(253, 'b'));  // a half-width kana is one byte
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "base/session.h"
 #include "base/settings_io.h"
 #include "frame_sandbox.h"
+#include "support/checks.h"
 
 namespace velmora {
 namespace {
@@ -17,6 +18,8 @@ namespace fs = std::filesystem;
 using testing::ReadBytes;
 using testing::WriteBytes;
 
+const char* const kAlreadyOpen = "このアプリケーションはすでに開かれています。";
+
 class StartUpTest : public testing::FrameSandbox {};
 
 TEST_F(StartUpTest, FreshStartBuildsTheTreeLoadsSettingsAndMayGoOn) {
@@ -24,11 +27,10 @@ TEST_F(StartUpTest, FreshStartBuildsTheTreeLoadsSettingsAndMayGoOn) {
   ASSERT_TRUE(result.MayGoOn);
   EXPECT_TRUE(result.Lock.Held());
   EXPECT_TRUE(ui_.Messages().empty());
-  EXPECT_EQ(session.Paths.AppPath, app_.string());
-  EXPECT_EQ(session.Paths.UserLocalPath, UserLocal().string());
-  EXPECT_EQ(session.Paths.TempPath, (UserLocal() / "Temp").string());
-  EXPECT_EQ(session.Paths.DebugPath, (UserLocal() / "Debug").string());
-  EXPECT_EQ(session.Paths.TempBmpPath, (UserLocal() / "Temp" / "temp.bmp").string());
+  const AppPaths& p = session.Paths;
+  EXPECT_EQ((std::vector{p.AppPath, p.UserLocalPath, p.TempPath, p.DebugPath, p.TempBmpPath}),
+            (std::vector<std::string>{app_, UserLocal(), UserLocal() / "Temp", UserLocal() / "Debug",
+                                      UserLocal() / "Temp" / "temp.bmp"}));
   for (const char* sub : {"Project/Profile", "Project/Screening", "Temp", "Debug", "Resource"})
     EXPECT_TRUE(fs::is_directory(UserLocal() / sub)) << sub;
   for (const fs::path& made : {home_ / "Documents" / "Velmora", home_ / "Pictures" / "Velmora",
@@ -40,10 +42,9 @@ TEST_F(StartUpTest, FreshStartBuildsTheTreeLoadsSettingsAndMayGoOn) {
   EXPECT_FALSE(session.Paths.DebugSwitch);
   EXPECT_FALSE(result.Splash.Show);  // SplushTime=0 in the shipped file
   // The shipped conditions reached the working copy; the evaluation length comes from no file.
-  EXPECT_EQ(session.CurrentConditions.Iri.Speed, 80.0);
-  EXPECT_EQ(session.CurrentConditions.RepairIri.KtMs, 653.0);
-  EXPECT_EQ(session.CurrentConditions.Iri.IriBaseLength, 10.0);
-  EXPECT_EQ(session.CurrentConditions.RepairIri.IriBaseLength, 10.0);
+  const IriParams golden{80, 63.3, 6, 0.15, 653, 11, 0, 10};
+  EXPECT_EQ(session.CurrentConditions.Iri, golden);
+  EXPECT_EQ(session.CurrentConditions.RepairIri, golden);
   EXPECT_EQ(session.CurrentConditions, session.DefaultConditions);
   EXPECT_EQ(session.Settings.LongOctaves, (std::vector<std::int32_t>{1, 2, 3}));
 }
@@ -53,48 +54,42 @@ TEST_F(StartUpTest, RestartWipesRootFilesProjectAndTempButKeepsOtherFoldersAndRe
     StartUpResult first = Start();
     ASSERT_TRUE(first.MayGoOn);
     SetPrevValue(session, "CommonDialogPath", "ERDファイル追加", "/data/roads");
-    WriteBytes(UserLocal() / "stray.txt", "x");
-    fs::create_directories(UserLocal() / "mine" / "deep");
-    WriteBytes(UserLocal() / "mine" / "deep" / "keep.txt", "keep");
-    WriteBytes(UserLocal() / "Project" / "Profile" / "a.erd", "x");
-    fs::create_directories(UserLocal() / "Project" / "Extra");
-    WriteBytes(UserLocal() / "Temp" / "t.bmp", "x");
-    WriteBytes(UserLocal() / "Debug" / "Profile.csv", "x");
-    fs::create_directories(UserLocal() / "Debug" / "old");
-    WriteBytes(UserLocal() / "Debug" / "old" / "kept.csv", "x");
+    for (const char* file : {"stray.txt", "mine/deep/keep.txt", "Project/Profile/a.erd", "Project/Extra/b.erd",
+                             "Temp/t.bmp", "Debug/Profile.csv", "Debug/old/kept.csv"})
+      Put(file);
   }  // the first run ends: its lock is released
   ASSERT_TRUE(Start().MayGoOn);
-  EXPECT_FALSE(fs::exists(UserLocal() / "stray.txt"));
-  EXPECT_EQ(ReadBytes(UserLocal() / "mine" / "deep" / "keep.txt"), "keep");
-  EXPECT_FALSE(fs::exists(UserLocal() / "Project" / "Profile" / "a.erd"));
-  EXPECT_FALSE(fs::exists(UserLocal() / "Project" / "Extra"));
+  for (const char* gone : {"stray.txt", "Project/Profile/a.erd", "Project/Extra", "Temp/t.bmp", "Debug/Profile.csv"})
+    EXPECT_FALSE(fs::exists(UserLocal() / gone)) << gone;
+  // Debug loses its files only.
+  for (const char* kept : {"mine/deep/keep.txt", "Debug/old/kept.csv"}) EXPECT_EQ(ReadBytes(UserLocal() / kept), kept);
   EXPECT_TRUE(fs::is_directory(UserLocal() / "Project" / "Profile"));
-  EXPECT_FALSE(fs::exists(UserLocal() / "Temp" / "t.bmp"));
-  EXPECT_FALSE(fs::exists(UserLocal() / "Debug" / "Profile.csv"));
-  EXPECT_TRUE(fs::exists(UserLocal() / "Debug" / "old" / "kept.csv"));  // Debug loses its files only
   EXPECT_EQ(GetPrevValue(session, "CommonDialogPath", "ERDファイル追加"), "/data/roads");
 }
 
-TEST_F(StartUpTest, SecondInstanceIsRefusedBeforeAnyFolderWork) {
+TEST_F(StartUpTest, SecondDesktopInstanceIsRefusedBeforeAnyFolderWorkAnEngineSessionIsNot) {
   StartUpResult first = Start();
   ASSERT_TRUE(first.MayGoOn);
-  WriteBytes(UserLocal() / "Project" / "Profile" / "open.erd", "work of the first run");
-  WriteBytes(UserLocal() / "stray.txt", "x");
+  Put("Project/Profile/open.erd");
+  Put("stray.txt");
   const AppPaths pathsOfFirstRun = session.Paths;
   ui_.Log.clear();
 
   const StartUpResult second = Start("SWDEBUG");
   EXPECT_FALSE(second.MayGoOn);
   EXPECT_FALSE(second.Lock.Held());
-  const auto messages = ui_.Messages();
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].Text, "このアプリケーションはすでに開かれています。");
-  EXPECT_EQ(messages[0].Title, "APP Load Error");
-  EXPECT_EQ(messages[0].Icon, MsgIcon::Exclamation);
-  EXPECT_EQ(ReadBytes(UserLocal() / "Project" / "Profile" / "open.erd"), "work of the first run");
-  EXPECT_TRUE(fs::exists(UserLocal() / "stray.txt"));
+  testing::ExpectMessages(ui_, {{kAlreadyOpen, "APP Load Error", MsgIcon::Exclamation}});
+  for (const char* file : {"Project/Profile/open.erd", "stray.txt"}) EXPECT_EQ(ReadBytes(UserLocal() / file), file);
   EXPECT_EQ(session.Paths.UserLocalPath, pathsOfFirstRun.UserLocalPath);
   EXPECT_FALSE(session.Paths.DebugSwitch);
+
+  // Without the desktop rule a session starts beside the running instance.
+  ui_.Log.clear();
+  Session other;
+  const StartUpResult engine = StartUp(other, {"", app_.string(), false});
+  EXPECT_TRUE(engine.MayGoOn);
+  EXPECT_FALSE(engine.Lock.Held());
+  EXPECT_TRUE(ui_.Messages().empty());
 }
 
 TEST_F(StartUpTest, AnotherProcessHoldingTheLockRefusesThisOne) {
@@ -116,42 +111,27 @@ TEST_F(StartUpTest, AnotherProcessHoldingTheLockRefusesThisOne) {
   ASSERT_EQ(::read(ready[0], &ok, 1), 1);
   ::close(ready[0]);
   EXPECT_EQ(ok, '1');
-  WriteBytes(UserLocal() / "stray.txt", "x");
+  Put("stray.txt");
   const StartUpResult mine = Start();
   ::kill(child, SIGKILL);
   ::waitpid(child, nullptr, 0);
   EXPECT_FALSE(mine.MayGoOn);
-  EXPECT_EQ(ui_.OnlyMessageText(), "このアプリケーションはすでに開かれています。");
-  EXPECT_TRUE(fs::exists(UserLocal() / "stray.txt"));
+  EXPECT_EQ(ui_.OnlyMessageText(), kAlreadyOpen);
+  EXPECT_EQ(ReadBytes(UserLocal() / "stray.txt"), "stray.txt");
   // With the other process gone, the lock is free again.
   EXPECT_TRUE(Start().MayGoOn);
-}
-
-TEST_F(StartUpTest, WithoutTheDesktopRuleASessionStartsBesideARunningInstance) {
-  const StartUpResult desktop = Start();
-  ASSERT_TRUE(desktop.Lock.Held());
-  Session other;
-  const StartUpResult engine = StartUp(other, {"", app_.string(), false});
-  EXPECT_TRUE(engine.MayGoOn);
-  EXPECT_FALSE(engine.Lock.Held());
-  EXPECT_TRUE(ui_.Messages().empty());
 }
 
 TEST_F(StartUpTest, MissingDefaultIniShowsItsMessageAndEnds) {
   fs::remove(app_ / "Default.ini");
   const StartUpResult result = Start();
   EXPECT_FALSE(result.MayGoOn);
-  const auto messages = ui_.Messages();
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].Text, "下記の設定ファイルが見つかりませんでした。\r\n\r\n設定ファイル名：" + app_.string() +
-                                  "/Default.ini\r\n\r\n確認してください。");
-  EXPECT_EQ(messages[0].Title, "設定ファイル");
-  EXPECT_EQ(messages[0].Icon, MsgIcon::Exclamation);
+  testing::ExpectMessages(ui_, {{"下記の設定ファイルが見つかりませんでした。\r\n\r\n設定ファイル名：" + app_.string() +
+                                     "/Default.ini\r\n\r\n確認してください。",
+                                 "設定ファイル", MsgIcon::Exclamation}});
   // The project was reset on built-in values before the check; no start line was written.
-  EXPECT_EQ(session.CurrentConditions.FilterLong, 50);
-  EXPECT_EQ(session.CurrentConditions.Iri.Speed, 0.0);
-  EXPECT_EQ(session.CurrentConditions.LongBoundary, 51.2);
-  EXPECT_EQ(session.CurrentConditions.Iri.IriBaseLength, 10.0);
+  const CalcConditions& c = session.CurrentConditions;
+  EXPECT_EQ(std::tuple(c.FilterLong, c.Iri.Speed, c.LongBoundary, c.Iri.IriBaseLength), std::tuple(50, 0.0, 51.2, 10.0));
   EXPECT_FALSE(fs::exists(UserLocal() / "debug.log"));
 }
 
@@ -182,26 +162,21 @@ TEST_F(StartUpTest, SplashTicksAtHalfSeconds) {
   EXPECT_FALSE(SplashTimingFor(0).Show);
   EXPECT_FALSE(SplashTimingFor(-2).Show);
   const SplashTiming three = SplashTimingFor(3);
-  EXPECT_TRUE(three.Show);
-  EXPECT_EQ(three.Ticks, 7);
-  EXPECT_EQ(three.Seconds, 3.5);
+  EXPECT_EQ(std::tuple(three.Show, three.Ticks, three.Seconds), std::tuple(true, 7, 3.5));
   EXPECT_EQ(SplashTimingFor(1).Ticks, 3);
-  // From the settings file.
   WriteBytes(app_ / "TOLVAVERI.ini", "[General]\r\nSplushTime=3\r\n");
-  const StartUpResult result = Start();
-  EXPECT_TRUE(result.Splash.Show);
-  EXPECT_EQ(result.Splash.Ticks, 7);
+  const SplashTiming fromFile = Start().Splash;
+  EXPECT_EQ(std::tuple(fromFile.Show, fromFile.Ticks), std::tuple(true, 7));
 }
 
 TEST_F(StartUpTest, UserLocalFolderThatCannotBeMadeIsReportedAndStartUpGoesOn) {
   WriteBytes(home_ / "Velmora", "a file where the folder should be");
   const StartUpResult result = Start();
   EXPECT_TRUE(result.MayGoOn);
-  const auto messages = ui_.Messages();
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].Title, "[ basMain : Main->FolderCreateAndInitialize ]");
-  EXPECT_NE(messages[0].Text.find("ERROR : " + UserLocal().string()), std::string::npos) << messages[0].Text;
-  EXPECT_NE(messages[0].Text.find("フォルダを作成できません"), std::string::npos);
+  const std::string text = ui_.OnlyMessageText();
+  EXPECT_EQ(ui_.Messages().at(0).Title, "[ basMain : Main->FolderCreateAndInitialize ]");
+  EXPECT_NE(text.find("ERROR : " + UserLocal().string()), std::string::npos) << text;
+  EXPECT_NE(text.find("フォルダを作成できません"), std::string::npos) << text;
   EXPECT_EQ(ReadBytes(home_ / "Velmora"), "a file where the folder should be");
   EXPECT_EQ(session.CurrentConditions.Iri.Speed, 80.0);
   EXPECT_EQ(session.Settings.ShortOctaves, (std::vector<std::int32_t>{7, 8, 9}));
@@ -230,12 +205,8 @@ TEST_F(StartUpTest, ExitQuestionAndStatisticsFlagsKeptAcrossRuns) {
     ui_.Answers = {MsgAnswer::No, MsgAnswer::Yes};
     EXPECT_FALSE(ConfirmExit(session));
     EXPECT_TRUE(ConfirmExit(session));
-    const auto messages = ui_.Messages();
-    ASSERT_EQ(messages.size(), 2u);
-    EXPECT_EQ(messages[0].Text, "プログラムを終了しますか？");
-    EXPECT_EQ(messages[0].Title, "");
-    EXPECT_EQ(messages[0].Icon, MsgIcon::Question);
-    EXPECT_EQ(messages[0].Buttons, MsgButtons::YesNo);
+    const testing::Shown question{"プログラムを終了しますか？", "", MsgIcon::Question, MsgButtons::YesNo};
+    testing::ExpectMessages(ui_, {question, question});
     SaveStatisticsFlags(session, {true, false, true, true, false});
   }
   ASSERT_TRUE(Start().MayGoOn);

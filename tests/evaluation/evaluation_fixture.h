@@ -25,6 +25,12 @@ class EvaluationTest : public SessionTest {
     session.Paths.UserLocalPath = dir_.path().string();
     std::filesystem::create_directories(dir_ / "Resource");
   }
+  // Every row of a list, as a selection.
+  static std::vector<std::int32_t> AllRows(const ProfileList& list) {
+    std::vector<std::int32_t> rows;
+    for (std::int32_t i = 1; i <= list.Count(); ++i) rows.push_back(i);
+    return rows;
+  }
 };
 
 }  // namespace velmora::testing

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 #include "base/legacy_error.h"
@@ -80,28 +81,27 @@ TEST(CalcIriStatistics, WeightedMeanWithUnweightedDeviationByHand) {
 }
 
 TEST(BlockSampleCount, LengthOverPitchRoundedHalfUp) {
-  EXPECT_EQ(BlockSampleCount(10, 0.25), 40);
-  EXPECT_EQ(BlockSampleCount(10, 0.3), 33);     // 33.33
-  EXPECT_EQ(BlockSampleCount(10, 0.8), 13);     // 12.5 goes up
-  EXPECT_EQ(BlockSampleCount(100, 0.0762), 1312);  // 1312.34
-  EXPECT_EQ(BlockSampleCount(200, 0.0762), 2625);  // 2624.67
+  // 40, 33.33, 12.5 (which goes up), 1312.34 and 2624.67 samples.
+  const std::tuple<double, double, std::int32_t> cases[] = {
+      {10, 0.25, 40}, {10, 0.3, 33}, {10, 0.8, 13}, {100, 0.0762, 1312}, {200, 0.0762, 2625}};
+  for (const auto& [length, pitch, count] : cases) EXPECT_EQ(BlockSampleCount(length, pitch), count) << length << " " << pitch;
 }
 
 TEST(FindGridEntry, FirstCountsByHandUpAndDown) {
   const SectionGridLine grid{12.3, 0.1, 5};  // borders 12.3, 12.4, ..., 12.8 km
+  const auto entry = [](const SectionGridLine& g, double kp, bool down) {
+    const GridEntry e = FindGridEntry(g, kp, 0.25, down);
+    return std::pair(e.Section, e.FirstCount);
+  };
   // Up from 12.3456 km at 0.25 m: 54.4 m to 12.4, so samples 1..218 lie before it and 219 is past it.
-  EXPECT_EQ(FindGridEntry(grid, 12.3456, 0.25, false).Section, 1);
-  EXPECT_EQ(FindGridEntry(grid, 12.3456, 0.25, false).FirstCount, 219);
+  EXPECT_EQ(entry(grid, 12.3456, false), std::pair(1, 219));
   // On a border: the first block is full.
-  EXPECT_EQ(FindGridEntry(grid, 12.4, 0.25, false).Section, 2);
-  EXPECT_EQ(FindGridEntry(grid, 12.4, 0.25, false).FirstCount, 1);
+  EXPECT_EQ(entry(grid, 12.4, false), std::pair(2, 1));
   // Down from 12.3456 km: 45.6 m to 12.3, 182.4 pitches, so sample 184 is the first at or below it.
-  EXPECT_EQ(FindGridEntry(grid, 12.3456, 0.25, true).Section, -1);
-  EXPECT_EQ(FindGridEntry(grid, 12.3456, 0.25, true).FirstCount, 184);
-  EXPECT_EQ(FindGridEntry(grid, 12.4, 0.25, true).Section, -1);
-  EXPECT_EQ(FindGridEntry(grid, 12.4, 0.25, true).FirstCount, 1);
+  EXPECT_EQ(entry(grid, 12.3456, true), std::pair(-1, 184));
+  EXPECT_EQ(entry(grid, 12.4, true), std::pair(-1, 1));
   // Exactly 400 pitches to the border: sample 401 lies on it.
-  EXPECT_EQ(FindGridEntry(SectionGridLine{12.3, 0.2, 2}, 12.4, 0.25, false).FirstCount, 401);
+  EXPECT_EQ(entry(SectionGridLine{12.3, 0.2, 2}, 12.4, false).second, 401);
   EXPECT_THROW(FindGridEntry(grid, 11.0, 0.25, false), LegacyError);
 }
 

@@ -4,12 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
 #include <variant>
 
 #include "base/legacy_error.h"
 #include "profile/erd_file.h"
 #include "profile/profile_reader.h"
-#include "support/test_support.h"
+#include "support/checks.h"
 
 namespace velmora {
 namespace {
@@ -18,41 +19,20 @@ using Value = std::variant<std::string, double, std::vector<double>>;
 using Expect = std::pair<std::string, Value>;
 
 // The fields a row may name; numbers come as doubles and compare within a few ulps.
-Value Field(const ProfileRecord& p, const std::string& name) {
+std::map<std::string, Value> Fields(const ProfileRecord& p) {
   const ErdRecord& e = p.Erd;
-  if (name == "Title") return e.Title;
-  if (name == "Samples") return e.Elevation.vector();
-  if (name == "NumSamples") return double(e.NumSamples);
-  if (name == "NumSamplesHeader") return double(e.NumSamplesHeader);
-  if (name == "NumChannels") return double(e.NumChannels);
-  if (name == "FormatCode") return double(e.FormatCode);
-  if (name == "StepSize") return e.StepSize;
-  if (name == "First") return e.Elevation[1];
-  if (name == "DistanceUnit") return e.DistanceUnit;
-  if (name == "Metric") return std::string(e.IsMetric ? "yes" : "no");
-  if (name == "SlopeUnitScale") return e.SlopeUnitScale;
-  if (name == "SlopeUnitName") return e.SlopeUnitName;
-  if (name == "KpText") return e.KpText;
-  if (name == "KpStart") return e.KpStart;
-  if (name == "KpSign") return double(e.KpSign);
-  if (name == "Lane") return double(e.Lane);
-  if (name == "KpDisplay") return e.KpDisplay;
-  if (name == "RepairRangeText") return e.RepairRangeText;
-  if (name == "RepairRangeStart") return e.RepairRangeStart;
-  if (name == "RepairRangeEnd") return e.RepairRangeEnd;
-  if (name == "RepairRangeOn") return double(e.RepairRangeOn);
-  if (name == "ShortName1") return e.ShortName[1];
-  if (name == "ShortName2") return e.ShortName[2];
-  if (name == "UnitsName1") return e.UnitsName[1];
-  if (name == "UnitsName2") return e.UnitsName[2];
-  if (name == "YLabel") return e.YLabel;
-  if (name == "XLabel") return e.XLabel;
-  if (name == "WorkCount") return double(p.WorkCount);
-  if (name == "Count") return double(p.Statistics.Count);
-  if (name == "Mean") return p.Statistics.Mean;
-  if (name == "Spread") return p.Statistics.Spread;
-  ADD_FAILURE() << "no field " << name;
-  return std::string();
+  return {{"Title", e.Title}, {"Samples", e.Elevation.vector()}, {"NumSamples", double(e.NumSamples)},
+          {"NumSamplesHeader", double(e.NumSamplesHeader)}, {"NumChannels", double(e.NumChannels)},
+          {"FormatCode", double(e.FormatCode)}, {"StepSize", e.StepSize},
+          {"First", e.Elevation.empty() ? kNoValue : e.Elevation[1]}, {"DistanceUnit", e.DistanceUnit},
+          {"Metric", std::string(e.IsMetric ? "yes" : "no")}, {"SlopeUnitScale", e.SlopeUnitScale},
+          {"SlopeUnitName", e.SlopeUnitName}, {"KpText", e.KpText}, {"KpStart", e.KpStart}, {"KpSign", double(e.KpSign)},
+          {"Lane", double(e.Lane)}, {"KpDisplay", e.KpDisplay}, {"RepairRangeText", e.RepairRangeText},
+          {"RepairRangeStart", e.RepairRangeStart}, {"RepairRangeEnd", e.RepairRangeEnd},
+          {"RepairRangeOn", double(e.RepairRangeOn)}, {"ShortName1", e.ShortName[1]}, {"ShortName2", e.ShortName[2]},
+          {"UnitsName1", e.UnitsName[1]}, {"UnitsName2", e.UnitsName[2]}, {"YLabel", e.YLabel}, {"XLabel", e.XLabel},
+          {"WorkCount", double(p.WorkCount)}, {"Count", double(p.Statistics.Count)}, {"Mean", p.Statistics.Mean},
+          {"Spread", p.Statistics.Spread}};
 }
 
 enum class Outcome {
@@ -205,18 +185,16 @@ TEST_P(ErdRead, GivesTheValuesOrTheErrorNamingTheFile) {
       EXPECT_EQ(error.Number(), ErrorNumber::TypeMismatch) << what;
     }
   }
-  const auto messages = ui.Messages();
   if (c.outcome == Outcome::Refused) {
-    ASSERT_EQ(messages.size(), 1u);
-    EXPECT_EQ(messages[0].Text, c.text + "\r\n\r\nファイル名：" + path.string());
-    EXPECT_EQ(messages[0].Title, "読み込みエラー");
-    EXPECT_EQ(messages[0].Icon, MsgIcon::Exclamation);
+    testing::ExpectMessages(ui, {{c.text + "\r\n\r\nファイル名：" + path.string(), "読み込みエラー", MsgIcon::Exclamation}});
   } else {
-    EXPECT_TRUE(messages.empty());
+    EXPECT_TRUE(ui.Messages().empty());
   }
 
+  const auto fields = Fields(profile);
   for (const auto& [name, expected] : c.fields) {
-    const Value actual = Field(profile, name);
+    ASSERT_TRUE(fields.contains(name)) << name;
+    const Value& actual = fields.at(name);
     ASSERT_EQ(actual.index(), expected.index()) << name;
     if (const auto* number = std::get_if<double>(&expected)) {
       EXPECT_DOUBLE_EQ(std::get<double>(actual), *number) << name;

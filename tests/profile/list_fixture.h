@@ -29,17 +29,17 @@ class ProfileListTest : public testing::SessionTest {
     session.Settings.PaletteRepair = {0x111111, 0x222222};
     session.Settings.CsvProfileLimit = 0;
   }
-  // A copy of a fixture under another name, in the source folder of the test.
-  std::string Source(const std::string& name, const std::string& fixture = "line2_free_widths.erd") {
-    std::filesystem::create_directories(dir_ / "src");
-    const auto path = dir_ / "src" / name;
+  // A copy of a fixture under another name, in a source folder of the test.
+  std::string Source(const std::string& name, const std::string& fixture = "line2_free_widths.erd",
+                     const std::string& folder = "src") {
+    std::filesystem::create_directories(dir_ / folder);
+    const auto path = dir_ / folder / name;
     testing::WriteBytes(path, testing::ReadBytes(Fixture(fixture)));
     return path.string();
   }
   std::filesystem::path ProjectCopy(const std::string& fileName) const {
     return dir_ / "local" / "Project" / "Profile" / fileName;
   }
-
 };
 
 }  // namespace velmora

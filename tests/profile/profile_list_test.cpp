@@ -7,10 +7,8 @@
 #include <ctime>
 #include <filesystem>
 
-#include "base/app_paths.h"
-#include "profile/erd_file.h"
 #include "profile/list_fixture.h"
-#include "support/test_support.h"
+#include "support/checks.h"
 
 namespace velmora {
 namespace {
@@ -32,22 +30,16 @@ std::int32_t ExpectedToday() {
 }
 
 TEST_F(ProfileListTest, AddsFilesInOrderIntoEveryViewAndCopiesThem) {
-  ScriptedUi ui(session);
   ProfileList list;
   const std::string a = Source("alpha.erd"), b = Source("Beta.ERD", "sjis_title_with_kp.erd");
   ASSERT_TRUE(AddProfileList(session, list, {a, b}, true));
-  EXPECT_TRUE(ui.Messages().empty());
+  EXPECT_TRUE(ui_.Messages().empty());
   ASSERT_EQ(list.Count(), 2);
   for (const ProfileListView& view : list.Views) EXPECT_EQ(view.Rows, (std::vector<std::string>{"alpha", "Beta"}));
   const ProfileRecord& beta = list.Items[2];
-  EXPECT_EQ(beta.FileName, "Beta.ERD");
-  EXPECT_EQ(beta.FilePath, b);
-  EXPECT_EQ(beta.RouteName, "Beta");
-  EXPECT_EQ(beta.SourceType, 0);
-  EXPECT_EQ(beta.MeasureDate, ExpectedToday());
-  EXPECT_EQ(beta.Erd.Title, "国道１２号　上り");
-  EXPECT_EQ(beta.Erd.KpDisplay, "123.45000+-");
-  EXPECT_EQ(beta.WorkCount, 3);
+  EXPECT_EQ((std::vector{beta.FileName, beta.FilePath, beta.RouteName, beta.Erd.Title, beta.Erd.KpDisplay}),
+            (std::vector<std::string>{"Beta.ERD", b, "Beta", "国道１２号　上り", "123.45000+-"}));
+  EXPECT_EQ((std::vector{beta.SourceType, beta.MeasureDate, beta.WorkCount}), (std::vector{0, ExpectedToday(), 3}));
   EXPECT_DOUBLE_EQ(beta.SamplesPerMetre, 4.0);
   EXPECT_EQ(ReadBytes(ProjectCopy("Beta.ERD")), ReadBytes(b));
   EXPECT_EQ(ReadBytes(ProjectCopy("alpha.erd")), ReadBytes(a));
@@ -60,19 +52,11 @@ TEST_F(ProfileListTest, AnsweringNoKeepsRecordAndCopyAndTheOtherFilesAreStillAdd
   ASSERT_TRUE(AddProfileList(session, list, {first}, true));
   const std::string copyBefore = ReadBytes(ProjectCopy("road.erd"));
 
-  std::filesystem::create_directories(dir_ / "other");
-  const std::string again = (dir_ / "other" / "ROAD.erd").string();  // same name: case is ignored
-  WriteBytes(again, ReadBytes(Fixture("cm_heights.erd")));
-  const std::string extra = Source("extra.erd");
-  ScriptedUi ui(session);
-  ui.Answers = {MsgAnswer::No};
-  EXPECT_TRUE(AddProfileList(session, list, {again, extra}, true));
-  const auto messages = ui.Messages();
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].Text, "指定されたプロファイル名は既に登録されています。\r\n\r\nプロファイル名：ROAD\r\n\r\n置き換えますか？");
-  EXPECT_EQ(messages[0].Title, "確認");
-  EXPECT_EQ(messages[0].Icon, MsgIcon::Question);
-  EXPECT_EQ(messages[0].Buttons, MsgButtons::YesNo);
+  const std::string again = Source("ROAD.erd", "cm_heights.erd", "other");  // same name: case is ignored
+  ui_.Answers = {MsgAnswer::No};
+  EXPECT_TRUE(AddProfileList(session, list, {again, Source("extra.erd")}, true));
+  testing::ExpectMessages(ui_, {{"指定されたプロファイル名は既に登録されています。\r\n\r\nプロファイル名：ROAD\r\n\r\n置き換えますか？",
+                                 "確認", MsgIcon::Question, MsgButtons::YesNo}});
   ASSERT_EQ(list.Count(), 2);
   EXPECT_EQ(list.Items[1].FilePath, first);
   EXPECT_EQ(list.Items[1].Erd.Title, "free widths");
@@ -86,12 +70,10 @@ TEST_F(ProfileListTest, RepeatWithoutAskingReplacesInPlace) {
   list.SelectedRows = {2};
   std::int32_t shown = 0;
   list.Hooks.ShowProfileTab = [&](std::int32_t index) { shown = index; };
-  std::filesystem::create_directories(dir_ / "other");
-  const std::string newer = (dir_ / "other" / "road.erd").string();
-  WriteBytes(newer, ReadBytes(Fixture("cm_heights.erd")));
-  ScriptedUi ui(session);
+  ui_.Log.clear();
+  const std::string newer = Source("road.erd", "cm_heights.erd", "other");
   ASSERT_TRUE(AddProfileList(session, list, {newer}, false));
-  EXPECT_TRUE(ui.Messages().empty());
+  EXPECT_TRUE(ui_.Messages().empty());
   ASSERT_EQ(list.Count(), 2);
   EXPECT_EQ(list.Items[2].FilePath, newer);
   EXPECT_EQ(list.Items[2].Erd.Title, "cm");
@@ -128,7 +110,6 @@ TEST_F(ProfileListTest, UnreadableFileStopsTheLoopKeepingWhatWasRegistered) {
 
 TEST_F(ProfileListTest, RowColoursCycleThroughThePalette) {
   ProfileList list;
-  ScriptedUi ui(session);
   ASSERT_TRUE(AddProfileList(session, list, {Source("r1.erd"), Source("r2.erd"), Source("r3.erd"), Source("r4.erd")}, true));
   EXPECT_EQ(list.Views[0].Panels, (std::vector<Colour>{0x0000FF, 0x00FF00, 0xFF0000, 0x0000FF}));
   EXPECT_EQ(list.Views[11].Name, "lst理想形状");

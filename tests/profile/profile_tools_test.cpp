@@ -4,32 +4,23 @@
 
 #include "base/text_encoding.h"
 #include "list_fixture.h"
-#include "support/session_fixture.h"
-#include "support/test_support.h"
+#include "support/checks.h"
+#include "support/expect_values.h"
+#include "support/profile_fixture.h"
 
 namespace velmora {
 namespace {
 
-using testing::ScriptedUi;
-
 // Samples 1, 2, 3, 4 at 0.5 m from KP 10 km, KP growing.
 ToolItem Item(const std::string& name = "p.ERD", double kp = 10.0, std::int32_t sign = 0) {
-  ToolItem item;
-  item.FileName = name;
-  item.Erd.NumChannels = 1;
-  item.Erd.FormatCode = 5;
-  item.Erd.StepSize = 0.5;
-  item.Erd.Elevation = Array1<double>{1, 2, 3, 4};
-  item.Erd.NumSamples = item.Erd.NumSamplesHeader = 4;
-  item.Erd.KpStart = kp;
-  item.Erd.KpSign = sign;
-  item.Erd.ShortName[1] = "LElev.";
-  return item;
+  ProfileRecord profile = testing::MakeProfile("p", 0.5, {1, 2, 3, 4}, kp, sign);
+  profile.Erd.ShortName[1] = "LElev.";
+  return {name, profile.Erd};
 }
 
 std::vector<double> Samples(const ErdRecord& erd) { return erd.Elevation.vector(); }
 
-class ProfileTools : public testing::SessionTest {};
+using ProfileTools = ProfileListTest;
 
 TEST_F(ProfileTools, ReversalTwiceGivesTheSameSamplesAndKp) {
   const auto once = ReverseProfiles({Item()});
@@ -38,10 +29,10 @@ TEST_F(ProfileTools, ReversalTwiceGivesTheSameSamplesAndKp) {
   EXPECT_EQ(Samples(once[0].Erd), (std::vector<double>{4, 3, 2, 1}));
   EXPECT_NEAR(once[0].Erd.KpStart, 10.0015, 1e-12);  // the old end: 10 + 3 × 0.5 m
   EXPECT_EQ(once[0].Erd.KpSign, 1);
-  const auto twice = ReverseProfiles({{"q.ERD", once[0].Erd}});
-  EXPECT_EQ(Samples(twice[0].Erd), (std::vector<double>{1, 2, 3, 4}));
-  EXPECT_NEAR(twice[0].Erd.KpStart, 10.0, 1e-12);
-  EXPECT_EQ(twice[0].Erd.KpSign, 0);
+  const ErdRecord twice = ReverseProfiles({{"q.ERD", once[0].Erd}})[0].Erd;
+  EXPECT_EQ(Samples(twice), (std::vector<double>{1, 2, 3, 4}));
+  EXPECT_NEAR(twice.KpStart, 10.0, 1e-12);
+  EXPECT_EQ(twice.KpSign, 0);
 }
 
 TEST_F(ProfileTools, HeightShiftMovesTheReferenceSampleToTheHeight) {
@@ -59,18 +50,16 @@ TEST_F(ProfileTools, HeightShiftMovesTheReferenceSampleToTheHeight) {
       // With a falling KP the same KP lies two pitches along too.
       {1, {ShiftReference::Kp, "9.999", "0"}, "p_KP9.999H0調整.ERD", {-2, -1, 0, 1}},
   };
-  testing::ScriptedUi ui(session);
   for (const auto& c : cases) {
     const auto out = HeightShiftProfiles(session, {Item("p.ERD", 10.0, c.sign)}, c.input);
     ASSERT_TRUE(out && out->size() == 1u) << c.name;
     EXPECT_EQ((*out)[0].FileName, c.name);
     EXPECT_EQ(Samples((*out)[0].Erd), c.samples) << c.name;
   }
-  EXPECT_TRUE(ui.Messages().empty());
+  EXPECT_TRUE(ui_.Messages().empty());
 }
 
 TEST_F(ProfileTools, ChecksStopWithTheirMessages) {
-  testing::ScriptedUi ui(session);
   EXPECT_FALSE(HeightShiftProfiles(session, {Item()}, {ShiftReference::Kp, "", "1"}));
   EXPECT_FALSE(HeightShiftProfiles(session, {Item()}, {ShiftReference::End, "", "abc"}));
   CutOutInput cut;
@@ -81,27 +70,15 @@ TEST_F(ProfileTools, ChecksStopWithTheirMessages) {
   EXPECT_FALSE(CompositeProfiles(session, {Item()}, composite));
   composite.CsvPath = "/nonexistent/base.csv";
   EXPECT_FALSE(CompositeProfiles(session, {Item()}, composite));
-  const auto m = ui.Messages();
-  ASSERT_EQ(m.size(), 5u);
-  EXPECT_EQ(m[0].Text, "KP が指定されていません。");
-  EXPECT_EQ(m[0].Title, "Error");
-  EXPECT_EQ(m[1].Text, "調整高さ は数値で指定して下さい。");
-  EXPECT_EQ(m[2].Text, "KP終点 が指定されていません。");
-  EXPECT_EQ(m[3].Text, "CSVデータが指定されていません。");
-  EXPECT_EQ(m[4].Text, "指定されたファイルが見つかりません。");
+  testing::ExpectMessages(ui_, {{"KP が指定されていません。", "Error"}, {"調整高さ は数値で指定して下さい。"},
+                                {"KP終点 が指定されていません。"}, {"CSVデータが指定されていません。"},
+                                {"指定されたファイルが見つかりません。"}});
 }
 
 // A cut-out by position and length (データ指定).
 CutOutInput Cut(const std::string& start, const std::string& length, Shortfall fill = Shortfall::None,
                 CutUnit unit = CutUnit::Samples, bool fromEnd = false) {
-  CutOutInput input;
-  input.ByKp = false;
-  input.Start = start;
-  input.Length = length;
-  input.Fill = fill;
-  input.Unit = unit;
-  input.FromEnd = fromEnd;
-  return input;
+  return CutOutInput{/*ByKp=*/false, "", "", start, length, fromEnd, unit, fill};
 }
 
 TEST_F(ProfileTools, CutOutByKpBySamplesAndByDistanceWithEachShortfallMode) {
@@ -137,54 +114,41 @@ TEST_F(ProfileTools, CutOutByKpBySamplesAndByDistanceWithEachShortfallMode) {
 }
 
 TEST_F(ProfileTools, CompositeTiesTheTargetToTheBaseAlongTheOverlap) {
-  testing::TempDir dir;
   // Target: 0, 1, 0, 1, 0 mm at 1 m from KP 0. Base survey: 10 mm at 0 m, 14 mm at 4 m.
-  ToolItem target;
-  target.FileName = "t.ERD";
-  target.Erd.StepSize = 1.0;
-  target.Erd.KpStart = 0.0;
-  target.Erd.Elevation = Array1<double>{0, 1, 0, 1, 0};
-  target.Erd.NumSamples = 5;
-  WriteSystemTextFile(dir / "survey.csv", {"pos,height", "4,14", "0,10"});
+  const ToolItem target{"t.ERD", testing::MakeProfile("t", 1.0, {0, 1, 0, 1, 0}, 0.0).Erd};
+  WriteSystemTextFile(dir_ / "survey.csv", {"pos,height", "4,14", "0,10"});
   CompositeInput input;
   input.BaseIsCsv = true;
-  input.CsvPath = (dir / "survey.csv").string();
+  input.CsvPath = (dir_ / "survey.csv").string();
   input.CsvHeading = true;
   auto out = CompositeProfiles(session, {target}, input);
   ASSERT_TRUE(out);
   ASSERT_EQ(out->size(), 1u);
   EXPECT_EQ((*out)[0].FileName, "t_survey_合成.ERD");
   // The difference runs from 10 to 14 mm along the 4 m; the target's detail rides on it.
-  const auto samples = Samples((*out)[0].Erd);
-  const std::vector<double> expected{10, 12, 12, 14, 14};
-  ASSERT_EQ(samples.size(), expected.size());
-  for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(samples[i], expected[i], 1e-9) << i;
+  testing::ExpectValues((*out)[0].Erd.Elevation, {10, 12, 12, 14, 14}, 1e-9);
 
   // An ERD base that covers only the middle: the result exists only on the overlap.
-  ToolItem base = Item("b.ERD", 0.001, 0);  // 1, 2, 3, 4 at 0.5 m from 1 m
   input.BaseIsCsv = false;
-  input.BaseProfile = base;
+  input.BaseProfile = Item("b.ERD", 0.001, 0);  // 1, 2, 3, 4 at 0.5 m from 1 m
   auto partial = CompositeProfiles(session, {target}, input);
   ASSERT_EQ(partial->size(), 1u);
-  EXPECT_EQ((*partial)[0].Erd.NumSamples, 2);  // target samples at 1 m and 2 m
+  // Target samples at 1 m and 2 m, on base 1 at 1 m and base 3 at 2 m.
+  EXPECT_EQ((*partial)[0].Erd.NumSamples, 2);
+  testing::ExpectValues((*partial)[0].Erd.Elevation, {1, 3}, 1e-9);
   EXPECT_NEAR((*partial)[0].Erd.KpStart, 0.001, 1e-12);
-  EXPECT_NEAR((*partial)[0].Erd.Elevation[1], 1.0, 1e-9);  // base 1 at 1 m
-  EXPECT_NEAR((*partial)[0].Erd.Elevation[2], 3.0, 1e-9);  // base 3 at 2 m
 }
 
-class ToolRegistrationTest : public ProfileListTest {};
-
-TEST_F(ToolRegistrationTest, RegistersAfterTheQuestionAndNotOnCancel) {
-  testing::ScriptedUi ui(session);
+TEST_F(ProfileTools, RegistersAfterTheQuestionAndNotOnCancel) {
   ProfileList list;
-  ui.Answers.push_back(MsgAnswer::Cancel);
+  ui_.Answers.push_back(MsgAnswer::Cancel);
   EXPECT_FALSE(RegisterToolOutputs(session, list, ReverseProfiles({Item()})));
   EXPECT_EQ(list.Count(), 0);
   EXPECT_TRUE(RegisterToolOutputs(session, list, ReverseProfiles({Item()})));
   ASSERT_EQ(list.Count(), 1);
   EXPECT_EQ(list.Items[1].FileName, "p_反転.ERD");
   EXPECT_EQ(list.Items[1].Erd.Elevation[1], 4.0);
-  EXPECT_EQ(ui.Messages()[0].Title, "登録");
+  EXPECT_EQ(ui_.Messages()[0].Title, "登録");
   EXPECT_FALSE(RegisterToolOutputs(session, list, {}));
 }
 

@@ -4,10 +4,7 @@
 
 #include "base/text_encoding.h"
 #include "list_fixture.h"
-#include "profile/erd_file.h"
-#include "support/test_support.h"
-
-using velmora::testing::ScriptedUi;
+#include "support/checks.h"
 
 namespace velmora {
 namespace {
@@ -38,9 +35,7 @@ TEST_F(TextImportTest, SplitsAtEveryDelimiterInForceButNotInsideQuotes) {
 }
 
 TEST_F(TextImportTest, ChecksInOrderWithTheirTexts) {
-  ScriptedUi quiet(session);
   const auto preview = BuildImportPreview(Text("a.csv", {"1,2", "3,4", "5,6"}), Options());
-  EXPECT_TRUE(quiet.Messages().empty());
   EXPECT_EQ(preview.RowCount(), 3);
   EXPECT_EQ(preview.Columns, 2);
   // Pitch, first row, last row, last column; the box that gets the focus and the message.
@@ -61,19 +56,16 @@ TEST_F(TextImportTest, ChecksInOrderWithTheirTexts) {
     options.FirstRow = c.firstRow;
     options.LastRow = c.lastRow;
     options.LastColumn = c.lastColumn;
-    ScriptedUi ui(session);
+    ui_.Log.clear();
     EXPECT_EQ(CheckImport(session, preview, options), c.focus) << c.message;
-    ASSERT_EQ(ui.Messages().size(), 1u) << c.message;
-    EXPECT_EQ(ui.Messages()[0].Text, c.message);
-    EXPECT_EQ(ui.Messages()[0].Title, "データ不正");
+    testing::ExpectMessages(ui_, {{c.message, "データ不正"}});
   }
-  ScriptedUi ui(session);
+  ui_.Log.clear();
   EXPECT_EQ(CheckImport(session, preview, Options()), -1);
-  EXPECT_TRUE(ui.Messages().empty());
+  EXPECT_TRUE(ui_.Messages().empty());
 }
 
 TEST_F(TextImportTest, ColumnsBecomeNumberedProfilesWithHeadingTitlesAndHolesEndAColumn) {
-  ScriptedUi ui(session);
   const auto path = Text("road.csv", {"left,right", "1.5,10", ",11", "2.5,12", "3.5,", "4.5,13"});
   ImportOptions options = Options("0.25");
   options.Header = true;
@@ -82,24 +74,21 @@ TEST_F(TextImportTest, ColumnsBecomeNumberedProfilesWithHeadingTitlesAndHolesEnd
   ASSERT_TRUE(ImportTextFile(session, list, path, options));
   ASSERT_EQ(list.Count(), 2);
 
-  const auto& left = list.Items[1];
+  const ProfileRecord &left = list.Items[1], &right = list.Items[2];
   EXPECT_EQ(left.FileName, "road(001).ERD");
-  EXPECT_EQ(left.Erd.Title, "left");
-  EXPECT_DOUBLE_EQ(left.Erd.StepSize, 0.25);
-  // "1.5" is the first sample, so the empty cell of the next row ends the column.
-  ASSERT_EQ(left.Erd.NumSamples, 1);
-  EXPECT_DOUBLE_EQ(left.Erd.Elevation[1], 1.5);
-
-  const auto& right = list.Items[2];
   EXPECT_EQ(right.FileName, "road(002).ERD");
+  EXPECT_EQ(left.Erd.Title, "left");
   EXPECT_EQ(right.Erd.Title, "right");
-  ASSERT_EQ(right.Erd.NumSamples, 3);  // 10, 11, 12; the hole in row 4 ends it before 13
-  EXPECT_DOUBLE_EQ(right.Erd.Elevation[3], 12.0);
+  EXPECT_DOUBLE_EQ(left.Erd.StepSize, 0.25);
+  // "1.5" is the first sample, so the empty cell of the next row ends the column; the hole in row 4
+  // ends the right one before 13.
+  EXPECT_EQ(std::pair(left.Erd.NumSamples, right.Erd.NumSamples), std::pair(1, 3));
+  EXPECT_EQ(left.Erd.Elevation, (Array1<double>{1.5}));
+  EXPECT_EQ(right.Erd.Elevation, (Array1<double>{10, 11, 12}));
   EXPECT_TRUE(std::filesystem::exists(ProjectCopy("road(002).ERD")));
 }
 
 TEST_F(TextImportTest, OneColumnKeepsTheFileNameAndLeadingBlanksAreSkipped) {
-  ScriptedUi ui(session);
   const auto path = Text("single.txt", {"", " ", "7", "8"});
   ImportOptions options = Options("0.5");
   options.FirstColumn = "1";
@@ -113,7 +102,6 @@ TEST_F(TextImportTest, OneColumnKeepsTheFileNameAndLeadingBlanksAreSkipped) {
 }
 
 TEST_F(TextImportTest, NumberedNamesSkipNamesAlreadyListed) {
-  ScriptedUi ui(session);
   const auto path = Text("twin.csv", {"1,2", "3,4"});
   ProfileList list;
   ASSERT_TRUE(ImportTextFile(session, list, path, Options()));
@@ -125,12 +113,10 @@ TEST_F(TextImportTest, NumberedNamesSkipNamesAlreadyListed) {
 }
 
 TEST_F(TextImportTest, MissingFileIsLoggedAndRegistersNothing) {
-  ScriptedUi ui(session);
   ProfileList list;
   EXPECT_FALSE(ImportTextFile(session, list, (dir_ / "none.csv").string(), Options()));
   EXPECT_EQ(list.Count(), 0);
-  ASSERT_EQ(ui.Messages().size(), 1u);
-  EXPECT_NE(ui.Messages()[0].Text.find("none.csv"), std::string::npos);
+  EXPECT_NE(ui_.OnlyMessageText().find("none.csv"), std::string::npos);
 }
 
 TEST_F(TextImportTest, SettingsSurviveInPreviousValues) {
@@ -141,13 +127,9 @@ TEST_F(TextImportTest, SettingsSurviveInPreviousValues) {
   options.OtherText = ",";
   options.Header = true;
   SaveImportSettings(session, options);
-  const ImportOptions back = LoadImportSettings(session);
-  EXPECT_FALSE(back.Comma);
-  EXPECT_TRUE(back.Tab);
-  EXPECT_TRUE(back.Other);
-  EXPECT_EQ(back.OtherText, ",");
-  EXPECT_TRUE(back.Header);
-  EXPECT_FALSE(back.TitleFromHeader);
+  const ImportOptions b = LoadImportSettings(session);
+  EXPECT_EQ((std::vector{b.Comma, b.Tab, b.Other, b.Header, b.TitleFromHeader}), (std::vector{false, true, true, true, false}));
+  EXPECT_EQ(b.OtherText, ",");
 }
 
 }  // namespace

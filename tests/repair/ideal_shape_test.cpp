@@ -2,31 +2,24 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <filesystem>
 #include <vector>
 
 #include "analysis/iri.h"
-#include "base/app_paths.h"
-#include "base/session.h"
 #include "repair/study_targets.h"
 #include "study_fixture.h"
 #include "support/session_fixture.h"
-#include "support/test_support.h"
 
 namespace velmora {
 namespace {
 
 using testing::ScriptedUi;
 using testing::StudyForm;
-using testing::TempDir;
 using testing::ThreeSineProfile;
 
 class StudyDriversTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    session.Paths.TempPath = temp_.path().string();
-    session.Paths.UserLocalPath = temp_.path().string();
+    session.Paths.UserLocalPath = dir_.path().string();
     testing::UseGoldenCarForStudy(session);
     profiles_ = {ThreeSineProfile("a.ERD")};
     getParam_補修形状検討_3波分解(session, StudyForm(), stored_);
@@ -37,7 +30,6 @@ class StudyDriversTest : public testing::SessionTest {
   }
   ProfileRecord& Road() { return profiles_[0]; }
 
-  TempDir temp_;
   std::vector<ProfileRecord> profiles_;
   std::vector<std::int32_t> rows_{1};
   ThreeWaveParams stored_;
@@ -159,7 +151,7 @@ TEST_F(StudyDriversTest, RegisteredWavesBecomeProfilesWithTheirMarks) {
   EXPECT_EQ(list.Items[3].FileName, "a-S.ERD");
   EXPECT_EQ(list.Items[3].WorkCount, 1024);
   EXPECT_NEAR(list.Items[3].WorkProfile[100], list.Items[1].ThreeWave.ShortWave.Values[100], 1e-6);
-  EXPECT_TRUE(std::filesystem::exists(temp_.path() / "Project" / "Profile" / "a-L.ERD"));
+  EXPECT_TRUE(std::filesystem::exists(dir_ / "Project" / "Profile" / "a-L.ERD"));
 }
 
 }  // namespace

@@ -3,18 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
-#include "base/app_paths.h"
 #include "support/expect_values.h"
 #include "support/session_fixture.h"
-#include "support/test_support.h"
 
 // Every expected value below is worked out by hand from the small waves in the comments.
 namespace velmora {
 namespace {
 
-using testing::ScriptedUi;
-using testing::TempDir;
 using testing::ExpectValues;
 
 Array1<double> Wave(std::vector<double> v) { return Array1<double>(std::move(v)); }
@@ -46,10 +43,7 @@ TEST(MWaveRows, ForwardAndBackwardPassesOnASmallWave) {
   // Pass 3: the line from (2, 2) to (5, 3) over the trough; M kept outside the crests.
   const Array1<double> joined = JoinCrests(m, rows);
   ExpectValues(joined, {0, 2, 2 + 1.0 / 3, 2 + 2.0 / 3, 3, 1});
-  EXPECT_EQ(rows[1].Rise, MWaveSeed);
-  EXPECT_EQ(rows[2].Rise, 0.0);
-  EXPECT_EQ(rows[3].Rise, 1.0);
-  EXPECT_EQ(rows[6].Rise, MWaveSeed);
+  EXPECT_EQ((std::vector{rows[1].Rise, rows[2].Rise, rows[3].Rise, rows[6].Rise}), (std::vector{MWaveSeed, 0.0, 1.0, MWaveSeed}));
 }
 
 class MWaveStraightening : public testing::SessionTest {};
@@ -123,100 +117,80 @@ TEST_F(MWaveStraightening, PlanRangeDrawsRunInAndRunOut) {
 }
 
 TEST_F(MWaveStraightening, RunInOfZeroLengthEndsInTheErrorLogWithAClearMessage) {
-  TempDir temp;
-  session.Paths.TempPath = temp.path().string();
-  ScriptedUi ui(session);
   // The plan starts at KP 0.003, sample 4, which is itself a crest.
   WaveSeries out;
   EXPECT_FALSE(Cal_補修形状_M波の直線化(session, 10, Wave(kTen), 0, PlanOnTenSamples(0.003, 0.008), out));
   EXPECT_FALSE(out.Calculated);
   EXPECT_TRUE(out.Values.empty());
-  const std::string text = ui.OnlyMessageText();
+  const std::string text = ui_.OnlyMessageText();
   EXPECT_NE(text.find("0 で除算しました。"), std::string::npos) << text;
   EXPECT_NE(text.find("起点 (インデックス 4)"), std::string::npos) << text;
-  EXPECT_EQ(ui.Messages()[0].Title, "[ bas補修形状計算 : Cal_補修形状_M波の直線化 ]");
-  EXPECT_NE(testing::ReadBytes(temp / "Sorvik_Err.log").find("Cal_"), std::string::npos);
+  EXPECT_EQ(ui_.Messages()[0].Title, "[ bas補修形状計算 : Cal_補修形状_M波の直線化 ]");
+  EXPECT_NE(testing::ReadBytes(dir_ / "Temp" / "Sorvik_Err.log").find("Cal_"), std::string::npos);
 
   // The same at the far end: the plan ends on the crest at 7.
-  ScriptedUi second(session);
+  ui_.Log.clear();
   EXPECT_FALSE(Cal_補修形状_M波の直線化(session, 10, Wave(kTen), 0, PlanOnTenSamples(0.001, 0.006), out));
-  EXPECT_NE(second.OnlyMessageText().find("終点 (インデックス 7)"), std::string::npos);
+  EXPECT_NE(ui_.OnlyMessageText().find("終点 (インデックス 7)"), std::string::npos);
 }
 
 TEST(PlanRangeIndices, RisingFallingCutAndSwapped) {
+  // S, E and whether each end was given.
+  const auto indices = [](const PlanRange& plan) {
+    const PlanIndices got = PlanRangeIndices(41, plan);
+    return std::tuple(got.S, got.E, got.StartGiven, got.EndGiven);
+  };
   PlanRange plan;
-  EXPECT_EQ(PlanRangeIndices(41, plan).S, 1);
-  EXPECT_EQ(PlanRangeIndices(41, plan).E, 41);
+  EXPECT_EQ(indices(plan), std::tuple(1, 41, false, false));
 
-  // 41 samples at 0.25 m from KP 10.000: the last sample is at 10.010.
+  // 41 samples at 0.25 m from KP 10.000: the last sample is at 10.010. 2.4 m is 9.6 pitches, the
+  // nearest sample 11; 5 m is 20 pitches, sample 21.
   plan.Use = true;
   plan.FirstKp = 10.0;
   plan.PitchM = 0.25;
-  plan.StartKp = 10.0024;  // 2.4 m: 9.6 pitches, nearest sample 11
-  plan.EndKp = 10.005;     // 20 pitches: sample 21
-  PlanIndices got = PlanRangeIndices(41, plan);
-  EXPECT_EQ(got.S, 11);
-  EXPECT_EQ(got.E, 21);
-  EXPECT_TRUE(got.StartGiven);
-  EXPECT_TRUE(got.EndGiven);
-
+  plan.StartKp = 10.0024;
+  plan.EndKp = 10.005;
+  EXPECT_EQ(indices(plan), std::tuple(11, 21, true, true));
   std::swap(plan.StartKp, plan.EndKp);  // given the wrong way round
-  got = PlanRangeIndices(41, plan);
-  EXPECT_EQ(got.S, 11);
-  EXPECT_EQ(got.E, 21);
+  EXPECT_EQ(indices(plan), std::tuple(11, 21, true, true));
 
   plan.StartKp = 9.9;  // before the profile: cut to sample 1, no longer given
   plan.EndKp = MWaveSeed;
-  got = PlanRangeIndices(41, plan);
-  EXPECT_EQ(got.S, 1);
-  EXPECT_EQ(got.E, 41);
-  EXPECT_FALSE(got.StartGiven);
-  EXPECT_FALSE(got.EndGiven);
+  EXPECT_EQ(indices(plan), std::tuple(1, 41, false, false));
 
   // Falling KP from 10.010: KP 10.0075 is 10 pitches in (sample 11), 10.0025 is 30 (sample 31).
   plan.FirstKp = 10.010;
   plan.KpSign = 1;
   plan.StartKp = 10.0025;
   plan.EndKp = 10.0075;
-  got = PlanRangeIndices(41, plan);
-  EXPECT_EQ(got.S, 11);
-  EXPECT_EQ(got.E, 31);
-  EXPECT_TRUE(got.StartGiven && got.EndGiven);
+  EXPECT_EQ(indices(plan), std::tuple(11, 31, true, true));
 }
 
-class MWaveExtrema : public testing::SessionTest {};
-
-TEST_F(MWaveExtrema, CrestsAndTroughsInIndexOrder) {
+TEST_F(MWaveStraightening, CrestsAndTroughsInIndexOrder) {
   std::vector<MWaveExtremum> crests, troughs;
   ASSERT_TRUE(Cal_補修形状_M波の山谷情報(session, 8, Wave({0, 4, 3, 1, 0, 2, 5, 1}), crests, troughs));
-  ASSERT_EQ(crests.size(), 2u);
-  EXPECT_EQ(crests[0].Index, 2);
-  EXPECT_EQ(crests[0].Value, 4.0);
-  EXPECT_EQ(crests[1].Index, 7);
-  ASSERT_EQ(troughs.size(), 1u);
-  EXPECT_EQ(troughs[0].Index, 5);
-  EXPECT_EQ(troughs[0].Value, 0.0);
+  // Index and value of each.
+  auto points = [](const std::vector<MWaveExtremum>& v) {
+    std::vector<std::pair<std::int32_t, double>> out;
+    for (const auto& e : v) out.emplace_back(e.Index, e.Value);
+    return out;
+  };
+  EXPECT_EQ(points(crests), (std::vector<std::pair<std::int32_t, double>>{{2, 4}, {7, 5}}));
+  EXPECT_EQ(points(troughs), (std::vector<std::pair<std::int32_t, double>>{{5, 0}}));
 }
 
-class MWaveRecalculation : public testing::SessionTest {};
-
-TEST_F(MWaveRecalculation, KeptPointsSortedAndJoinedWithTheirAdjustment) {
+TEST_F(MWaveStraightening, RecalculationSortsTheKeptPointsJoinsThemAndRefusesTwoOnOneSample) {
   // Heights: (2) 1 + 1 = 2, (5) 4 + 1 = 5, (7) 0 + 1 = 1; the point at 3 is left out.
   const std::vector<StudyPoint> points{{5, 4, 1}, {3, MWaveSeed, 7}, {2, 1, 1}, {7, 0, 1}};
   StudyTarget target;
   ASSERT_TRUE(Cal_補修形状_M波の再計算(session, Wave({10, 10, 10, 10, 10, 10, 10, 10}), points, target));
   ExpectValues(target.Outcome.MPrime.Wave.Values, {10, 2, 3, 4, 5, 3, 1, 10});
   EXPECT_TRUE(target.Recalculated);
-}
-
-TEST_F(MWaveRecalculation, TwoPointsOnOneSampleGoToTheErrorLog) {
-  TempDir temp;
-  session.Paths.TempPath = temp.path().string();
-  ScriptedUi ui(session);
-  StudyTarget target;
-  EXPECT_FALSE(Cal_補修形状_M波の再計算(session, Wave({0, 0, 0}), {{2, 1, 0}, {2, 3, 0}}, target));
-  EXPECT_FALSE(target.Recalculated);
-  EXPECT_NE(ui.OnlyMessageText().find("重複"), std::string::npos);
+  // Two points on one sample go to the error log.
+  StudyTarget twice;
+  EXPECT_FALSE(Cal_補修形状_M波の再計算(session, Wave({0, 0, 0}), {{2, 1, 0}, {2, 3, 0}}, twice));
+  EXPECT_FALSE(twice.Recalculated);
+  EXPECT_NE(ui_.OnlyMessageText().find("重複"), std::string::npos);
 }
 
 }  // namespace

@@ -2,13 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include "support/checks.h"
+#include "support/expect_values.h"
 #include "support/session_fixture.h"
-#include "support/test_support.h"
 
 namespace velmora {
 namespace {
 
-using testing::ScriptedUi;
+using testing::ExpectValues;
 
 const std::vector<StudyPoint> kTable{{2, 4, 0, 0}, {5, 4.6, 0, kPointTrough}, {7, 5, 0, 0}};
 const char* const kTaken = "指定された検討対象名は既に登録されています。\r\n指定検討対象名：";
@@ -16,52 +17,36 @@ const char* const kTaken = "指定された検討対象名は既に登録され�
 class StudyNames : public testing::SessionTest {};
 
 TEST_F(StudyNames, SuffixesAndTheUniqueNameLoop) {
-  ScriptedUi ui(session);
   std::vector<StudyTarget> studies;
-  ui.Inputs = {"案A"};
+  ui_.Inputs = {"案A"};
   ASSERT_EQ(CreateStudy(session, studies, StudyForm::Thickness, kTable), 0u);
   EXPECT_EQ(studies[0].Name, "案A[厚]");
-  EXPECT_EQ(ui.Log[0].Text, "検討対象名を指定してください。");
-  EXPECT_EQ(ui.Log[0].Title, "新規作成");
+  testing::ExpectShown(ui_.Log.at(0), {"検討対象名を指定してください。", "新規作成"});
+  // The new study copies the points of the calculated table.
+  EXPECT_EQ(studies[0].Points, (std::vector<double>{2, 5, 7}));
+  EXPECT_EQ(studies[0].Flags, (std::vector<std::uint8_t>{0, kPointTrough, 0}));
+  EXPECT_FALSE(studies[0].Adjusted);
 
   // The same typed name on the plan form differs by its suffix.
-  ui.Inputs = {"案A"};
+  ui_.Inputs = {"案A"};
   ASSERT_EQ(CreateStudy(session, studies, StudyForm::Spacing, kTable), 1u);
   EXPECT_EQ(studies[1].Name, "案A[間]");
 
   // A taken name is refused with the warning, and asked again until a new one comes.
-  ui.Log.clear();
-  ui.Inputs = {"案A", " 案a ", "案B"};
+  ui_.Inputs = {"案A", " 案a ", "案B"};
   ASSERT_EQ(CreateStudy(session, studies, StudyForm::Thickness, kTable), 2u);
   EXPECT_EQ(studies[2].Name, "案B[厚]");
-  const auto warnings = ui.Messages();
-  ASSERT_EQ(warnings.size(), 2u);
-  EXPECT_EQ(warnings[0].Text, std::string(kTaken) + "案A[厚]");
-  EXPECT_EQ(warnings[0].Title, "警告");
-  EXPECT_EQ(warnings[1].Text, std::string(kTaken) + "案a[厚]");
+  testing::ExpectMessages(ui_, {{std::string(kTaken) + "案A[厚]", "警告"}, {std::string(kTaken) + "案a[厚]"}});
 
   // Cancel, or an empty answer, ends the step with nothing added.
-  ui.Inputs = {"案A"};  // taken, then the queue is empty: cancelled
+  ui_.Inputs = {"案A"};  // taken, then the queue is empty: cancelled
   EXPECT_FALSE(CreateStudy(session, studies, StudyForm::Thickness, kTable));
-  ui.Inputs = {"  "};
+  ui_.Inputs = {"  "};
   EXPECT_FALSE(CreateStudy(session, studies, StudyForm::Thickness, kTable));
   EXPECT_EQ(studies.size(), 3u);
 }
 
-TEST_F(StudyNames, NewStudyCopiesThePointsOfTheCalculatedTable) {
-  ScriptedUi ui(session);
-  ui.Inputs = {"x"};
-  std::vector<StudyTarget> studies;
-  CreateStudy(session, studies, StudyForm::Thickness, kTable);
-  EXPECT_EQ(studies[0].Points, (std::vector<double>{2, 5, 7}));
-  EXPECT_EQ(studies[0].Flags, (std::vector<std::uint8_t>{0, kPointTrough, 0}));
-  EXPECT_FALSE(studies[0].Adjusted);
-}
-
-class StudyLists : public testing::SessionTest {};
-
-TEST_F(StudyLists, FixedFirstItemDeleteAndRename) {
-  ScriptedUi ui(session);
+TEST_F(StudyNames, ListsHaveAFixedFirstItemDeleteAndRename) {
   std::vector<StudyTarget> studies(2);
   studies[0].Name = "a[厚]";
   studies[1].Name = "b[間]";
@@ -70,22 +55,19 @@ TEST_F(StudyLists, FixedFirstItemDeleteAndRename) {
 
   // Row 0 is the fixed item: nothing is asked and nothing goes.
   EXPECT_FALSE(StudyListKeyDown(session, studies, StudyList::Targets, 0, kKeyDelete));
-  EXPECT_TRUE(ui.Log.empty());
+  EXPECT_TRUE(ui_.Log.empty());
 
-  ui.Answers = {MsgAnswer::No};
+  ui_.Answers = {MsgAnswer::No, MsgAnswer::Yes};
   EXPECT_FALSE(StudyListKeyDown(session, studies, StudyList::Targets, 1, kKeyDelete));
-  EXPECT_EQ(ui.Messages()[0].Text, "a[厚] を検討対象から削除します。\r\nよろしいですか？");
-  EXPECT_EQ(ui.Messages()[0].Title, "確認");
   EXPECT_EQ(studies.size(), 2u);
-
-  ui.Answers = {MsgAnswer::Yes};
   EXPECT_TRUE(StudyListKeyDown(session, studies, StudyList::MWaveChoice, 2, kKeyDelete));
-  EXPECT_EQ(ui.Messages()[1].Text, "b[間] をM波選択から削除します。\r\nよろしいですか？");
+  testing::ExpectMessages(ui_, {{"a[厚] を検討対象から削除します。\r\nよろしいですか？", "確認"},
+                                {"b[間] をM波選択から削除します。\r\nよろしいですか？", "確認"}});
   ASSERT_EQ(studies.size(), 1u);
   EXPECT_EQ(StudyListItems(studies)[0], "----------【 調整なし 】----------");
 
   // F2 renames through the creation dialog; the study keeps its kind.
-  ui.Inputs = {"c"};
+  ui_.Inputs = {"c"};
   EXPECT_TRUE(StudyListKeyDown(session, studies, StudyList::Targets, 1, kKeyF2));
   EXPECT_EQ(studies[0].Name, "c[厚]");
 }
@@ -100,21 +82,17 @@ TEST(StudyAdjustment, ThicknessAtAPointBendsTheLineThroughIt) {
   target.Thickness = {0, 0, 0};
 
   // Unadjusted, the thickness is M' - M between the outer points and 0 outside them.
-  Array1<double> adjust = UserAdjustOf(m, calculated, target);
-  const double plain[] = {0, 0, 1.2, 3.4, 4.6, 2.8, 0, 0};
-  for (int i = 1; i <= 8; ++i) EXPECT_NEAR(adjust[i], plain[i - 1], 1e-12) << i;
+  const std::vector<double> plain = {0, 0, 1.2, 3.4, 4.6, 2.8, 0, 0};
+  ExpectValues(UserAdjustOf(m, calculated, target), plain);
 
   // 0.5 mm more at the trough: the line runs (2, 4) - (5, 5.1) - (7, 5).
   SetPointThickness(target, 1, 0.5);
   EXPECT_TRUE(target.Adjusted);
-  adjust = UserAdjustOf(m, calculated, target);
-  const double raised[] = {0, 0, 4 + 1.1 / 3 - 3, 4 + 2.2 / 3 - 1, 5.1, 5.05 - 2, 0, 0};
-  for (int i = 1; i <= 8; ++i) EXPECT_NEAR(adjust[i], raised[i - 1], 1e-12) << i;
+  ExpectValues(UserAdjustOf(m, calculated, target), {0, 0, 4 + 1.1 / 3 - 3, 4 + 2.2 / 3 - 1, 5.1, 5.05 - 2, 0, 0});
 
   // Taking the trough out joins the crests straight again.
   SetPointExcluded(target, 1, true);
-  adjust = UserAdjustOf(m, calculated, target);
-  for (int i = 1; i <= 8; ++i) EXPECT_NEAR(adjust[i], plain[i - 1], 1e-12) << i;
+  ExpectValues(UserAdjustOf(m, calculated, target), plain);
 }
 
 }  // namespace

@@ -3,24 +3,21 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <vector>
+#include <tuple>
 
-#include "base/app_paths.h"
 #include "study_fixture.h"
+#include "support/checks.h"
 #include "support/session_fixture.h"
-#include "support/test_support.h"
 
 namespace velmora {
 namespace {
 
-using testing::ScriptedUi;
 using testing::StudyForm;
-using testing::TempDir;
 using testing::ThreeSineProfile;
 
-class ThreeWaveParameters : public testing::SessionTest {};
+class ThreeWave : public testing::SessionTest {};
 
-TEST_F(ThreeWaveParameters, ChecksInOrderWithTheirMessagesAndFocus) {
+TEST_F(ThreeWave, ChecksInOrderWithTheirMessagesAndFocus) {
   struct Case {
     ThreeWaveForm form;
     const char* message;
@@ -46,28 +43,25 @@ TEST_F(ThreeWaveParameters, ChecksInOrderWithTheirMessagesAndFocus) {
       {with([](auto& f) { f.IriLength = "十"; }), "IRI算出基準長は数値で指定して下さい。", ThreeWaveField::IriLength},
   };
   for (const Case& c : cases) {
-    ScriptedUi ui(session);
+    ui_.Log.clear();
     ThreeWaveParams params;
     ThreeWaveField focus = ThreeWaveField::None;
     EXPECT_FALSE(getParam_補修形状検討_3波分解(session, c.form, params, &focus));
-    EXPECT_EQ(ui.OnlyMessageText(), c.message);
-    EXPECT_EQ(ui.Messages()[0].Title, "警告");
+    testing::ExpectMessages(ui_, {{c.message, "警告"}});
     EXPECT_EQ(focus, c.focus);
   }
 
   // Reversed boundaries are not refused; lines are taken trimmed.
-  ScriptedUi ui(session);
+  ui_.Log.clear();
   ThreeWaveForm form = StudyForm();
   form.LongBoundary = "2";
   form.ShortBoundary = "30";
   form.Lines[3] = " 1.5 ";
   ThreeWaveParams params;
   ASSERT_TRUE(getParam_補修形状検討_3波分解(session, form, params));
-  EXPECT_EQ(params.LongBoundary, 2.0);
-  EXPECT_EQ(params.ShortBoundary, 30.0);
-  EXPECT_EQ(params.IriLength, 10.0);
+  EXPECT_EQ(std::tuple(params.LongBoundary, params.ShortBoundary, params.IriLength), std::tuple(2.0, 30.0, 10.0));
   EXPECT_EQ(params.Lines[3], "1.5");
-  EXPECT_TRUE(ui.Log.empty());
+  EXPECT_TRUE(ui_.Log.empty());
 }
 
 // RMS over the middle half, away from the fold at both ends.
@@ -78,9 +72,7 @@ double MiddleRms(const Array1<double>& a) {
   return std::sqrt(sum / static_cast<double>(to - from));
 }
 
-class ThreeWaveSplitOfOneSeries : public testing::SessionTest {};
-
-TEST_F(ThreeWaveSplitOfOneSeries, PartsAddUpToTheProfileAndEachSineLandsInItsWave) {
+TEST_F(ThreeWave, OneSplitsPartsAddUpToTheProfileAndEachSineLandsInItsWave) {
   const ProfileRecord road = ThreeSineProfile();
   WaveSeries L, M, S;
   ASSERT_TRUE(Cal_補修形状3波分解_SUB(session, 51.2, 4.0, road.WorkCount, 0.25, road.WorkProfile, L, M, S));
@@ -101,23 +93,19 @@ TEST_F(ThreeWaveSplitOfOneSeries, PartsAddUpToTheProfileAndEachSineLandsInItsWav
   EXPECT_EQ(M.Values.size(), road.WorkCount);
 }
 
-class ThreeWaveConvergent : public testing::SessionTest {};
-
-TEST_F(ThreeWaveConvergent, SumSettlesOnTheProfile) {
+TEST_F(ThreeWave, ConvergentSumSettlesOnTheProfile) {
   const ProfileRecord road = ThreeSineProfile();
-  ScriptedUi ui(session);
   WaveSeries L, M, S;
   ASSERT_TRUE(Cal_収束計算による波形分解(session, 51.2, 4.0, road.WorkCount, 0.25, road.WorkProfile, 5, L, M, S));
   for (std::int32_t i = 1; i <= road.WorkCount; ++i)
     ASSERT_NEAR(L.Values[i] + M.Values[i] + S.Values[i], road.WorkProfile[i], 1e-9) << i;
   EXPECT_NEAR(MiddleRms(M.Values), 3 / std::sqrt(2.0), 0.15);
-  EXPECT_EQ(ui.Log.front().Text, "収束計算中  1 / 5 ・・・・");
+  EXPECT_EQ(ui_.Log.front().Text, "収束計算中  1 / 5 ・・・・");
 }
 
 class ThreeWaveRunTest : public testing::SessionTest {
  protected:
   void SetUp() override {
-    session.Paths.TempPath = temp_.path().string();
     profiles_ = {ThreeSineProfile("a.ERD"), ThreeSineProfile("b.ERD")};
     getParam_補修形状検討_3波分解(session, StudyForm(), params_);
     stored_ = params_;
@@ -125,22 +113,19 @@ class ThreeWaveRunTest : public testing::SessionTest {
   ThreeWaveRun Run(const std::vector<std::int32_t>& rows) {
     return PubCal_補修形状検討_3波分解(session, profiles_, rows, params_, stored_);
   }
-  TempDir temp_;
   std::vector<ProfileRecord> profiles_;
   ThreeWaveParams params_, stored_;
 };
 
 TEST_F(ThreeWaveRunTest, SplitsOnlyWhatIsNotValidAndShowsNothingWhenUnchanged) {
-  ScriptedUi ui(session);
   EXPECT_FALSE(Run({}).StudyReset);
-  EXPECT_TRUE(ui.Log.empty());  // no selection: a quiet success
+  EXPECT_TRUE(ui_.Log.empty());  // no selection: a quiet success
 
   ASSERT_TRUE(Run({2}).Ok);
   EXPECT_FALSE(profiles_[0].ThreeWave.Valid);
   ASSERT_TRUE(profiles_[1].ThreeWave.Valid);
-  EXPECT_EQ(ui.Log[0].Kind, "progress-start");
-  EXPECT_EQ(ui.Log[0].Title, "３波長分解");
-  EXPECT_EQ(ui.Log[0].Text, "しばらくお待ちください。");
+  EXPECT_EQ(ui_.Log[0].Kind, "progress-start");
+  testing::ExpectShown(ui_.Log[0], {"しばらくお待ちください。", "３波長分解"});
 
   // A valid split is not made again.
   profiles_[1].ThreeWave.MiddleWave.Values[1] = 12345;
@@ -150,11 +135,10 @@ TEST_F(ThreeWaveRunTest, SplitsOnlyWhatIsNotValidAndShowsNothingWhenUnchanged) {
   EXPECT_EQ(profiles_[1].ThreeWave.MiddleWave.Values[1], 12345);
   EXPECT_EQ(profiles_[1].Studies.size(), 1u);
   EXPECT_TRUE(profiles_[0].ThreeWave.Valid);
-  EXPECT_TRUE(ui.Messages().empty());
+  EXPECT_TRUE(ui_.Messages().empty());
 }
 
-TEST_F(ThreeWaveRunTest, AChangedIriLengthAloneResetsEveryProfilesStudy) {
-  ScriptedUi ui(session);
+TEST_F(ThreeWaveRunTest, AChangedIriLengthOrBandLineAloneResetsEveryProfilesStudy) {
   ASSERT_TRUE(Run({1, 2}).Ok);
   profiles_[0].ThreeWave.MiddleWave.Values[1] = 12345;
   profiles_[0].Studies.resize(2);
@@ -166,8 +150,7 @@ TEST_F(ThreeWaveRunTest, AChangedIriLengthAloneResetsEveryProfilesStudy) {
   EXPECT_TRUE(run.StudyReset);
   EXPECT_EQ(stored_.IriLength, 20.0);
   EXPECT_EQ(session.CurrentConditions.RepairIri.IriBaseLength, 20.0);
-  EXPECT_EQ(ui.OnlyMessageText(), "補修形状算出の境界値が変更されました。\r\nＭ波、Ｓ波、理想形状案のデータが初期化されます。");
-  EXPECT_EQ(ui.Messages()[0].Title, "確認");
+  testing::ExpectMessages(ui_, {{"補修形状算出の境界値が変更されました。\r\nＭ波、Ｓ波、理想形状案のデータが初期化されます。", "確認"}});
   // The selected profile is split anew, the other one waits for its next run.
   EXPECT_TRUE(profiles_[0].ThreeWave.Valid);
   EXPECT_NE(profiles_[0].ThreeWave.MiddleWave.Values[1], 12345);
@@ -175,9 +158,14 @@ TEST_F(ThreeWaveRunTest, AChangedIriLengthAloneResetsEveryProfilesStudy) {
   EXPECT_TRUE(profiles_[0].Studies.empty());
   EXPECT_TRUE(profiles_[1].Studies.empty());
   EXPECT_FALSE(profiles_[1].RepairStudy.MiddleValid);
+
+  // A changed band line text alone resets too.
+  params_.Lines[9] = "0.5";
+  EXPECT_TRUE(Run({1}).StudyReset);
+  EXPECT_EQ(session.CurrentConditions.RepairBandLines.Value[9], 0.5);
 }
 
-TEST_F(ThreeWaveParameters, BoxesFilledFromTheConditionsPassTheirOwnChecks) {
+TEST_F(ThreeWave, BoxesFilledFromTheConditionsPassTheirOwnChecks) {
   CalcConditions conditions;
   conditions.RepairIri.IriBaseLength = 10;
   conditions.RepairBandLines.Value.fill(kNoValue);
@@ -191,14 +179,6 @@ TEST_F(ThreeWaveParameters, BoxesFilledFromTheConditionsPassTheirOwnChecks) {
   ASSERT_TRUE(getParam_補修形状検討_3波分解(session, form, fromBoxes));
   // A first run with untouched boxes finds nothing changed.
   EXPECT_EQ(fromBoxes, ThreeWaveParamsFromConditions(conditions));
-}
-
-TEST_F(ThreeWaveRunTest, AChangedBandLineTextAlsoResets) {
-  ScriptedUi ui(session);
-  ASSERT_TRUE(Run({1}).Ok);
-  params_.Lines[9] = "0.5";
-  EXPECT_TRUE(Run({1}).StudyReset);
-  EXPECT_EQ(session.CurrentConditions.RepairBandLines.Value[9], 0.5);
 }
 
 }  // namespace
