@@ -11,14 +11,12 @@
 #include "analysis/prepare_profile.h"
 #include "analysis/psd.h"
 #include "base/error_log.h"
-#include "base/file_export_name.h"
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/legacy_math.h"
 #include "base/text_encoding.h"
 #include "base/user_interaction.h"
 #include "evaluation/correlation_tables.h"
-#include "evaluation/csv_folder.h"
 #include "evaluation/profile_extent.h"
 #include "profile/erd_file.h"
 
@@ -206,39 +204,6 @@ std::string ShiftedTitleSuffix(std::int32_t shift) {
   return (shift >= 0 ? "(-" : "(+") + std::to_string(std::abs(shift)) + "P)";
 }
 
-bool SaveCrossCorrelation(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
-                          const CorrelationResults& results, const IriParams& iri, const std::string& namePattern,
-                          const CorrelationPsdOptions& psd) {
-  if (!results.Valid) return false;
-  bool saved = false;
-  Guarded(session, kModule, "cmdSave相互相関_Click", [&] {
-    CorrelationOptions options = results.Options;
-    CorrelationSelection selection;
-    if (!CheckCorrelationOptions(session, list, selectedRows, options, selection)) return;
-    // The files always hold the figures without the IRI filter; the IRI and PSD columns are taken
-    // from the same run, so that the error rates in them agree with the values beside them.
-    CorrelationResults unfiltered;
-    const CorrelationResults* toWrite = &results;
-    if (results.UsedIriFilter) {
-      if (!RunCrossCorrelation(session, list, selectedRows, results.Options, iri, unfiltered, true, psd)) return;
-      toWrite = &unfiltered;
-    }
-
-    const std::filesystem::path folder = AskCsvFolder(session);
-    if (folder.empty()) return;
-    const std::tm now = LocalNow();
-    const std::string first = toWrite->Selection.Names.empty() ? "" : toWrite->Selection.Names[0];
-    for (std::size_t t = 0; t < kMeasureCaptions.size(); ++t) {
-      const std::string kind(kMeasureCaptions[t]);
-      const std::string name = FileExportName(namePattern, "CC_" + kind + "_$(YYYYMMDDHHNNSS)$", first,
-                                              {{"$(出力種別)$", kind}}, now);
-      WriteSystemTextFile(folder / (name + ".CSV"), CorrelationCsvLines(*toWrite, static_cast<std::int32_t>(t)));
-    }
-    ShowCsvSaved(session, folder);
-    saved = true;
-  });
-  return saved;
-}
 
 std::vector<std::string> RegisterShiftedProfiles(Session& session, ProfileList& list, const CorrelationResults& results) {
   return RegisterShiftedProfiles(session, list, results,

@@ -88,14 +88,6 @@ bool RunCrossCorrelation(Session& session, const ProfileList& list, std::span<co
                          const CorrelationOptions& options, const IriParams& iri, CorrelationResults& results,
                          bool withoutFilter = false, const CorrelationPsdOptions& psd = {});
 
-// "保存": re-runs without the IRI filter when the results used it, asks for the folder and writes six
-// CSV files, one per measure. `namePattern` is the "FileExportName" setting of the kind (may be
-// empty). False when nothing was written (no results, check refused, cancelled, or an error, which
-// is logged as "cmdSave相互相関_Click"; files already written stay).
-bool SaveCrossCorrelation(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
-                          const CorrelationResults& results, const IriParams& iri, const std::string& namePattern,
-                          const CorrelationPsdOptions& psd = {});
-
 // "ずらし量適用登録": a copy of each later profile moved by its shift against the first, written as ERD
 // in the project's profile folder and registered in `list` at once. Returns the new names (none when
 // every shift is 0). Errors are logged as "cmd精度検証ずらし量登録" and give an empty list.

@@ -10,12 +10,10 @@
 #include "analysis/octave.h"
 #include "base/app_paths.h"
 #include "base/error_log.h"
-#include "base/file_export_name.h"
 #include "base/legacy_format.h"
 #include "base/settings.h"
 #include "base/text_encoding.h"
 #include "base/user_interaction.h"
-#include "evaluation/csv_folder.h"
 #include "evaluation/profile_extent.h"
 
 namespace velmora {
@@ -364,34 +362,5 @@ bool RunStatisticsOnSplit(Session& session, const ProfileList& list, std::span<c
   return done;
 }
 
-bool SaveStatistics(Session& session, const StatisticsResults& results, const std::string& firstProfileName,
-                    const std::string& namePattern) {
-  if (!results.Valid) {
-    session.Ui().Message("統計値が計算されていません。", "警告", MsgIcon::Exclamation, MsgButtons::Ok, MsgAnswer::Ok);
-    return false;
-  }
-  bool saved = false;
-  Guarded(session, "frmTop", "cmdSave統計値", [&] {
-    const std::filesystem::path folder = AskCsvFolder(session);
-    if (folder.empty()) return;
-    const std::tm now = LocalNow();
-    for (const StatisticsPage& page : results.Pages) {
-      if (page.Empty()) continue;
-      std::vector<std::string> lines;
-      lines.reserve(page.RowCount());
-      for (std::size_t r = 0; r < page.RowCount(); ++r) {
-        std::string line;
-        for (std::size_t c = 0; c < page.Width(); ++c) line += (c == 0 ? "" : ",") + page.Cell(r, c);
-        lines.push_back(std::move(line));
-      }
-      const std::string name = FileExportName(namePattern, "統計値_" + page.Caption + "_$(YYYYMMDDHHNNSS)$",
-                                              firstProfileName, {{"$(出力種別)$", page.Caption}}, now);
-      WriteSystemTextFile(folder / (name + ".CSV"), lines);
-    }
-    ShowCsvSaved(session, folder);
-    saved = true;
-  });
-  return saved;
-}
 
 }  // namespace velmora

@@ -110,10 +110,4 @@ bool RunStatisticsOnSplit(Session& session, const ProfileList& list, std::span<c
                           StatisticsSelection selection, const StatisticsRequest& request,
                           StatisticsResults& results);
 
-// "保存": one CSV file per page that holds data, in a folder the user picks. `namePattern` is the
-// "FileExportName" setting (may be empty); the first selected profile's name stands for
-// "$(PROFILENAME)$". False when nothing was written.
-bool SaveStatistics(Session& session, const StatisticsResults& results, const std::string& firstProfileName,
-                    const std::string& namePattern);
-
 }  // namespace velmora

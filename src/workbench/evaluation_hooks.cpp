@@ -7,6 +7,7 @@
 #include "base/file_export_name.h"
 #include "base/session.h"
 #include "base/user_interaction.h"
+#include "report/evaluation_files.h"
 #include "workbench/workbench.h"
 
 namespace velmora::workbench {

@@ -31,11 +31,6 @@ class CrossCorrelationTest : public testing::EvaluationTest {
     const CorrelationOptions options{.MaxShiftText = maxShift, .FilterMode = filterMode};
     return RunCrossCorrelation(session, list, AllRows(list), options, session.CurrentConditions.Iri, results);
   }
-  bool Save(const ProfileList& list, const CorrelationResults& results, const std::string& folder,
-            const std::string& pattern = "") {
-    ui_.Files.push_back({folder});
-    return SaveCrossCorrelation(session, list, AllRows(list), results, session.CurrentConditions.Iri, pattern);
-  }
 };
 
 TEST_F(CrossCorrelationTest, CheckGivesItsMessagesInOrderAndSelectsTheShiftBox) {
@@ -152,42 +147,6 @@ TEST_F(CrossCorrelationTest, RunFailuresGoThroughTheErrorPathAndKeepTheResults) 
   const CorrelationOptions half{.MaxShiftMode = 0, .FilterMode = 0};
   EXPECT_FALSE(RunCrossCorrelation(session, longer, AllRows(longer), half, session.CurrentConditions.Iri, results));
   EXPECT_NE(ui_.OnlyMessageText().find("オーバーフロー"), std::string::npos);
-}
-
-TEST_F(CrossCorrelationTest, SaveWritesSixFilesNamedByMeasureFromARunWithoutTheFilter) {
-  const ProfileList list = ListOf({P("A", Road(300, 3)), P("B", Road(300))});
-  CorrelationResults results;
-  ASSERT_TRUE(Run(list, results));
-
-  TempDir out;
-  ASSERT_TRUE(Save(list, results, out.path().string()));
-  const auto names = testing::EntryNames(out.path());
-  ASSERT_EQ(names.size(), 6u);
-  const std::regex stamp("CC_(相互相関値|一致度|ずらし量|標準偏差比|IRI誤差率|PSD誤差率)_[0-9]{14}\\.CSV");
-  for (const auto& name : names) EXPECT_TRUE(std::regex_match(name, stamp)) << name;
-  testing::ExpectShown(ui_.Messages().back(), {"CSV形式で以下のフォルダに保存しました。\r\n\r\n保存先：" + out.path().string(), "データ保存"});
-
-  // A set pattern; the shift file names B against A with shift 3, in Shift-JIS with CR LF.
-  TempDir named;
-  ASSERT_TRUE(Save(list, results, named.path().string(), "$(PROFILENAME)$_$(出力種別)$"));
-  const auto lines = ReadSystemTextLines(named / "A_ずらし量.CSV");
-  EXPECT_EQ(lines[0], ",,,,,,,ずらし量");
-  EXPECT_EQ(lines[2], "A,B,3,3.00000");
-  EXPECT_NE(testing::ReadBytes(named / "A_ずらし量.CSV").find("\r\n"), std::string::npos);
-  // The folder is remembered and offered the next time.
-  EXPECT_FALSE(Save(list, results, ""));
-  EXPECT_EQ(ui_.Log.back().Kind, "folder");
-  EXPECT_EQ(ui_.Log.back().Text, named.path().string());
-
-  // Filtered results are written from a run without the filter; the shown results stay as they are.
-  CorrelationResults filtered;
-  ASSERT_TRUE(Run(list, filtered, 1));
-  const std::string rho = MeasureText(results, 0, 1, 2);
-  ASSERT_NE(rho, MeasureText(filtered, 0, 1, 2));
-  TempDir out2;
-  ASSERT_TRUE(Save(list, filtered, out2.path().string(), "$(出力種別)$"));
-  EXPECT_EQ(ReadSystemTextLines(out2 / "相互相関値.CSV")[2], "A,B," + rho + "," + rho);
-  EXPECT_TRUE(filtered.UsedIriFilter);
 }
 
 TEST_F(CrossCorrelationTest, ALagOfThreeRegistersBMinusThreePWithItsKpMoved) {

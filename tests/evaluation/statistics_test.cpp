@@ -169,31 +169,5 @@ TEST_F(StatisticsTest, IriPagesScaleWithTheProfileAndListTheFixedSections) {
   EXPECT_TRUE(results.Pages[6].Empty());
 }
 
-TEST_F(StatisticsTest, SaveWritesOneFilePerPageWithDataNamedByCaption) {
-  StatisticsResults none;
-  EXPECT_FALSE(SaveStatistics(session, none, "A", ""));
-  EXPECT_EQ(ui_.OnlyMessageText(), "統計値が計算されていません。");
-
-  ProfileList list = ListOf({PlainRamp("A", 400, 1.0)});
-  StatisticsResults results;
-  ASSERT_TRUE(Run(list, MeanOfFullWave(), results));
-  TempDir out;
-  ui_.Files.push_back({out.path().string()});
-  ASSERT_TRUE(SaveStatistics(session, results, "A", ""));
-  const auto names = testing::EntryNames(out.path());
-  ASSERT_EQ(names.size(), 4u);  // the four profile pages; the IRI pages hold nothing
-  const std::regex pattern("統計値_(全区間|10m|100m|200m)\\(Prof\\)_[0-9]{14}\\.CSV");
-  for (const auto& name : names) EXPECT_TRUE(std::regex_match(name, pattern)) << name;
-  EXPECT_EQ(ui_.Messages().back().Title, "データ保存");
-
-  TempDir named;
-  ui_.Files.push_back({named.path().string()});
-  ASSERT_TRUE(SaveStatistics(session, results, "A", "$(PROFILENAME)$-$(出力種別)$"));
-  const auto lines = ReadSystemTextLines(named / "A-10m(Prof).CSV");
-  ASSERT_GE(lines.size(), 5u);
-  EXPECT_EQ((std::vector(lines.begin(), lines.begin() + 5)),
-            (Row{"プロファイル,A", "帯域,全波長", "統計値,平均 μ", "KP,", "1.000,20.50000000"}));
-}
-
 }  // namespace
 }  // namespace velmora
