@@ -8,23 +8,19 @@
 #include <string>
 #include <vector>
 
-#include "base/app_paths.h"
 #include "base/common.h"
-#include "base/settings.h"
+#include "support/analysis_fixture.h"
 #include "support/expect_values.h"
 #include "support/session_fixture.h"
-#include "support/test_support.h"
 
 namespace velmora {
 namespace {
 
 using testing::ExpectValues;
 
-std::vector<double> Reduced(double limit, std::vector<double> wave, double* lo = nullptr, double* hi = nullptr) {
-  double minimum = -1, maximum = -1;
-  ReduceHalfWaves(limit, wave, minimum, maximum);
-  if (lo) *lo = minimum;
-  if (hi) *hi = maximum;
+std::vector<double> Reduced(double limit, std::vector<double> wave) {
+  double lo = 0, hi = 0;
+  ReduceHalfWaves(limit, wave, lo, hi);
   return wave;
 }
 
@@ -39,10 +35,12 @@ class ReduceHalfWavesTest : public ::testing::TestWithParam<HalfWaves> {};
 
 TEST_P(ReduceHalfWavesTest, ByHand) {
   const HalfWaves& c = GetParam();
+  std::vector<double> wave = c.wave, range = c.reduced.empty() ? std::vector<double>{0} : c.reduced;
   double lo = 7, hi = 7;
-  ExpectValues(Reduced(c.limit, c.wave, &lo, &hi), c.reduced);
-  EXPECT_NEAR(lo, c.reduced.empty() ? 0 : *std::min_element(c.reduced.begin(), c.reduced.end()), 1e-12);
-  EXPECT_NEAR(hi, c.reduced.empty() ? 0 : *std::max_element(c.reduced.begin(), c.reduced.end()), 1e-12);
+  ReduceHalfWaves(c.limit, wave, lo, hi);
+  ExpectValues(wave, c.reduced);
+  EXPECT_NEAR(lo, *std::ranges::min_element(range), 1e-12);
+  EXPECT_NEAR(hi, *std::ranges::max_element(range), 1e-12);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -83,11 +81,14 @@ TEST(RestoreOutsideRange, HalfWavesReachingTheEndsRestoreNothingThere) {
 
 OctaveBandSet BandsOf(const std::vector<std::vector<double>>& waves) {
   OctaveBandSet set;
-  for (std::size_t k = 1; k <= 9; ++k) {
-    const std::vector<double>& wave = waves[k - 1];
-    set.Band[k].Values = Array1<double>(wave);
-  }
+  for (std::size_t k = 1; k <= 9; ++k) set.Band[k].Values = Array1<double>(waves[k - 1]);
   return set;
+}
+
+std::array<double, 10> NoLimits() {
+  std::array<double, 10> limits;
+  limits.fill(NoLimit);
+  return limits;
 }
 
 class BandReduction : public testing::SessionTest {};
@@ -110,64 +111,44 @@ TEST_F(BandReduction, LimitsFromLineTexts) {
 }
 
 TEST_F(BandReduction, ReducesEachBandAndSumsAllNine) {
-  testing::ScriptedUi ui(session);
   std::vector<std::vector<double>> waves(9, std::vector<double>{0, 0, 0, 0});
   waves[0] = {10, 10, 10, 10};  // octave 1, no line: kept
   waves[2] = {1, 4, -2, -1};    // octave 3, line 2: (1, 4) × 1/2, (−2, −1) kept
   waves[8] = {-6, 3, 3, -3};    // octave 9, line 1.5: each half-wave cut to 1.5
-  const OctaveBandSet bands = BandsOf(waves);
   std::array<std::string, 10> texts;
   texts[3] = "2";
   texts[9] = " 1.5";
   BandReductionResult result;
-  ASSERT_TRUE(Cal_バンド別低減(session, BandLimitsFromTexts(texts), 4, bands, result));
-  const std::vector<double> third = {0.5, 2, -2, -1}, ninth = {-1.5, 1.5, 1.5, -1.5};
-  for (int i = 1; i <= 4; ++i) {
-    EXPECT_EQ(result.Reduced[1].Values[i], 10.0);
-    EXPECT_NEAR(result.Reduced[3].Values[i], third[static_cast<std::size_t>(i - 1)], 1e-12);
-    EXPECT_NEAR(result.Reduced[9].Values[i], ninth[static_cast<std::size_t>(i - 1)], 1e-12);
-  }
-  const std::vector<double> total = {9, 13.5, 9.5, 7.5};
-  for (int i = 1; i <= 4; ++i) EXPECT_NEAR(result.Total.Values[i], total[static_cast<std::size_t>(i - 1)], 1e-12);
+  ASSERT_TRUE(Cal_バンド別低減(session, BandLimitsFromTexts(texts), 4, BandsOf(waves), result));
+  ExpectValues(result.Reduced[1].Values, {10, 10, 10, 10}, 0);
+  ExpectValues(result.Reduced[3].Values, {0.5, 2, -2, -1});
+  ExpectValues(result.Reduced[9].Values, {-1.5, 1.5, 1.5, -1.5});
+  ExpectValues(result.Total.Values, {9, 13.5, 9.5, 7.5});
   EXPECT_NEAR(result.Reduced[9].Stats.Minimum, -1.5, 1e-12);
   EXPECT_NEAR(result.Total.Stats.Maximum, 13.5, 1e-12);
   EXPECT_TRUE(result.Total.Calculated);
 }
 
 TEST_F(BandReduction, RangeKeepsTheReductionOnTheHalfWavesItMeets) {
-  testing::ScriptedUi ui(session);
   std::vector<std::vector<double>> waves(9, std::vector<double>(6, 0.0));
   waves[4] = {4, 4, -4, -4, 4, 4};  // octave 5, line 1
-  const OctaveBandSet bands = BandsOf(waves);
-  std::array<double, 10> limits;
-  limits.fill(NoLimit);
+  std::array<double, 10> limits = NoLimits();
   limits[5] = 1;
   BandReductionResult result;
-  ASSERT_TRUE(Cal_バンド別低減(session, limits, 6, bands, result, true, 3, 3));
-  const std::vector<double> expected = {4, 4, -1, -1, 4, 4};
-  for (int i = 1; i <= 6; ++i) {
-    EXPECT_NEAR(result.Reduced[5].Values[i], expected[static_cast<std::size_t>(i - 1)], 1e-12);
-    EXPECT_NEAR(result.Total.Values[i], expected[static_cast<std::size_t>(i - 1)], 1e-12);
-  }
+  ASSERT_TRUE(Cal_バンド別低減(session, limits, 6, BandsOf(waves), result, true, 3, 3));
+  ExpectValues(result.Reduced[5].Values, {4, 4, -1, -1, 4, 4});
+  ExpectValues(result.Total.Values, {4, 4, -1, -1, 4, 4});
 }
 
 TEST_F(BandReduction, BadRangeIsLoggedAndLeavesTheResult) {
-  testing::TempDir dir;
-  const AppPaths saved = session.Paths;
-  session.Paths.TempPath = dir.path().string();
-  testing::ScriptedUi ui(session);
   const OctaveBandSet bands = BandsOf(std::vector<std::vector<double>>(9, std::vector<double>{1, -1}));
-  std::array<double, 10> limits;
-  limits.fill(NoLimit);
   BandReductionResult result;
   result.Total.Values = Array1<double>({42});
-  EXPECT_FALSE(Cal_バンド別低減(session, limits, 2, bands, result, true, 1, 5));
+  EXPECT_FALSE(Cal_バンド別低減(session, NoLimits(), 2, bands, result, true, 1, 5));
   EXPECT_EQ(result.Total.Values, Array1<double>({42}));
-  ASSERT_EQ(ui.Messages().size(), 1u);
-  EXPECT_EQ(ui.Messages()[0].Title, "[ bas計算共通 : Cal_バンド別低減 ]");
+  EXPECT_EQ(testing::OnlyMessageTitle(ui_), "[ bas計算共通 : Cal_バンド別低減 ]");
   // Bands shorter than the count asked for are refused the same way.
-  EXPECT_FALSE(Cal_バンド別低減(session, limits, 3, bands, result));
-  session.Paths = saved;
+  EXPECT_FALSE(Cal_バンド別低減(session, NoLimits(), 3, bands, result));
 }
 
 }  // namespace

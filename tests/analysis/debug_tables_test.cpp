@@ -21,6 +21,7 @@
 #include "base/app_paths.h"
 #include "base/settings.h"
 #include "base/text_encoding.h"
+#include "support/analysis_fixture.h"
 #include "support/profile_fixture.h"
 #include "support/session_fixture.h"
 #include "support/test_support.h"
@@ -76,9 +77,7 @@ TEST_P(DebugTablesTest, WrittenOnlyWhenAskedForWithTheirHeadsAndHandRows) {
     EXPECT_TRUE(bytes.ends_with("\r\n"));
     EXPECT_EQ(bytes.find("\n"), bytes.find("\r\n") + 1) << "lines end in CR LF";
     const auto lines = ReadSystemTextLines(debug / table.file);
-    if (table.lines > 0) {
-      EXPECT_EQ(lines.size(), table.lines);
-    }
+    if (table.lines > 0) { EXPECT_EQ(lines.size(), table.lines); }
     for (const auto& [row, pattern] : table.rows) {
       if (row != kEveryRow) {
         ASSERT_LT(row, lines.size());
@@ -106,12 +105,8 @@ void FourierHiPass(Session& session) {
 }
 
 void IriOfAWave(Session& session) {
-  AnalysisBlock block;  // 48 samples at 0.25 m
-  block.SamplesPerMetre = 4;
-  block.Count = 48;
-  Array1<double> wave(48);
-  for (int i = 1; i <= 48; ++i) wave[i] = 4 * std::sin(2 * M_PI * (i - 1) / 20);
-  StoreWave(block.Profile, wave);
+  const std::vector<double> wave = testing::Sine(48, 20, 4);  // 48 samples at 0.25 m
+  AnalysisBlock block = testing::BlockWithBands(wave, 0.25, wave);
   IriParams params;
   params.InitFilter = 11;
   CalcIriFilter(DebugTablesOf(session), block, params);

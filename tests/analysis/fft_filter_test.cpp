@@ -6,13 +6,13 @@
 #include <cmath>
 #include <cstring>
 #include <filesystem>
-#include <random>
 #include <vector>
 
 #include "analysis/fft.h"
 #include "base/app_paths.h"
 #include "base/settings.h"
 #include "base/text_encoding.h"
+#include "support/analysis_fixture.h"
 #include "support/expect_values.h"
 #include "support/literal_pass.h"
 #include "support/session_fixture.h"
@@ -21,6 +21,7 @@
 namespace velmora {
 namespace {
 
+using testing::ExpectValues;
 using Mask = std::vector<std::uint8_t>;
 
 Mask MaskOf(std::int32_t n, double dx, FilterKind kind, double longCut, double shortCut) {
@@ -29,14 +30,7 @@ Mask MaskOf(std::int32_t n, double dx, FilterKind kind, double longCut, double s
   return mask.vector();
 }
 
-Array1<double> RandomProfile(std::int32_t n, unsigned seed) {
-  std::mt19937 random(seed);
-  std::normal_distribution<double> step(0.0, 1.0);
-  Array1<double> y(static_cast<std::size_t>(n));
-  double level = 0;
-  for (auto& v : y) v = level += step(random);  // a random walk looks like a road profile
-  return y;
-}
+Array1<double> RandomProfile(std::int32_t n, unsigned seed) { return Array1<double>(testing::RandomWalk(n, seed)); }
 
 bool SameBits(const Array1<double>& a, const Array1<double>& b) {
   return a.size() == b.size() &&
@@ -78,22 +72,16 @@ TEST_F(FftFilterTest, MaskJudgesEachElementOneBinAboveItsHarmonic) {
 
 TEST_F(FftFilterTest, AConstantProfileIsAllLongestWave) {
   // Both folds keep a constant; its only bin is element 1, judged at the whole length 32 m.
-  Array1<double> flat(10);
-  for (auto& v : flat) v = 2.5;
-  struct Case {
-    FilterKind kind;
-    double longCut, shortCut, passed;
-  };
-  for (const Case& c : {Case{FilterKind::HiPass, 10, 0, 0.0}, Case{FilterKind::LowPass, 0, 10, 2.5},
-                        Case{FilterKind::BandPass, 40, 10, 2.5}, Case{FilterKind::BandPass, 20, 10, 0.0},
-                        Case{FilterKind::BandCut, 20, 10, 2.5}}) {
+  const Array1<double> flat(std::vector<double>(10, 2.5));
+  const struct { FilterKind kind; double longCut, shortCut, passed; } cases[] = {
+      {FilterKind::HiPass, 10, 0, 0.0}, {FilterKind::LowPass, 0, 10, 2.5}, {FilterKind::BandPass, 40, 10, 2.5},
+      {FilterKind::BandPass, 20, 10, 0.0}, {FilterKind::BandCut, 20, 10, 2.5}};
+  for (const auto& c : cases) {
     WaveSeries result, other;
+    SCOPED_TRACE(FilterKindName(c.kind));
     ASSERT_TRUE(Single(c.kind, c.longCut, c.shortCut, flat, 1.0, result, other));
-    ASSERT_EQ(result.Values.size(), 10);
-    for (int i = 1; i <= 10; ++i) {
-      EXPECT_NEAR(result.Values[i], c.passed, 1e-12) << FilterKindName(c.kind) << " " << i;
-      EXPECT_NEAR(other.Values[i], 2.5 - c.passed, 1e-12) << FilterKindName(c.kind) << " " << i;
-    }
+    ExpectValues(result.Values, std::vector<double>(10, c.passed));
+    ExpectValues(other.Values, std::vector<double>(10, 2.5 - c.passed));
     EXPECT_TRUE(result.Calculated);
     EXPECT_NEAR(result.Stats.Mean, c.passed, 1e-12);
   }
@@ -121,13 +109,7 @@ TEST_F(FftFilterTest, APassIsTheLiteralComplexStepsWithinRounding) {
       Array1<std::uint8_t> mask;
       MakeFilterMaskOfKind(FftLength2(n), 0.25, kind, 20.0, 2.0, mask);
       const std::vector<double> literal = testing::LiteralMaskedPass(n, profile, mask);
-      double low = profile[1], high = profile[1], worst = 0;
-      for (std::int32_t i = 1; i <= n; ++i) {
-        low = std::min(low, profile[i]);
-        high = std::max(high, profile[i]);
-        worst = std::max(worst, std::abs(result.Values[i] - literal[static_cast<std::size_t>(i - 1)]));
-      }
-      EXPECT_LT(worst / (high - low), 1e-12) << FilterKindName(kind) << " n " << n;
+      EXPECT_LT(testing::WorstRelativeToRange(result.Values, literal, profile), 1e-12) << FilterKindName(kind) << " n " << n;
     }
   }
 }
@@ -135,20 +117,14 @@ TEST_F(FftFilterTest, APassIsTheLiteralComplexStepsWithinRounding) {
 TEST_F(FftFilterTest, SeparatesAShortWaveFromALongOne) {
   // 40 m swell of 100 mm plus a 2 m ripple of 5 mm at 0.1 m pitch; cut at 10 m. Away from the ends
   // (where the folds bend the swell) each side keeps only its own wave.
-  const int n = 3000;
-  const double dx = 0.1, pi = 3.14159265358979;
-  Array1<double> swell(n), ripple(n), profile(n);
-  for (int i = 1; i <= n; ++i) {
-    const double x = (i - 1) * dx;
-    swell[i] = 100 * std::cos(2 * pi * x / 40);
-    ripple[i] = 5 * std::sin(2 * pi * x / 2);
-    profile[i] = swell[i] + ripple[i];
-  }
+  const std::vector<double> swell = testing::Sine(3000, 400, 100, M_PI / 2), ripple = testing::Sine(3000, 20, 5);
+  Array1<double> profile(3000);
+  for (int i = 1; i <= 3000; ++i) profile[i] = swell[i - 1] + ripple[i - 1];
   WaveSeries high, low;
-  ASSERT_TRUE(Single(FilterKind::HiPass, 10, 0, profile, dx, high, low));
-  for (int i = n / 4; i <= 3 * n / 4; ++i) {
-    ASSERT_NEAR(high.Values[i], ripple[i], 0.5) << i;
-    ASSERT_NEAR(low.Values[i], swell[i], 0.5) << i;
+  ASSERT_TRUE(Single(FilterKind::HiPass, 10, 0, profile, 0.1, high, low));
+  for (int i = 750; i <= 2250; ++i) {
+    ASSERT_NEAR(high.Values[i], ripple[i - 1], 0.5) << i;
+    ASSERT_NEAR(low.Values[i], swell[i - 1], 0.5) << i;
   }
 }
 
@@ -197,34 +173,30 @@ TEST_F(FftFilterTest, APassThatRemovesNothingOrBadLengthsEndInTheErrorPath) {
   result.Values = Array1<double>{9.0};
   EXPECT_FALSE(Converge(FilterKind::HiPass, 5, 0, zero, 0.25, result, {1.1, 10}));
   EXPECT_EQ(result.Values, Array1<double>{9.0});  // the last finished pass is not stored
-  ASSERT_EQ(ui_.Messages().size(), 1u);
-  EXPECT_EQ(ui_.Messages()[0].Title, "[ basFFTFilter : Cal_FFTフィルタ_収束計算 ]");
+  EXPECT_EQ(testing::OnlyMessageTitle(ui_), "[ basFFTFilter : Cal_FFTフィルタ_収束計算 ]");
 
   // Lengths that do not hold the profile are logged under the single pass.
+  ui_.Log.clear();
   WaveSeries single, other;
   std::int32_t seq = 0;
-  EXPECT_FALSE(Cal_FFTフィルタ_単体処理(session, seq, 0, 10, 16, 24, 1.0, FilterKind::HiPass, 5, 0, RandomProfile(10, 1), single, other));
-  ASSERT_EQ(ui_.Messages().size(), 2u);
-  EXPECT_EQ(ui_.Messages()[1].Title, "[ basFFTFilter : Cal_FFTフィルタ_単体処理 ]");
+  EXPECT_FALSE(Cal_FFTフィルタ_単体処理(session, seq, 0, 10, 16, 24, 1.0, FilterKind::HiPass, 5, 0, RandomProfile(10, 1),
+                                   single, other));
+  EXPECT_EQ(testing::OnlyMessageTitle(ui_), "[ basFFTFilter : Cal_FFTフィルタ_単体処理 ]");
   EXPECT_FALSE(single.Calculated);
 }
 
 TEST_F(FftFilterTest, ConvergenceLimitsComeFromTheSettingsFile) {
   session.Paths.AppPath = dir_.path().string();
-  const auto ini = dir_ / "TOLVAVERI.ini";
-  FilterConvergence limits = ReadFilterConvergence(session.Paths);  // no file: the defaults
-  EXPECT_EQ(limits.StdRatio, 1.1);
-  EXPECT_EQ(limits.MaxPasses, 10);
-
-  WriteSystemTextFile(ini, {"[General]", "DebugLevel=0", "[収束判定値]", "標準偏差比=1.5", "最大収束回数=4"});
-  limits = ReadFilterConvergence(session.Paths);
-  EXPECT_EQ(limits.StdRatio, 1.5);
-  EXPECT_EQ(limits.MaxPasses, 4);
-
-  WriteSystemTextFile(ini, {"[収束判定値]", "標準偏差比=", "最大収束回数=many"});
-  limits = ReadFilterConvergence(session.Paths);
-  EXPECT_EQ(limits.StdRatio, 1.1);
-  EXPECT_EQ(limits.MaxPasses, 10);
+  const struct { std::vector<std::string> ini; double ratio; std::int32_t passes; } cases[] = {
+      {{}, 1.1, 10},  // no file: the defaults
+      {{"[General]", "DebugLevel=0", "[収束判定値]", "標準偏差比=1.5", "最大収束回数=4"}, 1.5, 4},
+      {{"[収束判定値]", "標準偏差比=", "最大収束回数=many"}, 1.1, 10}};  // blank and text keep the defaults
+  for (const auto& c : cases) {
+    if (!c.ini.empty()) WriteSystemTextFile(dir_ / "TOLVAVERI.ini", c.ini);
+    const FilterConvergence limits = ReadFilterConvergence(session.Paths);
+    EXPECT_EQ(limits.StdRatio, c.ratio);
+    EXPECT_EQ(limits.MaxPasses, c.passes);
+  }
 }
 
 }  // namespace

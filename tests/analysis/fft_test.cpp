@@ -10,6 +10,7 @@
 #include <random>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -142,8 +143,8 @@ TEST(FftTest, AgreesWithADirectDftOnSmallSizes) {
       for (std::int32_t k = 1; k <= n; ++k)
         for (std::int32_t j = 1; j <= n; ++j) {
           const double angle = sign * kTwoPi * (j - 1) * (k - 1) / n;
-          direct[static_cast<std::size_t>(k - 1)].Re += x[j].Re * std::cos(angle) - x[j].Im * std::sin(angle);
-          direct[static_cast<std::size_t>(k - 1)].Im += x[j].Re * std::sin(angle) + x[j].Im * std::cos(angle);
+          direct[k - 1].Re += x[j].Re * std::cos(angle) - x[j].Im * std::sin(angle);
+          direct[k - 1].Im += x[j].Re * std::sin(angle) + x[j].Im * std::cos(angle);
         }
       ExpectNear(fast, direct, 1e-9 * n * 50);
     }
@@ -190,20 +191,6 @@ TEST(FftTest, TwoThreadsAtOnceGetTheirOwnResults) {
   for (int t = 0; t < 2; ++t) EXPECT_EQ(results[t], expected[t]) << "thread " << t;
 }
 
-Array1<double> RandomReal(std::int32_t n, unsigned seed) {
-  std::mt19937 random(seed);
-  std::uniform_real_distribution<double> value(-30.0, 30.0);
-  Array1<double> x(static_cast<std::size_t>(n));
-  for (double& v : x) v = value(random);
-  return x;
-}
-
-Array1<Complex> AsComplex(const Array1<double>& x) {
-  Array1<Complex> c(static_cast<std::size_t>(x.size()));
-  for (std::ptrdiff_t i = 1; i <= x.size(); ++i) c[i] = {x[i], 0.0};
-  return c;
-}
-
 double Largest(const Array1<Complex>& x) {
   double most = 0;
   for (const Complex& c : x) most = std::max({most, std::abs(c.Re), std::abs(c.Im)});
@@ -214,13 +201,18 @@ TEST(RealFftTest, BothDirectionsGiveTheBinsOfTheFullComplexTransform) {
   // Another algorithm than the full transform, so equal within rounding only.
   for (std::int32_t n = 2; n <= (1 << 14); n *= 2) {
     SCOPED_TRACE(n);
-    const Array1<double> x = RandomReal(n, static_cast<unsigned>(n));
-    Array1<Complex> full = AsComplex(x);
+    const Array1<Complex> signal = RandomSignal(n, static_cast<unsigned>(n));
+    Array1<double> x(static_cast<std::size_t>(n));
+    Array1<Complex> full(static_cast<std::size_t>(n));
+    for (std::int32_t j = 1; j <= n; ++j) {
+      x[j] = signal[j].Re;
+      full[j] = {x[j], 0.0};
+    }
     Fft(n, full, -1);
     Array1<Complex> half;
     RealForwardFft(n, x, half);
-    ASSERT_EQ(half.size(), n / 2 + 1);
-    ExpectNear(half, std::vector<Complex>(full.begin(), full.begin() + n / 2 + 1), 1e-13 * Largest(full));
+    const std::vector<Complex> lowerHalf(full.begin(), full.begin() + n / 2 + 1);
+    ASSERT_NO_FATAL_FAILURE(ExpectNear(half, lowerHalf, 1e-13 * Largest(full)));
     // Zero frequency and n/2 of a real sequence have no imaginary part at all.
     EXPECT_EQ(half[1].Im, 0.0);
     EXPECT_EQ(half[n / 2 + 1].Im, 0.0);
@@ -265,13 +257,10 @@ TEST(FftTest, RefusesLengthsDirectionsAndArraysItCannotTransform) {
 }
 
 TEST(FftLengthTest, SmallestPowerOfTwoFromFour) {
-  struct Case {
-    std::int32_t n, length1, length2;
-  };
-  for (const Case& c : {Case{1, 4, 4}, Case{2, 4, 4}, Case{3, 4, 8}, Case{4, 4, 8}, Case{5, 8, 16},
-                        Case{8, 8, 16}, Case{9, 16, 32}, Case{1000000, 1048576, 2097152}}) {
-    EXPECT_EQ(FftLength1(c.n), c.length1) << "N " << c.n;
-    EXPECT_EQ(FftLength2(c.n), c.length2) << "N " << c.n;
+  for (const auto& [n, length1, length2] : {std::tuple{1, 4, 4}, {2, 4, 4}, {3, 4, 8}, {4, 4, 8}, {5, 8, 16}, {8, 8, 16},
+                                            {9, 16, 32}, {1000000, 1048576, 2097152}}) {
+    EXPECT_EQ(FftLength1(n), length1) << "N " << n;
+    EXPECT_EQ(FftLength2(n), length2) << "N " << n;
   }
   EXPECT_EQ(FftLength1((1 << 30)), 1 << 30);
   EXPECT_THROW(FftLength1((1 << 30) + 1), LegacyError);  // 2^31 does not fit an i32

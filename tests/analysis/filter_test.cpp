@@ -2,19 +2,21 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
-#include "analysis/fft.h"
 #include "analysis/fft_filter.h"
 #include "analysis/moving_average.h"
+#include "analysis/prepare_profile.h"
 #include "analysis/slope_filter.h"
-#include "base/app_paths.h"
 #include "base/legacy_error.h"
 #include "profile/profile_record.h"
+#include "support/analysis_fixture.h"
+#include "support/checks.h"
 #include "support/error_of.h"
 #include "support/expect_values.h"
+#include "support/profile_fixture.h"
 #include "support/session_fixture.h"
-#include "support/test_support.h"
 
 namespace velmora {
 namespace {
@@ -23,29 +25,24 @@ using testing::ExpectValues;
 
 Array1<double> A(std::vector<double> values) { return Array1<double>(std::move(values)); }
 
-// A registered profile prepared by hand: n samples at `pitch` m.
-ProfileRecord Prepared(const std::string& fileName, const Array1<double>& profile, double pitch) {
-  ProfileRecord record;
-  record.FileName = fileName;
-  AnalysisBlock& block = record.Analysis;
-  block.Count = static_cast<std::int32_t>(profile.size());
-  block.SamplesPerMetre = 1 / pitch;
-  StoreWave(block.Profile, profile);
-  block.FftLength1 = FftLength1(block.Count);
-  block.FftLength2 = FftLength2(block.Count);
+// A registered profile prepared for analysis: its samples at `pitch` m.
+ProfileRecord Prepared(const std::string& name, std::vector<double> samples, double pitch) {
+  ProfileRecord record = testing::MakeProfile(name, pitch, std::move(samples));
+  PrepareProfile(DebugTables{}, record);
   return record;
 }
 
-FilterSpec MakeFilter(FilterCalcType type, FilterKind band, double longCut, double shortCut) {
-  FilterSpec filterSpec;
-  filterSpec.CalcType = type;
-  filterSpec.Band = band;
-  filterSpec.LongCut = longCut;
-  filterSpec.ShortCut = shortCut;
-  return filterSpec;
+FilterSpec MakeFilter(FilterCalcType type, FilterKind band, double longCut, double shortCut, bool slopeMode = false,
+                      double slopeCut = 50) {
+  return {type, band, slopeMode, longCut, shortCut, slopeCut, false};
 }
 
-using FilterTest = testing::SessionTest;
+class FilterTest : public testing::SessionTest {
+ protected:
+  FilterRunOutcome Run(const FilterSpec& filterSpec, bool force, const std::vector<ProfileRecord*>& profiles) {
+    return RunFilter(session, filterSpec, force, profiles, IriParams{}, ReadFilterConvergence(session.Paths));
+  }
+};
 
 TEST_F(FilterTest, MovingAverageMatchesHandSumsAndRefusesWindowsItCannotUse) {
   const Array1<double> source = A({1, 2, 4, 7, 11});
@@ -111,16 +108,7 @@ TEST_F(FilterTest, SlopesAndTheProfileRebuiltWithoutSteepOnes) {
 }
 
 TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {
-  struct Case {
-    FilterSpec filterSpec;
-    FilterField focus;
-    const char* message;  // nullptr: passes the checks
-  };
-  FilterSpec slopeCut = MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
-  slopeCut.SlopeMode = true;
-  slopeCut.SlopeCut = 0;
-  FilterSpec slopeOnly = slopeCut;
-  slopeOnly.SlopeMode = false;
+  struct Case { FilterSpec filterSpec; FilterField focus; const char* message; };  // nullptr: passes the checks
   const char* kLong = "Long CutOff wavelength > 0.0 で指定して下さい。";
   const char* kShort = "Short CutOff wavelength > 0.0 で指定して下さい。";
   const char* kOrder = "Long CutOff > Short CutOff で指定して下さい。";
@@ -136,26 +124,25 @@ TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {
       {MakeFilter(FilterCalcType::Fourier, FilterKind::BandCut, 4, 5), FilterField::LongCut, kOrder},
       {MakeFilter(FilterCalcType::Fourier, FilterKind::BandCut, 5, 4), FilterField::None, nullptr},
       {MakeFilter(FilterCalcType::Iri, FilterKind::BandPass, 0, 0), FilterField::None, nullptr},
-      {slopeCut, FilterField::SlopeCut, "Slope のCut値は > 0.0 で指定して下さい。"},
-      {slopeOnly, FilterField::None, nullptr},
+      {MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0, true, 0), FilterField::SlopeCut,
+       "Slope のCut値は > 0.0 で指定して下さい。"},
+      {MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0, false, 0), FilterField::None, nullptr},
   };
   for (std::size_t i = 0; i < cases.size(); ++i) {
+    SCOPED_TRACE(i);
     ui_.Log.clear();
-    EXPECT_EQ(CheckFilterSpec(session, cases[i].filterSpec), cases[i].focus) << "case " << i;
-    const auto messages = ui_.Messages();
+    EXPECT_EQ(CheckFilterSpec(session, cases[i].filterSpec), cases[i].focus);
     if (cases[i].message == nullptr) {
-      EXPECT_TRUE(messages.empty()) << "case " << i;
+      EXPECT_TRUE(ui_.Messages().empty());
     } else {
-      ASSERT_EQ(messages.size(), 1u) << "case " << i;
-      EXPECT_EQ(messages[0].Text, cases[i].message) << "case " << i;
-      EXPECT_EQ(messages[0].Title, "エラー") << "case " << i;
+      testing::ExpectMessages(ui_, {{cases[i].message, "エラー"}});
     }
   }
 }
 
 TEST_F(FilterTest, ARefusedCheckCalculatesNothing) {
-  ProfileRecord record = Prepared("a.erd", A({1, 2, 4, 7, 11}), 0.5);
-  const auto outcome = RunFilter(session, MakeFilter(FilterCalcType::MovingAverage, FilterKind::BandPass, 1, 2), true, {&record}, IriParams{}, ReadFilterConvergence(session.Paths));
+  ProfileRecord record = Prepared("a", {1, 2, 4, 7, 11}, 0.5);
+  const auto outcome = Run(MakeFilter(FilterCalcType::MovingAverage, FilterKind::BandPass, 1, 2), true, {&record});
   EXPECT_EQ(outcome.Focus, FilterField::LongCut);
   EXPECT_FALSE(outcome.Completed);
   EXPECT_FALSE(record.Analysis.Filter.FilterWave.Calculated);
@@ -163,11 +150,9 @@ TEST_F(FilterTest, ARefusedCheckCalculatesNothing) {
 }
 
 TEST_F(FilterTest, RunFilterStoresEachProfileAndSkipsUpToDateOnes) {
-  ProfileRecord a = Prepared("a.erd", A({1, 2, 4, 7, 11}), 0.5);
-  ProfileRecord b = Prepared("b.erd", A({3, 3, 3, 3, 3}), 0.5);
+  ProfileRecord a = Prepared("a", {1, 2, 4, 7, 11}, 0.5), b = Prepared("b", {3, 3, 3, 3, 3}, 0.5);
   const FilterSpec filterSpec = MakeFilter(FilterCalcType::MovingAverage, FilterKind::HiPass, 2, 1.5);
-  const auto outcome = RunFilter(session, filterSpec, false, {&a, &b}, IriParams{}, ReadFilterConvergence(session.Paths));
-  EXPECT_TRUE(outcome.Completed);
+  EXPECT_TRUE(Run(filterSpec, false, {&a, &b}).Completed);
   ExpectValues(a.Analysis.Filter.FilterWave.Values, {0.75, 0.25, 0.5, 1, 1.75});
   EXPECT_EQ(a.Analysis.Filter.FilterCount, 5);
   EXPECT_TRUE(b.Analysis.Filter.FilterWave.Calculated);
@@ -184,18 +169,17 @@ TEST_F(FilterTest, RunFilterStoresEachProfileAndSkipsUpToDateOnes) {
 
   // Same settings, no force: the stored result is not touched; with force it is recalculated.
   a.Analysis.Filter.FilterWave.Values[1] = 99;
-  RunFilter(session, filterSpec, false, {&a}, IriParams{}, ReadFilterConvergence(session.Paths));
+  Run(filterSpec, false, {&a});
   EXPECT_EQ(a.Analysis.Filter.FilterWave.Values[1], 99);
-  RunFilter(session, filterSpec, true, {&a}, IriParams{}, ReadFilterConvergence(session.Paths));
+  Run(filterSpec, true, {&a});
   EXPECT_NEAR(a.Analysis.Filter.FilterWave.Values[1], 0.75, 1e-12);
 }
 
 TEST_F(FilterTest, FourierTypeStoresTheSingleOrTheConvergentPass) {
-  Array1<double> profile(300);
-  for (int i = 1; i <= 300; ++i) profile[i] = (i % 7) * 0.3 + 0.01 * i;
-  ProfileRecord record = Prepared("f.erd", profile, 0.25);
+  const Array1<double> profile(testing::Road(300));
+  ProfileRecord record = Prepared("f", testing::Road(300), 0.25);
   FilterSpec filterSpec = MakeFilter(FilterCalcType::Fourier, FilterKind::LowPass, 0, 2);
-  ASSERT_TRUE(RunFilter(session, filterSpec, true, {&record}, IriParams{}, ReadFilterConvergence(session.Paths)).Completed);
+  ASSERT_TRUE(Run(filterSpec, true, {&record}).Completed);
 
   WaveSeries single, other;
   std::int32_t seq = 0;
@@ -204,43 +188,36 @@ TEST_F(FilterTest, FourierTypeStoresTheSingleOrTheConvergentPass) {
   EXPECT_EQ(record.Analysis.Filter.FilterCount, 300);
 
   filterSpec.Converge = true;
-  ASSERT_TRUE(RunFilter(session, filterSpec, false, {&record}, IriParams{}, ReadFilterConvergence(session.Paths)).Completed);  // a changed filterSpec recalculates
+  ASSERT_TRUE(Run(filterSpec, false, {&record}).Completed);  // a changed filterSpec recalculates
   WaveSeries converged;
-  ASSERT_TRUE(Cal_FFTフィルタ_収束計算(session, 300, 512, 1024, 0.25, FilterKind::LowPass, 0, 2, profile, converged, ReadFilterConvergence(session.Paths)));
+  ASSERT_TRUE(Cal_FFTフィルタ_収束計算(session, 300, 512, 1024, 0.25, FilterKind::LowPass, 0, 2, profile, converged,
+                                   ReadFilterConvergence(session.Paths)));
   EXPECT_EQ(record.Analysis.Filter.FilterWave.Values, converged.Values);
 }
 
 TEST_F(FilterTest, SlopeTypeFillsBothWaves) {
-  ProfileRecord record = Prepared("s.erd", A({0, 1, 3, 3, 2}), 0.5);
-  FilterSpec filterSpec = MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
-  filterSpec.SlopeMode = true;
-  filterSpec.SlopeCut = 3;
-  ASSERT_TRUE(RunFilter(session, filterSpec, true, {&record}, IriParams{}, ReadFilterConvergence(session.Paths)).Completed);
+  ProfileRecord record = Prepared("s", {0, 1, 3, 3, 2}, 0.5);
+  ASSERT_TRUE(Run(MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0, true, 3), true, {&record}).Completed);
   ExpectValues(record.Analysis.Filter.SlopeWave.Values, {0, 1, 1, 1, 0});
   ExpectValues(record.Analysis.Filter.FilterWave.Values, {0, 1, 1, 1, 0});
   EXPECT_DOUBLE_EQ(record.Analysis.Filter.SlopeWave.Stats.Mean, 0.6);
 }
 
 TEST_F(FilterTest, AnErrorIsLoggedAndLeavesThePreviousResult) {
-  ProfileRecord good = Prepared("good.erd", A({0, 1, 3, 3, 2}), 0.5);
-  ProfileRecord longOne = Prepared("long.erd", Array1<double>(40000), 0.1);
+  ProfileRecord good = Prepared("good", {0, 1, 3, 3, 2}, 0.5);
+  ProfileRecord longOne = Prepared("long", std::vector<double>(40000), 0.1);
   longOne.Analysis.Filter.FilterWave.Values = A({42});
-  const FilterSpec filterSpec = MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0);
-  const auto outcome = RunFilter(session, filterSpec, true, {&good, &longOne}, IriParams{}, ReadFilterConvergence(session.Paths));
-  EXPECT_FALSE(outcome.Completed);
+  EXPECT_FALSE(Run(MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0), true, {&good, &longOne}).Completed);
   EXPECT_TRUE(good.Analysis.Filter.FilterWave.Calculated);
   EXPECT_EQ(longOne.Analysis.Filter.FilterWave.Values, A({42}));
-  ASSERT_EQ(ui_.Messages().size(), 1u);
-  EXPECT_EQ(ui_.Messages()[0].Title, "[ basFilter : cmdGo_フィルター処理 ]");
-  EXPECT_NE(ui_.Messages()[0].Text.find("long.erd"), std::string::npos);
+  EXPECT_EQ(testing::OnlyMessageTitle(ui_), "[ basFilter : cmdGo_フィルター処理 ]");
+  EXPECT_NE(ui_.OnlyMessageText().find("long.erd"), std::string::npos);
   EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
 }
 
 TEST_F(FilterTest, IriTypeIsShorterThanTheProfile) {
-  Array1<double> profile(400);
-  for (int i = 1; i <= 400; ++i) profile[i] = (i % 5) * 0.5;
-  ProfileRecord record = Prepared("i.erd", profile, 0.05);
-  ASSERT_TRUE(RunFilter(session, MakeFilter(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&record}, IriParams{}, ReadFilterConvergence(session.Paths)).Completed);
+  ProfileRecord record = Prepared("i", testing::Road(400), 0.05);
+  ASSERT_TRUE(Run(MakeFilter(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&record}).Completed);
   // The slope base of 0.25 m spans 5 samples at 0.05 m.
   EXPECT_EQ(record.Analysis.Filter.FilterCount, 395);
   EXPECT_EQ(record.Analysis.Filter.FilterWave.Values.size(), 395);

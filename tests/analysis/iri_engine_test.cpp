@@ -4,14 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
-#include <string>
+#include <filesystem>
 #include <vector>
 
 #include "analysis/iri.h"
 #include "analysis/quarter_car.h"
+#include "profile/erd_file.h"
 #include "results/wave_series.h"
-#include "support/test_support.h"
+#include "support/analysis_fixture.h"
+#include "support/session_fixture.h"
 
 namespace velmora {
 namespace {
@@ -21,15 +22,6 @@ IriParams GoldenCar(double initFilter, std::int32_t powerWeighting = 0) {
   p.InitFilter = initFilter;
   p.PowerWeighting = powerWeighting;
   return p;
-}
-
-// The response of elevations y at pitch dx with the golden car.
-std::vector<double> Response(std::vector<double> y, double dx, double initDistance) {
-  std::int32_t n = static_cast<std::int32_t>(y.size());
-  double k1 = 653, k2 = 63.3, c = 6, mu = 0.15, speed = 80;
-  IriResponse(y, n, dx, 0.25, 1.0, initDistance, k1, k2, c, mu, speed);
-  y.resize(static_cast<std::size_t>(n));
-  return y;
 }
 
 std::vector<double> Ramp(std::size_t n, double dx, double slope) {
@@ -67,13 +59,12 @@ TEST(QuarterCarTest, TransitionMatrixMatchesAnIndependentMatrixExponential) {
     Vector4 b, c, pr;
     BuildQuarterCarMatrices(653, 63.3, 6, 0.15, a, b, c);
     BuildTransitionMatrix(tc.dx / (80 / 3.6), a, b, st, pr);
-    for (int i = 1; i <= 4; ++i) {
-      for (int j = 1; j <= 4; ++j) {
-        const double expected = tc.st[static_cast<std::size_t>(i - 1)][static_cast<std::size_t>(j - 1)];
+    for (std::size_t i = 1; i <= 4; ++i) {
+      for (std::size_t j = 1; j <= 4; ++j) {
+        const double expected = tc.st[i - 1][j - 1];
         EXPECT_NEAR(st(i, j), expected, 1e-13 * std::max(1.0, std::fabs(expected))) << i << "," << j;
       }
-      const double expected = tc.pr[static_cast<std::size_t>(i - 1)];
-      EXPECT_NEAR(pr(i), expected, 1e-12 * std::max(1.0, std::fabs(expected))) << i;
+      EXPECT_NEAR(pr(i), tc.pr[i - 1], 1e-12 * std::max(1.0, std::fabs(tc.pr[i - 1]))) << i;
     }
   }
 }
@@ -157,48 +148,33 @@ TEST(IriResponseTest, AnyZeroModelValueSwitchesAllFiveToTheGoldenCar) {
   }
 }
 
-TEST(IriResponseTest, BaseSamplesFollowThePitch) {
-  EXPECT_EQ(IriBaseSamples(0.25, 0.25), 1);
-  EXPECT_EQ(IriBaseSamples(0.25, 0.1), 3);   // 2.5 rounds away from zero
-  EXPECT_EQ(IriBaseSamples(0.25, 0.3), 1);   // 0.83
-  EXPECT_EQ(IriBaseSamples(0.25, 1.0), 1);   // 0.25 gives 0, raised to 1
-  EXPECT_EQ(IriBaseSamples(0.25, 0.01), 25);
-  EXPECT_EQ(IriBaseSamples(0.25, 0.06306821), 4);  // 3.96
-  // The response is shorter than the profile by exactly the base samples.
-  for (double dx : {0.25, 0.1, 0.3, 1.0, 0.01}) {
-    std::vector<double> y(100, 0.0);
-    std::int32_t n = 100;
-    double init = 0, k1 = 0, k2 = 0, c = 0, mu = 0, speed = 0;
-    IriResponse(y, n, dx, 0.25, 1.0, init, k1, k2, c, mu, speed);
-    EXPECT_EQ(n, 100 - IriBaseSamples(0.25, dx)) << dx;
+TEST(IriResponseTest, BaseSamplesFollowThePitchAndShortenTheResponse) {
+  // 0.25 m / dx rounded away from zero, raised to 1: 2.5 → 3, 0.83 → 1, 0.25 → 0 → 1, 3.96 → 4.
+  for (const auto& [dx, samples] :
+       {std::pair{0.25, 1u}, {0.1, 3u}, {0.3, 1u}, {1.0, 1u}, {0.01, 25u}, {0.06306821, 4u}}) {
+    EXPECT_EQ(IriBaseSamples(0.25, dx), static_cast<std::int32_t>(samples)) << dx;
+    EXPECT_EQ(testing::GoldenResponse(std::vector<double>(100, 0.0), dx).size(), 100 - samples) << dx;
   }
 }
 
 TEST(IriResponseTest, RampStartsFromTheSlopeOverKTimesDxAndDecays) {
   // dx 0.25 m, init 0.75 m: K = 4, X(1) = 3·dx·s / (4·dx) = 0.75 s, a quarter of the slope short of
   // the steady state. Figures from tools/iri_reference.py.
-  const auto r4 = Response(Ramp(12, 0.25, 2.0), 0.25, 0.75);
+  const auto r4 = testing::GoldenResponse(Ramp(12, 0.25, 2.0), 0.25, 0.75);
   EXPECT_NEAR(r4[0], 0.11106033625139327, 1e-13);
   EXPECT_NEAR(r4[1], 0.32940528723706289, 1e-13);
   EXPECT_NEAR(r4[2], 0.50564896728886481, 1e-13);
   // The model is linear and a ramp is its steady state, so the start is proportional to the
-  // shortfall s/K: K = 2 (init 0.25 m) gives twice the response of K = 4, K = 1 four times.
-  const auto r2 = Response(Ramp(12, 0.25, 2.0), 0.25, 0.25);
-  const auto r1 = Response(Ramp(12, 0.25, 2.0), 0.25, 0.0);
-  for (std::size_t i = 0; i < r4.size(); ++i) {
-    EXPECT_NEAR(r2[i], 2 * r4[i], 1e-12);
-    EXPECT_NEAR(r1[i], 4 * r4[i], 1e-12);
+  // shortfall s/K: K = 2 (init 0.25 m) gives twice the response of K = 4, K = 1 four times. An
+  // initialisation longer than the profile uses the last sample: K = n = 12, X(1) = (y(12) − y(1)) /
+  // (12 dx) = 11/12 s, a twelfth short, a third of the K = 4 start.
+  for (const auto& [init, factor] : {std::pair{0.25, 2.0}, {0.0, 4.0}, {100.0, 1.0 / 3}}) {
+    const auto r = testing::GoldenResponse(Ramp(12, 0.25, 2.0), 0.25, init);
+    for (std::size_t i = 0; i < r4.size(); ++i) EXPECT_NEAR(r[i], factor * r4[i], 1e-12) << init;
   }
   // After 400 m the transient has died away.
-  const auto longRamp = Response(Ramp(2000, 0.25, 2.0), 0.25, 0.0);
+  const auto longRamp = testing::GoldenResponse(Ramp(2000, 0.25, 2.0), 0.25, 0.0);
   for (std::size_t i = 1600; i < longRamp.size(); ++i) EXPECT_NEAR(longRamp[i], 0.0, 1e-9);
-}
-
-TEST(IriResponseTest, InitialisationLongerThanTheProfileUsesTheLastSample) {
-  // K = n = 12: X(1) = (y(12) - y(1)) / (12 dx) = 11/12 s, i.e. a twelfth short: a third of the K = 4 start.
-  const auto longInit = Response(Ramp(12, 0.25, 2.0), 0.25, 100.0);
-  const auto r4 = Response(Ramp(12, 0.25, 2.0), 0.25, 0.75);
-  for (std::size_t i = 0; i < r4.size(); ++i) EXPECT_NEAR(longInit[i], r4[i] / 3, 1e-12);
 }
 
 TEST(IriOfArrayTest, FlatProfileHasIriZero) {
@@ -209,10 +185,7 @@ TEST(IriOfArrayTest, FlatProfileHasIriZero) {
 
 TEST(IriOfArrayTest, SineGivesTheIndependentArsAndRmsFigures) {
   // 5 mm sine of 5 m wavelength, 80 samples at 0.25 m, init 11 m (tools/iri_reference.py).
-  std::vector<double> sine(80);
-  for (std::size_t i = 0; i < sine.size(); ++i)
-    sine[i] = 5 * std::sin(2 * M_PI * 0.25 * static_cast<double>(i) / 5);
-  const std::vector<double> before = sine;
+  const std::vector<double> sine = testing::Sine(80, 20, 5), before = sine;
   EXPECT_NEAR(IriOfArray(80, sine, 0.25, GoldenCar(11, 0)), 4.5850110426171407, 1e-12);
   EXPECT_NEAR(IriOfArray(80, sine, 0.25, GoldenCar(11, 1)), 5.1102440661799208, 1e-12);
   EXPECT_NEAR(IriOfArray(80, sine, 0.25, GoldenCar(11, -3)), 5.1102440661799208, 1e-12);  // any non-zero
@@ -226,40 +199,22 @@ TEST(IriOfArrayTest, ProfileNoLongerThanTheBaseIsAnError) {
   EXPECT_THROW(IriOfArray(3, y, 0.0, GoldenCar(0)), LegacyError);   // a zero pitch overflows the base
 }
 
-// The elevations of a one-channel ERD file: the numbers after the END line.
-std::vector<double> ReadOneChannelErd(const std::filesystem::path& path, double& pitch) {
-  std::ifstream in(path);
-  std::string line;
-  std::getline(in, line);
-  std::getline(in, line);  // channels, samples, ..., pitch as the sixth field
-  std::size_t field = 0;
-  for (int comma = 0; comma < 5; ++comma) field = line.find(',', field) + 1;
-  pitch = std::stod(line.substr(field));
-  while (std::getline(in, line) && line.rfind("END", 0) != 0) {
-  }
-  std::vector<double> y;
-  while (std::getline(in, line))
-    if (line.find_first_not_of(" \r") != std::string::npos) y.push_back(std::stod(line));
-  return y;
-}
+using IriOfMeasuredProfileTest = testing::SessionTest;
 
-TEST(IriOfArrayTest, MeasuredWheelPathsAgreeWithThePublishedIri) {
+TEST_F(IriOfMeasuredProfileTest, WheelPathsAgreeWithThePublishedIri) {
   const auto folder = testing::SharedDataDir() / "derived";
   if (!std::filesystem::exists(folder / "basic_left_mm.erd")) GTEST_SKIP() << "no measured profiles here";
   // Published 2.888 and 2.573 m/km (183 and 163 in/mi); the reference with the standard start
   // gives 2.8918 and 2.5718. The start over K·dx instead of (K-1)·dx moves the result by far less
   // than 0.001 over 1.6 km.
-  const struct {
-    const char* file;
-    double reference;
-  } cases[] = {{"basic_left_mm.erd", 2.8918}, {"basic_right_mm.erd", 2.5718}};
+  const struct { const char* file; double reference; } cases[] = {{"basic_left_mm.erd", 2.8918},
+                                                                   {"basic_right_mm.erd", 2.5718}};
   for (const auto& c : cases) {
-    double pitch = 0;
-    const auto y = ReadOneChannelErd(folder / c.file, pitch);
-    ASSERT_EQ(y.size(), 25544u);
-    EXPECT_DOUBLE_EQ(pitch, 0.06306821);
-    EXPECT_NEAR(IriOfArray(static_cast<std::int32_t>(y.size()), y, pitch, GoldenCar(11)), c.reference, 2e-4)
-        << c.file;
+    ErdRecord erd;
+    ASSERT_TRUE(ReadERD(session, (folder / c.file).string(), erd));
+    ASSERT_EQ(erd.Elevation.size(), 25544);
+    EXPECT_DOUBLE_EQ(erd.StepSize, 0.06306821);
+    EXPECT_NEAR(IriOfArray(25544, erd.Elevation.span(), erd.StepSize, GoldenCar(11)), c.reference, 2e-4) << c.file;
   }
 }
 

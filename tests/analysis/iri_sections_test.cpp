@@ -2,26 +2,27 @@
 // expected tables are worked out by hand in the comments (pitch 1 m keeps the arithmetic small).
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <algorithm>
 #include <vector>
 
 #include "analysis/iri_sections.h"
+#include "support/analysis_fixture.h"
+#include "support/checks.h"
+#include "support/profile_fixture.h"
 #include "support/session_fixture.h"
-#include "support/test_support.h"
 
 namespace velmora {
 namespace {
 
 TEST(NextSectionBoundaryTest, GridLinesAndSampleCountsByHand) {
-  struct Case {
+  const struct {
     const char* what;
     double kp, dx;
     std::int32_t length;
     bool backwards;
     double line;
     std::int32_t count;
-  };
-  const Case cases[] = {
+  } cases[] = {
       // 35.3 m at 1 m: first sample rounded up to 36 m; next 10 m line 40 m: 36..40 is 5 samples.
       {"10 m forwards", 0.0353, 1.0, 10, false, 0.04, 5},
       {"100 m forwards", 0.0353, 1.0, 100, false, 0.1, 65},
@@ -37,7 +38,7 @@ TEST(NextSectionBoundaryTest, GridLinesAndSampleCountsByHand) {
       {"200 m forwards on an even hundred", 0.3456, 0.01, 200, false, 0.4, 5441},
       {"no KP counts as 0, on every grid", kNoValue, 0.01, 100, false, 0.0, 1},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     double line = -1;
     std::int32_t count = -1;
     NextSectionBoundary(c.kp, c.dx, c.length, c.backwards, line, count);
@@ -65,6 +66,12 @@ SectionIri Sections(bool skip) {
   SectionIri result;
   CalcFixedSections(0.0353, 1.0, false, 10.0, 250, values, 249, response, skip, result);
   return result;
+}
+
+// How many entries of a section table hold a value.
+template <class Table>
+long Valued(const Table& table) {
+  return std::ranges::count_if(table, [](const SectionEntry& e) { return !IsNoValue(e.Iri); });
 }
 
 void ExpectEntry(const SectionEntry& e, std::int32_t count, double kpFrom, double kpTo, double iri,
@@ -108,9 +115,7 @@ TEST(CalcFixedSectionsTest, HundredAndTwoHundredMetreUnitsAreSampleWeightedMeans
   ExpectEntry(s.Sec100[7], 65, 0.0353, 0.1003, 1.0, 1, -1);
   ExpectEntry(s.Sec100[17], 100, 0.1003, 0.2003, 3.0, 65, 0);
   ExpectEntry(s.Sec100[26], 86, 0.2003, 0.2863, 170.0 / 86, 165, -1);
-  int valued = 0;
-  for (const auto& e : s.Sec100) valued += !IsNoValue(e.Iri);
-  EXPECT_EQ(valued, 3);  // every other slot stays at the no value
+  EXPECT_EQ(Valued(s.Sec100), 3);  // every other slot stays at the no value
   // 200 m: first unit up to the 200 m line (entry 17): (65 + 300) / 165; then a short last unit.
   ExpectEntry(s.Sec200[17], 165, 0.0353, 0.2003, 365.0 / 165, 1, -1);
   ExpectEntry(s.Sec200[26], 86, 0.2003, 0.2863, 170.0 / 86, 165, -1);
@@ -131,10 +136,8 @@ TEST(CalcFixedSectionsTest, SkippingShortSectionsLeavesNoPartialTenMetreEntry) {
   // the short rest 17..24 is not stored.
   EXPECT_TRUE(IsNoValue(s.Sec100[6].Iri));
   ExpectEntry(s.Sec100[16], 100, 0.1003, 0.2003, 3.0, 65, 0);
-  int valued = 0;
-  for (const auto& e : s.Sec100) valued += !IsNoValue(e.Iri);
-  EXPECT_EQ(valued, 1);
-  for (const auto& e : s.Sec200) EXPECT_TRUE(IsNoValue(e.Iri));
+  EXPECT_EQ(Valued(s.Sec100), 1);
+  EXPECT_EQ(Valued(s.Sec200), 0);
 }
 
 TEST(CalcFixedSectionsTest, BackwardsKpRunsDownAndSectionsFollowIt) {
@@ -180,63 +183,44 @@ TEST(CalcFixedSectionsTest, BadInputIsRefusedWithAnError) {
   EXPECT_THROW(CalcFixedSections(0, 1.0, false, 10, 11, values, 9, response, false, s), LegacyError);
 }
 
-ProfileRecord Profile(double pitch, std::int32_t count, double kp = kNoValue) {
-  ProfileRecord p;
-  p.Erd.StepSize = pitch;
-  p.Erd.KpStart = kp;
-  p.SamplesPerMetre = 1.0 / pitch;
-  p.WorkCount = count;
-  p.Analysis.SamplesPerMetre = 1.0 / pitch;
-  p.Analysis.Count = count;
-  Array1<double> wave;
-  wave.assign_zero(count);
-  for (std::int32_t i = 1; i <= count; ++i) wave[i] = 3 * std::sin(0.05 * i) + std::sin(0.9 * i);
-  StoreWave(p.Analysis.Profile, wave);
-  for (int k = 1; k <= 9; ++k) {
-    auto& band = p.Analysis.Octave.Band[static_cast<std::size_t>(k)].Values;
-    band.assign_zero(count);
-    for (std::int32_t i = 1; i <= count; ++i) band[i] = wave[i] / 9;
-  }
-  StoreWave(p.Analysis.Octave.LongSum, wave);
-  StoreWave(p.Analysis.Octave.ShortSum, wave);
-  p.Analysis.Octave.Calculated = true;
+// A registered profile whose octave split is already there: each band a ninth of the road.
+ProfileRecord Profile(double pitch, int count, double kp = kNoValue) {
+  ProfileRecord p = testing::MakeProfile("p", pitch, testing::Road(count), kp);
+  std::vector<double> ninth = testing::Road(count);
+  for (double& v : ninth) v /= 9;
+  p.Analysis = testing::BlockWithBands(testing::Road(count), pitch, ninth);
   return p;
 }
 
-class CheckIriLengthTest : public testing::SessionTest {};
+using CheckIriLengthTest = testing::SessionTest;
 
 TEST_F(CheckIriLengthTest, MessagesForBlankTextNumbersAndLimits) {
   // A: 0.01 m, 1000 samples, IBASE 25, 975 usable. B: 0.05 m, 300 samples, IBASE 5, 295 usable.
   ProfileRecord a = Profile(0.01, 1000), b = Profile(0.05, 300);
   std::vector<ProfileRecord*> list{&a, &b};
-  const struct {
-    const char* text;
-    const char* message;
-  } refused[] = {{"  ", "IRIの評価値が指定されていません。"},
+  const struct { const char* text; const char* message; } refused[] = {{"  ", "IRIの評価値が指定されていません。"},
                  {"10m", "IRIの評価値は数値で指定して下さい。"},
                  {"0.04", "0.05 以上で指定して下さい。"},
                  {"14.71", "14.7 以下で指定して下さい。"}};  // (295 - 1) × 0.05
   for (const auto& c : refused) {
-    testing::ScriptedUi ui(session);
+    ui_.Log.clear();
     double value = -1;
     EXPECT_FALSE(CheckIriLength(session, c.text, list, value)) << c.text;
-    EXPECT_EQ(ui.OnlyMessageText(), c.message);
-    ASSERT_EQ(ui.Messages().size(), 1u);
-    EXPECT_EQ(ui.Messages()[0].Title, "警告");
+    testing::ExpectMessages(ui_, {{c.message, "警告"}});
     EXPECT_EQ(value, -1);
   }
-  testing::ScriptedUi ui(session);
+  ui_.Log.clear();
   double value = 0;
   EXPECT_TRUE(CheckIriLength(session, " 14.7 ", list, value));
   EXPECT_EQ(value, 14.7);
-  EXPECT_TRUE(ui.Messages().empty());
+  EXPECT_TRUE(ui_.Messages().empty());
   // The limit takes the last profile's pitch, not that of the shortest one: 294 × 0.01.
   std::vector<ProfileRecord*> reversed{&b, &a};
   EXPECT_FALSE(CheckIriLength(session, "3", reversed, value));
-  EXPECT_EQ(ui.OnlyMessageText(), "2.94 以下で指定して下さい。");
+  EXPECT_EQ(ui_.OnlyMessageText(), "2.94 以下で指定して下さい。");
 }
 
-class RunIriTest : public testing::SessionTest {};
+using RunIriTest = testing::SessionTest;
 
 TEST_F(RunIriTest, ComputesSelectedProfilesAndRecomputesOnlyWhenTheLengthChanges) {
   ProfileRecord a = Profile(0.25, 400, 1.0), b = Profile(0.25, 300);
@@ -245,13 +229,12 @@ TEST_F(RunIriTest, ComputesSelectedProfilesAndRecomputesOnlyWhenTheLengthChanges
   IriRunRequest request{"10", IriParams{}, false, false, FilterConvergence{}};
   request.Params.InitFilter = 11;
   double last = kNoValue;
-  testing::ScriptedUi ui(session);
   ASSERT_TRUE(RunIri(session, list, selected, request, last));
   EXPECT_EQ(last, 10.0);
-  ASSERT_FALSE(ui.Log.empty());
-  EXPECT_EQ(ui.Log.front().Title, "ＩＲＩ計算");
-  EXPECT_EQ(ui.Log.back().Kind, "progress-exit");
-  EXPECT_EQ(ui.ProgressValues.back(), 100);
+  ASSERT_FALSE(ui_.Log.empty());
+  EXPECT_EQ(ui_.Log.front().Title, "ＩＲＩ計算");
+  EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
+  EXPECT_EQ(ui_.ProgressValues.back(), 100);
   EXPECT_TRUE(a.Analysis.Iri.IriWindowWave.Calculated);
   EXPECT_FALSE(b.Analysis.Iri.IriWindowWave.Calculated);
   EXPECT_EQ(a.Analysis.Iri.IriWindowCount, 399 - 40);
@@ -279,17 +262,10 @@ TEST_F(RunIriTest, ComputesSelectedProfilesAndRecomputesOnlyWhenTheLengthChanges
 
 TEST_F(RunIriTest, MissingBandSplitIsMadeFirst) {
   // A profile as read, not yet prepared: the run prepares and splits it, then takes the band IRI.
-  ProfileRecord p;
-  p.FileName = "road.erd";
-  p.Erd.StepSize = 0.25;
-  p.SamplesPerMetre = 4;
-  p.WorkCount = 800;
-  p.WorkProfile.assign_zero(800);
-  for (std::int32_t i = 1; i <= 800; ++i) p.WorkProfile[i] = 2 * std::sin(0.3 * i) + 5 * std::sin(0.02 * i);
+  ProfileRecord p = testing::MakeProfile("road", 0.25, testing::Road(800));
   std::vector<ProfileRecord*> list{&p};
   IriRunRequest request{"10", IriParams{}, false, false, FilterConvergence{}};
   double last = kNoValue;
-  testing::ScriptedUi ui(session);
   ASSERT_TRUE(RunIri(session, list, list, request, last));
   EXPECT_TRUE(p.Analysis.Octave.Calculated);
   EXPECT_TRUE(p.Analysis.Iri.IriWindowRss.Calculated);

@@ -24,35 +24,28 @@ namespace {
 
 Array1<double> A(std::vector<double> values) { return Array1<double>(std::move(values)); }
 
-// Logs and debug tables go to a temporary folder; settings and paths are restored afterwards.
 using MirrorExtendTest = testing::SessionTest;
 
 TEST_F(MirrorExtendTest, FoldsBothWaysWithoutRepeatingTheEndSamples) {
-  const Array1<double> source = A({1, 2, 4, 7, 11});
-  Array1<double> dest;
-  std::int32_t count = 0;
-  // Left: 2·1 − source(3), 2·1 − source(2); right: 2·11 − source(4), 2·11 − source(3).
-  MirrorExtend(DebugTables{}, true, 2, 5, source, count, dest);
-  EXPECT_EQ(count, 9);
-  EXPECT_EQ(dest, A({-2, 0, 1, 2, 4, 7, 11, 15, 18}));
-
-  MirrorExtend(DebugTables{}, false, 2, 5, source, count, dest);
-  EXPECT_EQ(dest, A({4, 2, 1, 2, 4, 7, 11, 7, 4}));
-
-  MirrorExtend(DebugTables{}, true, 0, 5, source, count, dest);
-  EXPECT_EQ(dest, source);
-
-  MirrorExtend(DebugTables{}, false, 4, 5, source, count, dest);  // the widest fold n − 1 reaches source(5) and source(1)
-  EXPECT_EQ(dest, A({11, 7, 4, 2, 1, 2, 4, 7, 11, 7, 4, 2, 1}));
+  const struct { bool pointSymmetric; std::int32_t fold; std::vector<double> extended; } cases[] = {
+      // Left: 2·1 − source(3), 2·1 − source(2); right: 2·11 − source(4), 2·11 − source(3).
+      {true, 2, {-2, 0, 1, 2, 4, 7, 11, 15, 18}},
+      {false, 2, {4, 2, 1, 2, 4, 7, 11, 7, 4}},
+      {true, 0, {1, 2, 4, 7, 11}},
+      {false, 4, {11, 7, 4, 2, 1, 2, 4, 7, 11, 7, 4, 2, 1}},  // the widest fold n − 1 reaches source(5) and source(1)
+  };
+  for (const auto& c : cases) {
+    Array1<double> dest;
+    std::int32_t count = 0;
+    MirrorExtend(DebugTables{}, c.pointSymmetric, c.fold, 5, A({1, 2, 4, 7, 11}), count, dest);
+    EXPECT_EQ(count, static_cast<std::int32_t>(c.extended.size())) << c.fold;
+    EXPECT_EQ(dest, A(c.extended)) << c.fold;
+  }
 }
 
 TEST_F(MirrorExtendTest, PointFoldKeepsConstantsAndRamps) {
-  Array1<double> ramp(50), constant(50);
-  for (int i = 1; i <= 50; ++i) {
-    ramp[i] = 0.25 * i - 3.0;
-    constant[i] = -12.5;
-  }
-  Array1<double> dest;
+  Array1<double> ramp(50), constant(std::vector<double>(50, -12.5)), dest;
+  for (int i = 1; i <= 50; ++i) ramp[i] = 0.25 * i - 3.0;
   std::int32_t count = 0;
   MirrorExtend(DebugTables{}, true, 30, 50, ramp, count, dest);
   ASSERT_EQ(count, 110);
@@ -80,12 +73,6 @@ struct Extension {
   std::vector<double> extended;
 };
 
-std::vector<double> Squares(int n) {
-  std::vector<double> v;
-  for (int i = 1; i <= n; ++i) v.push_back(i * i);
-  return v;
-}
-
 TEST_F(MirrorExtendTest, ExtensionsForTheTransformsByHand) {
   const Extension cases[] = {
       {"filter, a power of two: a copy then a half fold", false, {1, 5, 2, 8}, 4, 8, 2, {2, 5, 1, 5, 2, 8, 2, 5}},
@@ -97,7 +84,7 @@ TEST_F(MirrorExtendTest, ExtensionsForTheTransformsByHand) {
        {6, 3, 1, 0, -1, 0, 1, 3, 6, 10, 15, 21, 15, 10, 6, 3}},
       // N = 11: d = 5, round(2.5) = 2, exchanged to 3 left and 2 right; work is
       // (2 − 16, 2 − 9, 2 − 4, 1, 4, …, 121, 242 − 100, 242 − 81).
-      {"filter, round half to even exchanged", false, Squares(11), 16, 32, 11,
+      {"filter, round half to even exchanged", false, {1, 4, 9, 16, 25, 36, 49, 64, 81, 100, 121}, 16, 32, 11,
        {36, 25, 16, 9, 4, 1, -2, -7, -14, -7, -2, 1, 4, 9, 16, 25,
         36, 49, 64, 81, 100, 121, 142, 161, 142, 121, 100, 81, 64, 49, 36, 25}},
       {"psd, the point fold only", true, {1, 2, 4, 7, 11}, 8, 0, 2, {-2, 0, 1, 2, 4, 7, 11, 15}},

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <string>
@@ -10,34 +11,24 @@
 
 #include "analysis/psd_view.h"
 #include "analysis/psd_window.h"
-#include "base/app_paths.h"
-#include "base/text_encoding.h"
-#include "profile/profile_record.h"
+#include "support/analysis_fixture.h"
+#include "support/checks.h"
 #include "support/expect_values.h"
 #include "support/profile_fixture.h"
 #include "support/session_fixture.h"
-#include "support/test_support.h"
 
 namespace velmora {
 namespace {
 
-using testing::ScriptedUi;
+using testing::ExpectValues;
+using testing::Road;
 
 constexpr double kPsdPi = 3.14159265358979;  // the factor of the PSD's definition
-
-using PsdTest = testing::SessionTest;
-using testing::ExpectValues;
 
 Array1<double> Psd(Session& session, const std::vector<double>& x, double dx, int window, bool mirror) {
   Array1<double> out;
   EXPECT_TRUE(PsdCalc(session, static_cast<std::int32_t>(x.size()), Array1<double>(x), dx, window, mirror, out));
   return out;
-}
-
-std::vector<double> Wavy(int n) {
-  std::vector<double> y(static_cast<std::size_t>(n));
-  for (int i = 0; i < n; ++i) y[static_cast<std::size_t>(i)] = 3 * std::sin(0.37 * i) + std::cos(1.9 * i) + 0.01 * i;
-  return y;
 }
 
 TEST(PsdWindow, HanningAndHammingByHand) {
@@ -62,22 +53,19 @@ TEST(PsdWindow, SmallStatistics) {
   EXPECT_THROW(SampleStdDev(std::vector<double>{1}), LegacyError);
 }
 
-class PsdCalcTest : public testing::SessionTest {};
+using PsdTest = testing::SessionTest;
 
-TEST_F(PsdCalcTest, LengthIsTheNextPowerOfTwoFromFour) {
+TEST(PsdCalcTest, LengthIsTheNextPowerOfTwoFromFour) {
   for (const auto& [n, length] : {std::pair{1, 4}, {2, 4}, {3, 4}, {5, 8}, {1024, 1024}, {1025, 2048}})
     EXPECT_EQ(PsdLength(n), length) << n;
 }
 
 TEST_F(PsdTest, ImpulseByHand) {
   // An impulse has |c| = 1 in every bin: out = 1 / ((1/0.5) · 4) / 1 · π = π/8.
-  const Array1<double> plain = Psd(session, {1, 0, 0, 0}, 0.5, kWindowNone, true);
-  ASSERT_EQ(plain.size(), 4);
-  for (int i = 1; i <= 4; ++i) EXPECT_NEAR(plain[i], kPsdPi / 8, 1e-15);
+  ExpectValues(Psd(session, {1, 0, 0, 0}, 0.5, kWindowNone, true), std::vector<double>(4, kPsdPi / 8), 1e-15);
   // Hanning of 4 points: 0, 0.75, 0.75, 0 (cos of 0, 2π/3, 4π/3, 2π); U = 2 · 0.5625 / 4 = 0.28125.
   // The impulse at sample 2 becomes 0.75: out = 0.5625 / 8 / 0.28125 · π = π/4.
-  const Array1<double> hanning = Psd(session, {0, 1, 0, 0}, 0.5, kWindowHanning, true);
-  for (int i = 1; i <= 4; ++i) EXPECT_NEAR(hanning[i], kPsdPi / 4, 1e-13);
+  ExpectValues(Psd(session, {0, 1, 0, 0}, 0.5, kWindowHanning, true), std::vector<double>(4, kPsdPi / 4), 1e-13);
 }
 
 TEST_F(PsdTest, FoldOrZerosFillTheMissingSamples) {
@@ -92,14 +80,14 @@ TEST_F(PsdTest, FoldOrZerosFillTheMissingSamples) {
   EXPECT_NEAR(zeros[1], 31.0 * 31 / 8 * kPsdPi, 1e-9);
   EXPECT_NEAR(zeros[5], 11.0 * 11 / 8 * kPsdPi, 1e-9);
   // With a power of two the samples are all there and the fill mode changes nothing.
-  const std::vector<double> full = Wavy(64);
+  const std::vector<double> full = Road(64);
   EXPECT_EQ(Psd(session, full, 0.25, kWindowHamming, true), Psd(session, full, 0.25, kWindowHamming, false));
 }
 
 TEST_F(PsdTest, ParsevalHoldsForTheRawSpectrum) {
   // Σ|c|² = n2 · Σz², so Σ out = π · dx · Σz² / U.
   const double dx = 0.25;
-  const std::vector<double> x = Wavy(512);
+  const std::vector<double> x = Road(512);
   const Array1<double> plain = Psd(session, x, dx, kWindowNone, true);
   const double energy = std::inner_product(x.begin(), x.end(), x.begin(), 0.0);
   EXPECT_NEAR(std::accumulate(plain.begin(), plain.end(), 0.0), kPsdPi * dx * energy, 1e-9 * energy);
@@ -126,12 +114,6 @@ TEST_F(PsdTest, OneSampleEndsThroughTheErrorPath) {
   EXPECT_FALSE(PsdCalc(session, 2, Array1<double>({1.0, 2.0}), 0.0, kWindowNone, true, out));
 }
 
-Array1<double> Ramp(int n2) {
-  Array1<double> p(static_cast<std::size_t>(n2));
-  for (int i = 1; i <= n2; ++i) p[i] = i;
-  return p;
-}
-
 void ExpectPairs(const std::vector<PsdPair>& actual, const std::vector<PsdPair>& expected) {
   ASSERT_GE(actual.size(), expected.size());
   for (std::size_t i = 0; i < expected.size(); ++i) {
@@ -140,24 +122,22 @@ void ExpectPairs(const std::vector<PsdPair>& actual, const std::vector<PsdPair>&
   }
 }
 
-class PsdSmoothTest : public testing::SessionTest {};
-
-TEST_F(PsdSmoothTest, OneBandPerOctaveByHand) {
+TEST(PsdSmoothTest, OneBandPerOctaveByHand) {
   // n2 = 64 at 1 m: df = 1/64, h = 32, raw rows T(k) = (k/64, P(k + 1)) for k = 1..31, T(32) = (0, 0).
   // R = 2: no raw step ratio k/(k−1) is above 2, so the grid doubles: 1, 2, 4, 8, 16, 32, 64 (/64),
   // stopping after the first point past the Nyquist number 0.5. Band starts √2·S(i−1): 1.41, 2.83,
   // 5.66, 11.3, 22.6, 45.3 (/64) → first rows 2, 3, 6, 12, 23, none (33).
   // With P(i) = i: 2; mean P(3) = 3; mean P(4..6) = 5; mean P(7..12) = 9.5; mean P(13..23) = 18;
   // rows 23..32 hold P(24..32) and the empty last row: 252 / 10 = 25.2.
-  const std::vector<PsdPair> smooth = SmoothPsdValues(DebugTables{}, Ramp(64), 64, 1.0, 1);
+  const std::vector<PsdPair> smooth = SmoothPsdValues(DebugTables{}, Array1<double>(testing::Ramp(64)), 64, 1.0, 1);
   EXPECT_EQ(smooth.size(), 6u);
   ExpectPairs(smooth, {{1.0 / 64, 2}, {2.0 / 64, 3}, {4.0 / 64, 5}, {8.0 / 64, 9.5}, {16.0 / 64, 18}, {32.0 / 64, 25.2}});
 }
 
-TEST_F(PsdSmoothTest, LowEndFollowsTheRawPointsWhileTheirStepIsCoarser) {
+TEST(PsdSmoothTest, LowEndFollowsTheRawPointsWhileTheirStepIsCoarser) {
   // R = 2^(1/12) ≈ 1.0595: k/(k−1) > R for k ≤ 17, so the first 17 points are the raw ones; the 18th is
   // R times the 17th.
-  const std::vector<PsdPair> smooth = SmoothPsdValues(DebugTables{}, Ramp(256), 256, 1.0, 12);
+  const std::vector<PsdPair> smooth = SmoothPsdValues(DebugTables{}, Array1<double>(testing::Ramp(256)), 256, 1.0, 12);
   std::vector<PsdPair> raw;
   for (int k = 1; k <= 17; ++k) raw.push_back({k / 256.0, k + 1.0});
   ExpectPairs(smooth, raw);
@@ -167,7 +147,7 @@ TEST_F(PsdSmoothTest, LowEndFollowsTheRawPointsWhileTheirStepIsCoarser) {
 }
 
 TEST_F(PsdTest, SmoothRunsTheRawSpectrumFirst) {
-  const std::vector<double> x = Wavy(300);
+  const std::vector<double> x = Road(300);
   std::int32_t count = 0;
   std::vector<PsdPair> pairs;
   ASSERT_TRUE(PsdSmooth(session, 300, Array1<double>(x), 0.1, kWindowHanning, true, 12, count, pairs));
@@ -198,48 +178,50 @@ TEST_F(PsdTest, RatioOfTwoSpectraByHand) {
   EXPECT_EQ(ui_.Messages().size(), 1u);
 }
 
-int ProgressStarts(const ScriptedUi& ui) {
-  int count = 0;
-  for (const auto& entry : ui.Log)
-    if (entry.Kind == "progress-start" && entry.Title == "パワースペクトル計算") ++count;
-  return count;
-}
+class PsdTabTest : public testing::SessionTest {
+ protected:
+  bool Redraw(const std::vector<std::size_t>& selected) { return Redraw_PSD(session, profiles, selected, options, curves); }
+  // How often the stored spectra have been computed.
+  long Computations() const {
+    return std::ranges::count_if(
+        ui_.Log, [](const auto& e) { return e.Kind == "progress-start" && e.Title == "パワースペクトル計算"; });
+  }
 
-TEST_F(PsdTest, TabComputesStoredSpectraOnceAndDrawsCurves) {
-  std::vector<ProfileRecord> profiles = {testing::MakeProfile("a", 0.1, Wavy(100)), testing::MakeProfile("b", 0.1, Wavy(90)),
-                                         testing::MakeProfile("c", 0.1, Wavy(300))};
+  std::vector<ProfileRecord> profiles = {testing::MakeProfile("a", 0.1, Road(100)),
+                                         testing::MakeProfile("b", 0.1, Road(90)),
+                                         testing::MakeProfile("c", 0.1, Road(300))};
   PsdTabOptions options;
   std::vector<PsdCurve> curves;
-  const std::vector<std::size_t> selected = {0, 2};
-  ASSERT_TRUE(Redraw_PSD(session, profiles, selected, options, curves));
+};
+
+TEST_F(PsdTabTest, ComputesStoredSpectraOnceAndDrawsCurves) {
+  ASSERT_TRUE(Redraw({0, 2}));
   ASSERT_EQ(curves.size(), 2u);
   EXPECT_EQ(curves[1].Profile, 2u);
   ASSERT_EQ(curves[1].Points.size(), 512u);
   EXPECT_DOUBLE_EQ(curves[1].Points[3].Wn, 3 / (512 * 0.1));
   EXPECT_EQ(curves[1].Points[3].Val, profiles[2].Analysis.Psd.PsdValues[4]);
   EXPECT_TRUE(profiles[1].Analysis.Psd.Calculated);  // every registered profile gets its spectrum
-  EXPECT_EQ(ProgressStarts(ui_), 1);
+  EXPECT_EQ(Computations(), 1);
 
   options.Smooth = true;
-  ASSERT_TRUE(Redraw_PSD(session, profiles, selected, options, curves));
-  EXPECT_EQ(ProgressStarts(ui_), 1);  // same window and fill: nothing recomputed
-  EXPECT_EQ(curves[0].Points.size(), SmoothPsdValues(DebugTables{}, profiles[0].Analysis.Psd.PsdValues, 100, 0.1, 12).size());
+  ASSERT_TRUE(Redraw({0, 2}));
+  EXPECT_EQ(Computations(), 1);  // same window and fill: nothing recomputed
+  EXPECT_EQ(curves[0].Points.size(),
+            SmoothPsdValues(DebugTables{}, profiles[0].Analysis.Psd.PsdValues, 100, 0.1, 12).size());
 
   options.WindowKind = kWindowHamming;
-  ASSERT_TRUE(Redraw_PSD(session, profiles, selected, options, curves));
-  EXPECT_EQ(ProgressStarts(ui_), 2);
+  ASSERT_TRUE(Redraw({0, 2}));
+  EXPECT_EQ(Computations(), 2);
   EXPECT_EQ(profiles[0].Analysis.Psd.WindowKind, kWindowHamming);
 }
 
-TEST_F(PsdTest, TabRatioAgainstTheFirstSelectedProfile) {
-  std::vector<double> doubled = Wavy(100);
+TEST_F(PsdTabTest, RatioAgainstTheFirstSelectedProfile) {
+  std::vector<double> doubled = Road(100);
   for (double& v : doubled) v *= 2;
-  std::vector<ProfileRecord> profiles = {testing::MakeProfile("a", 0.1, Wavy(100)), testing::MakeProfile("b", 0.1, doubled),
-                                         testing::MakeProfile("c", 0.1, Wavy(300))};
-  PsdTabOptions options;
+  profiles[1] = testing::MakeProfile("b", 0.1, doubled);
   options.Ratio = true;
-  std::vector<PsdCurve> curves;
-  ASSERT_TRUE(Redraw_PSD(session, profiles, std::vector<std::size_t>{0, 1, 2}, options, curves));
+  ASSERT_TRUE(Redraw({0, 1, 2}));
   ASSERT_EQ(curves.size(), 2u);
   // Twice the profile is four times the power: a gain of 2 at every wave number up to 1/(2·0.1).
   ASSERT_EQ(curves[0].Points.size(), 64u);
@@ -247,21 +229,16 @@ TEST_F(PsdTest, TabRatioAgainstTheFirstSelectedProfile) {
   EXPECT_TRUE(curves[1].Points.empty());  // 512 points against 128: no rows
 
   options.Smooth = true;
-  ASSERT_TRUE(Redraw_PSD(session, profiles, std::vector<std::size_t>{0, 1}, options, curves));
+  ASSERT_TRUE(Redraw({0, 1}));
   ASSERT_EQ(curves.size(), 1u);
   ASSERT_FALSE(curves[0].Points.empty());
   for (const PsdPair& p : curves[0].Points) EXPECT_NEAR(p.Val, 2.0, 1e-9);
 }
 
-TEST_F(PsdTest, TabRefusesBandsPerOctaveBelowOne) {
-  std::vector<ProfileRecord> profiles = {testing::MakeProfile("a", 0.1, Wavy(100))};
-  PsdTabOptions options;
+TEST_F(PsdTabTest, RefusesBandsPerOctaveBelowOne) {
   options.BandsPerOctave = 0;
-  std::vector<PsdCurve> curves;
-  EXPECT_FALSE(Redraw_PSD(session, profiles, std::vector<std::size_t>{0}, options, curves));
-  ASSERT_EQ(ui_.Messages().size(), 1u);
-  EXPECT_EQ(ui_.Messages()[0].Text, "BandsPerOctave値はゼロより大きく指定してください。");
-  EXPECT_EQ(ui_.Messages()[0].Title, "警告");
+  EXPECT_FALSE(Redraw({0}));
+  testing::ExpectMessages(ui_, {{"BandsPerOctave値はゼロより大きく指定してください。", "警告"}});
   EXPECT_FALSE(profiles[0].Analysis.Psd.Calculated);
 }
 
