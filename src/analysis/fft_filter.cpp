@@ -179,8 +179,6 @@ bool Cal_FFTフィルタ_単体処理(Session& session, std::int32_t& debugSeq, 
     MaskedInverse(spectrum, length2, mask, offset, n, scratch, other);
     if (debugOn) WriteResultTable(debug, debugSeq, n, dx, kind, longCut, shortCut, source, result, other);
     return true;
-  } catch (const Cancelled&) {
-    throw;
   } catch (const std::exception& error) {
     ErrorLog(session, kModule, kSingleProc, error);
     return false;
@@ -216,8 +214,6 @@ bool Cal_FFTフィルタ_収束計算(Session& session, std::int32_t n, std::int
     }
     result = std::move(pass);
     return true;
-  } catch (const Cancelled&) {
-    throw;
   } catch (const std::exception& error) {
     ErrorLog(session, kModule, kConvergeProc, error);
     return false;

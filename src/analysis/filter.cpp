@@ -168,8 +168,6 @@ FilterRunOutcome RunFilter(Session& session, const FilterSpec& filterSpec, bool 
       bool ok = false;
       try {
         ok = FilterOne(session, record->Analysis, filterSpec, iri, limits, fresh);
-      } catch (const Cancelled&) {
-        throw;
       } catch (const std::exception& error) {
         ErrorLog(session, kModule, kGoProc, NamingFile(*record, error));
       }

@@ -3,7 +3,6 @@
 #include <exception>
 #include <string_view>
 
-#include "base/progress.h"
 #include "base/session.h"
 
 namespace velmora {
@@ -26,8 +25,6 @@ bool Guarded(Session& session, std::string_view moduleName, std::string_view pro
   try {
     operation();
     return true;
-  } catch (const Cancelled&) {
-    throw;  // a stop asked for is no error: it goes on to the workbench
   } catch (const std::exception& error) {
     ErrorLog(session, moduleName, procName, error);
     return false;
@@ -42,8 +39,6 @@ bool GuardedContinue(Session& session, std::string_view moduleName, std::string_
   try {
     operation();
     return true;
-  } catch (const Cancelled&) {
-    throw;
   } catch (const std::exception& error) {
     try {
       ErrorLog(session, moduleName, procName, error, quiet);

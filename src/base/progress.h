@@ -1,7 +1,6 @@
 #pragma once
 // The progress display as the computations see it. A long computation reports how far it is; the
 // answer tells it whether to go on, so a front end can offer "Cancel" and a worker can be stopped.
-#include <exception>
 #include <string>
 
 namespace velmora {
@@ -17,11 +16,9 @@ class ProgressSink {
 };
 
 // Thrown where a stop was asked for: the computation unwinds without storing anything, and the
-// workbench reports it as cancelled rather than as an error.
-class Cancelled : public std::exception {
- public:
-  const char* what() const noexcept override { return "cancelled"; }
-};
+// workbench reports it as cancelled rather than as an error. It is no std::exception on purpose, so
+// that no handler of run-time errors on the way logs it as one.
+struct Cancelled {};
 
 // Reports `percent` and throws Cancelled when the sink asks to stop.
 inline void ReportProgress(ProgressSink& sink, int percent) {

@@ -108,8 +108,9 @@ bool BackgroundGo::Start(int tab, PostToCaller post, std::function<void(GoOutcom
     GoOutcome outcome = GoOutcome::Failed;
     try {
       outcome = bench_.RunGo(tab);
-    } catch (const std::exception&) {
-      // RunGo reports its own failures; what escapes it (a log that cannot be written) ends it here.
+    } catch (...) {
+      // RunGo reports its own failures; what escapes it (a log that cannot be written) ends it here,
+      // as nothing may leave a thread's function.
     }
     // The interaction and its scope travel with the end, so that both are released on the caller's thread.
     post([this, outcome, done = std::move(done), marshalled = std::move(marshalled), scope = std::move(scope)]() mutable {

@@ -35,15 +35,15 @@ TEST_F(SingularCar, TheIriRunSaysItOnceForAllProfiles) {
 }
 
 TEST_F(SingularCar, TheIriFilterSaysItAndTheOtherFiltersDoNot) {
-  FilterSpec spec;
-  spec.CalcType = FilterCalcType::Iri;
+  FilterSpec filter;
+  filter.CalcType = FilterCalcType::Iri;
   PrepareProfile(DebugTables{}, road);
-  RunFilter(session, spec, true, {&road}, Singular(), FilterConvergence{});
+  RunFilter(session, filter, true, {&road}, Singular(), FilterConvergence{});
   ExpectSaidOnce();
 
   ui_.Log.clear();
-  spec.CalcType = FilterCalcType::Slope;
-  RunFilter(session, spec, true, {&road}, Singular(), FilterConvergence{});
+  filter.CalcType = FilterCalcType::Slope;
+  RunFilter(session, filter, true, {&road}, Singular(), FilterConvergence{});
   EXPECT_TRUE(ui_.Messages().empty());
 }
 

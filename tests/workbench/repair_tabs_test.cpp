@@ -98,6 +98,17 @@ TEST_F(RepairTabsTest, UnchangedSecondGoRecomputesNothingAndShowsNoBox) {
   EXPECT_TRUE(Road().RepairStudy.IdealValid);
 }
 
+TEST_F(RepairTabsTest, AStopDuringTheMWaveStepIsNoErrorAndLeavesTheSplitAsItWas) {
+  ASSERT_TRUE(bench.Go(tab::ThreeWave));
+  const Array1<double> middle = Road().ThreeWave.MiddleWave.Values;
+  ui.StopAfterValues = static_cast<int>(ui.ProgressValues.size()) + 2;  // inside the M-wave's eight steps
+  EXPECT_EQ(bench.RunGo(tab::MediumWave), GoOutcome::Cancelled);
+  EXPECT_TRUE(ui.Messages().empty());  // not logged as a failed step
+  EXPECT_FALSE(Road().RepairStudy.MiddleValid);
+  EXPECT_EQ(Road().ThreeWave.MiddleWave.Values, middle);
+  EXPECT_TRUE(bench.TabDirty[tab::MediumWave]);
+}
+
 TEST_F(RepairTabsTest, ChangedIriLengthClearsTheStudyAndClosesTheTabsWithoutData) {
   ASSERT_TRUE(Run());
   ui.Log.clear();
