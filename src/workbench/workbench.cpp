@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include <fmt/format.h>
+
 #include "base/error_log.h"
 #include "base/path_helpers.h"
 #include "base/progress.h"
-#include <fmt/format.h>
-
 #include "base/user_interaction.h"
 
 namespace velmora::workbench {
