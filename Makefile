@@ -2,7 +2,8 @@
 # Both install the Debian packages that are missing, then configure and build in Release.
 
 PACKAGES := g++ cmake make pkg-config libgtest-dev libgmock-dev libbenchmark-dev libfmt-dev \
-            libcli11-dev libzip-dev libpugixml-dev libfftw3-dev
+            libcli11-dev libzip-dev libpugixml-dev libfftw3-dev \
+            nlohmann-json3-dev gettext
 BUILD    := build
 JOBS     ?= $(shell nproc)
 SUDO     := $(shell [ "$$(id -u)" -eq 0 ] || echo sudo)

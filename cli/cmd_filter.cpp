@@ -30,6 +30,11 @@ int RunFilterCommand(const CommonOptions& common, const FilterOptions& o) {
   if (!o.SlopeCut.empty()) bench.Filter.SlopeCut = o.SlopeCut;
   bench.Filter.Converge = o.Converge;
   bench.DispGrp = true;
+  {
+    CliUi::FlagCheck check(session->Ui, {{"--long", "Long CutOff", "m"}, {"--short", "Short CutOff", "m"},
+                                         {"--slope-cut", "Slope", "mm/m"}});
+    if (!bench.StoreInputs(workbench::tab::Filter)) return 1;
+  }
   if (!bench.Go(workbench::tab::Filter)) return 1;
   return Export(*session, {ExportKind::Profile, false, workbench::tab::Filter, {}}) ? 0 : 1;
 }

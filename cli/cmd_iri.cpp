@@ -1,5 +1,5 @@
 // velmora iri: the IRI tab's Go over the files, the whole-profile IRI printed, the IRI files written.
-#include <cstdio>
+#include <fmt/format.h>
 
 #include "base/settings.h"
 #include "command_session.h"
@@ -29,11 +29,14 @@ int RunIriCommand(const CommonOptions& common, const IriOptions& o) {
   bench.Iri.EvalLength = o.Length;
   bench.Iri.SkipPartialSections = o.SkipPartial;
   bench.DispGrp = true;
-  if (!bench.Go(workbench::tab::Iri)) return 1;
+  if (!CheckIriLengthFlag(*session) || !bench.Go(workbench::tab::Iri)) return 1;
 
   for (int row : bench.Selection(workbench::tab::Iri)) {
     const ProfileRecord& record = bench.Profile(row);
-    std::printf("%s\tIRI %.4f mm/m\n", ProfileList::NameOf(record).c_str(), record.Analysis.Iri.IriWholeProfile);
+    const std::string name = ProfileList::NameOf(record);
+    const double iri = record.Analysis.Iri.IriWholeProfile;
+    session->Run.Say(fmt::format("{}\tIRI {:.4f} mm/m", name, iri));
+    session->Run.Result({{"profile", name}, {"file", record.FileName}, {"iri_mm_per_m", iri}});
   }
   using workbench::ExportRequest;
   ExportRequest request{ExportKind::IriWhole, false, workbench::tab::Iri, {}};

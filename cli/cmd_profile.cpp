@@ -1,8 +1,8 @@
 // velmora info and velmora convert: what an ERD file holds, and ERD files side by side in one CSV.
-#include <cstdio>
+#include <fmt/format.h>
 #include <filesystem>
 
-#include "base/legacy_error.h"
+#include "base/file_helpers.h"
 #include "base/legacy_format.h"
 #include "base/path_helpers.h"
 #include "base/session.h"
@@ -16,68 +16,75 @@
 namespace velmora::cli {
 namespace {
 
-void PrintInfo(const std::string& path, const ProfileRecord& profile) {
+void PrintInfo(RunContext& run, const std::string& path, const ProfileRecord& profile) {
   const ErdRecord& erd = profile.Erd;
   SeriesStats stats;
   CalcSeriesStats(profile.WorkCount, profile.WorkProfile, stats);
   const double length = erd.NumSamples > 0 ? (erd.NumSamples - 1) * erd.StepSize : 0.0;
-  std::printf("%s\n", path.c_str());
-  std::printf("  title      %s\n", erd.Title.c_str());
-  std::printf("  KP         %s\n", erd.KpDisplay.empty() ? "-" : erd.KpDisplay.c_str());
-  if (!erd.RepairRangeText.empty()) std::printf("  repair     %s\n", erd.RepairRangeText.c_str());
-  std::printf("  channels   %d (%s)\n", erd.NumChannels, Trim(erd.ShortName[1]).c_str());
-  std::printf("  samples    %d (header %d)\n", erd.NumSamples, erd.NumSamplesHeader);
-  std::printf("  pitch      %s m (XUNITS %s)\n", FormatNumber(erd.StepSize, "0.000000").c_str(), erd.DistanceUnit.c_str());
-  std::printf("  length     %s m\n", FormatNumber(length, "0.00000").c_str());
-  std::printf("  elevation  min %s  max %s  mean %s  sd %s mm\n", FormatNumber(stats.Minimum, "0.0000").c_str(),
-              FormatNumber(stats.Maximum, "0.0000").c_str(), FormatNumber(stats.Mean, "0.0000").c_str(),
-              FormatNumber(stats.StdDev, "0.0000").c_str());
+  run.Say(path);
+  run.Say("  title      " + erd.Title);
+  run.Say("  KP         " + (erd.KpDisplay.empty() ? std::string("-") : erd.KpDisplay));
+  if (!erd.RepairRangeText.empty()) run.Say("  repair     " + erd.RepairRangeText);
+  run.Say(fmt::format("  channels   {} ({})", erd.NumChannels, Trim(erd.ShortName[1])));
+  run.Say(fmt::format("  samples    {} (header {})", erd.NumSamples, erd.NumSamplesHeader));
+  run.Say(fmt::format("  pitch      {} m (XUNITS {})", FormatNumber(erd.StepSize, "0.000000"), erd.DistanceUnit));
+  run.Say(fmt::format("  length     {} m", FormatNumber(length, "0.00000")));
+  run.Say(fmt::format("  elevation  min {}  max {}  mean {}  sd {} mm", FormatNumber(stats.Minimum, "0.0000"),
+                      FormatNumber(stats.Maximum, "0.0000"), FormatNumber(stats.Mean, "0.0000"),
+                      FormatNumber(stats.StdDev, "0.0000")));
+  run.Result({{"file", path}, {"title", erd.Title}, {"samples", erd.NumSamples}, {"pitch_m", erd.StepSize},
+              {"length_m", length}, {"mean_mm", stats.Mean}, {"sd_mm", stats.StdDev}});
 }
 
 // Each file is registered as the workbench registers it and described at once, so that two files
 // of one name (the second replacing the first in the list) are both described.
-int RunInfo(const std::vector<std::string>& files, const CommonOptions& common) {
+int RunInfo(const std::vector<std::string>& arguments, const CommonOptions& common) {
   auto session = OpenSession(common, {}, workbench::tab::Profile);
-  if (!session) return 1;
+  if (!session) return kExitFailed;
   workbench::Workbench& bench = session->Bench;
-  int status = 0;
-  for (const std::string& path : files) {
-    if (!std::filesystem::is_regular_file(path)) {
-      std::fprintf(stderr, "velmora: %s: no such file\n", path.c_str());
-      status = 1;
-      continue;
+  int status = kExitOk;
+  for (const std::string& argument : arguments) {
+    const std::vector<std::string> files = InputFiles(session->Run, {argument});
+    if (files.empty()) status = kExitFailed;
+    for (const std::string& path : files) {
+      session->Run.Inputs.push_back(path);
+      if (!bench.RegisterFiles({path}, false)) {
+        status = kExitFailed;
+        continue;
+      }
+      PrintInfo(session->Run, path, bench.Profile(bench.List().Find(flGetFileNameNonExt(path))));
     }
-    if (!bench.RegisterFiles({path}, false)) {
-      status = 1;
-      continue;
-    }
-    PrintInfo(path, bench.Profile(bench.List().Find(flGetFileNameNonExt(path))));
   }
   return status;
 }
 
-// The CSV target: -o as a file name, or as a folder (then "Profile_<now>.CSV" in it); without -o,
-// the common output folder.
-std::string CsvTarget(const std::string& output, const CommonOptions& common) {
-  const std::string defaultName = "Profile_" + FormatDateTime(LocalNow(), "YYYYMMDDHHNNSS") + ".CSV";
-  if (output.empty()) return (std::filesystem::path(common.OutputDir) / defaultName).string();
-  if (std::filesystem::is_directory(output)) return (std::filesystem::path(output) / defaultName).string();
-  return output;
+// The CSV's name in the staging folder and where it goes: -o naming a ".csv" file, else -o as a
+// folder (made when missing) for "Profile_<time>.CSV"; without -o, the common output folder. A file
+// the user named is replaced; a name with the time takes a free name.
+void SetCsvTarget(RunContext& run, const std::string& output, std::string& name) {
+  name = "Profile_" + FormatDateTime(run.Stamp, "YYYYMMDDHHNNSS") + ".CSV";
+  if (output.empty()) return;
+  const std::filesystem::path target(output);
+  if (MatchFilePattern(target.filename().string(), "*.csv") && !std::filesystem::is_directory(target)) {
+    name = target.filename().string();
+    run.OutputDir = target.parent_path().empty() ? "." : target.parent_path();
+    run.Replace = true;
+  } else {
+    run.OutputDir = target;
+  }
 }
 
 int RunConvert(const std::vector<std::string>& files, const std::string& output, const CommonOptions& common) {
   auto session = OpenSession(common, files, workbench::tab::Profile);
-  if (!session) return 1;
+  if (!session) return kExitFailed;
   std::vector<const ErdRecord*> records;
   for (const ProfileRecord& profile : session->Bench.List().Items) records.push_back(&profile.Erd);
-  try {
-    for (const std::string& written : WriteProfileCsv(session->Engine, CsvTarget(output, common), records))
-      std::printf("%s\n", written.c_str());
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "velmora: %s\n", error.what());
-    return 1;
-  }
-  return 0;
+  std::string name;
+  SetCsvTarget(session->Run, output, name);
+  std::error_code ec;
+  std::filesystem::create_directories(session->Run.Staging(), ec);
+  WriteProfileCsv(session->Engine, (session->Run.Staging() / name).string(), records);
+  return kExitOk;
 }
 
 void AddErdFiles(CLI::App& cmd, std::vector<std::string>& files) {

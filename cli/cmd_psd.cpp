@@ -9,7 +9,7 @@ struct PsdOptions {
   std::vector<std::string> Files;
   std::string Window = "hanning";
   std::string Fill = "mirror";
-  int Smooth = 0;
+  std::string Smooth = "0";
   bool Ratio = false;
 };
 
@@ -19,8 +19,9 @@ int RunPsdCommand(const CommonOptions& common, const PsdOptions& o) {
   workbench::Workbench& bench = session->Bench;
   bench.Psd.WindowKind = o.Window == "none" ? 0 : o.Window == "hanning" ? 1 : 2;
   bench.Psd.MirrorFill = o.Fill == "mirror";
-  bench.Psd.Smooth = o.Smooth != 0;
-  bench.Psd.BandsPerOctave = std::to_string(o.Smooth);
+  const int smooth = std::stoi(o.Smooth);
+  bench.Psd.Smooth = smooth != 0;
+  bench.Psd.BandsPerOctave = std::to_string(smooth);
   bench.Psd.Ratio = o.Ratio;
   bench.DispGrp = true;
   // The PSD tab has no Go: a click in its list computes and shows.
@@ -29,10 +30,10 @@ int RunPsdCommand(const CommonOptions& common, const PsdOptions& o) {
   workbench::ExportRequest request{ExportKind::PsdRaw, false, workbench::tab::Psd, {}};
   request.Options.WindowKind = bench.Psd.WindowKind;
   request.Options.MirrorFill = bench.Psd.MirrorFill;
-  request.Options.BandsPerOctave = o.Smooth;
-  request.Options.Smoothed = o.Smooth != 0;
+  request.Options.BandsPerOctave = smooth;
+  request.Options.Smoothed = smooth != 0;
   bool ok = Export(*session, request);
-  if (o.Smooth != 0) {
+  if (smooth != 0) {
     request.Kind = ExportKind::PsdSmoothed;
     ok = Export(*session, request) && ok;
   }
@@ -54,7 +55,7 @@ VELMORA_COMMAND("psd", "power spectral density of profiles (mm² per cycle/m), s
                   cmd.add_option("--fill", o->Fill, "fill up to a power of two: mirror (point-symmetric) or zero")
                       ->check(CLI::IsMember({"mirror", "zero"}))->capture_default_str();
                   cmd.add_option("--smooth", o->Smooth, "also write the spectrum smoothed to N points per octave")
-                      ->check(CLI::PositiveNumber);
+                      ->check(WholeNumberFrom(1));
                   cmd.add_flag("--ratio", o->Ratio, "gain sqrt(PSD/PSD of the first file) of each further file");
                   return [&common, o] { return RunPsdCommand(common, *o); };
                 });

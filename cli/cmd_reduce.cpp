@@ -4,7 +4,10 @@
 
 #include "base/common.h"
 #include "base/settings.h"
+#include <fmt/format.h>
+
 #include "command_session.h"
+#include "messages.h"
 #include "profile/profile_list.h"
 
 namespace velmora::cli {
@@ -17,39 +20,13 @@ struct ReduceOptions {
   BandFileOptions Extra;
 };
 
-// The nine limit texts of --lines; a blank text means no limit. A text that is neither blank nor a
-// number is refused here rather than silently taken as no limit: on a command line it is a typo.
-bool ParseLines(const std::string& text, std::array<std::string, 10>& lines) {
-  std::vector<std::string> parts{""};
-  for (char c : text) {
-    if (c == ',')
-      parts.emplace_back();
-    else
-      parts.back() += c;
-  }
-  if (parts.size() != 9) {
-    std::fprintf(stderr, "velmora reduce: --lines wants nine limits (mm) separated by commas, got \"%s\"\n",
-                 text.c_str());
-    return false;
-  }
-  for (std::size_t k = 1; k <= 9; ++k) {
-    const std::string line = Trim(parts[k - 1]);
-    if (!line.empty() && !IsNumeric(line)) {
-      std::fprintf(stderr, "velmora reduce: --lines: limit %zu \"%s\" is not a number (mm)\n", k, line.c_str());
-      return false;
-    }
-    lines[k] = line;
-  }
-  return true;
-}
-
 int RunReduceCommand(const CommonOptions& common, const ReduceOptions& o) {
-  std::array<std::string, 10> lines{};
-  if (!o.Lines.empty() && !ParseLines(o.Lines, lines)) return 2;
+  std::optional<std::array<std::string, 10>> lines;
+  if (!o.Lines.empty() && !(lines = NineLimits(*common.Run, o.Lines))) return kExitUsage;
   auto session = OpenSession(common, o.Files, workbench::tab::BandReduction);
   if (!session) return 1;
   workbench::Workbench& bench = session->Bench;
-  if (!o.Lines.empty()) bench.Band.Lines = lines;
+  if (lines) bench.Band.Lines = *lines;
   bench.Octave.Converge = o.Converge;
   bench.DispGrp = true;
   if (!bench.Go(workbench::tab::BandReduction)) return 1;
@@ -57,8 +34,9 @@ int RunReduceCommand(const CommonOptions& common, const ReduceOptions& o) {
   for (int row : bench.Selection(workbench::tab::BandReduction)) {
     const ProfileRecord& record = bench.Profile(row);
     const WaveSeries& total = record.Analysis.BandReduction.Result.Total;
-    std::printf("%s\treduced profile %.3f .. %.3f mm\n", ProfileList::NameOf(record).c_str(), total.Stats.Minimum,
-                total.Stats.Maximum);
+    const std::string name = ProfileList::NameOf(record);
+    session->Run.Say(fmt::format("{}\treduced profile {:.3f} .. {:.3f} mm", name, total.Stats.Minimum, total.Stats.Maximum));
+    session->Run.Result({{"profile", name}, {"reduced_min_mm", total.Stats.Minimum}, {"reduced_max_mm", total.Stats.Maximum}});
   }
   return ExportBandFiles(*session, workbench::tab::BandReduction, o.Extra,
                          {ExportKind::BandAll, ExportKind::BandOne, ExportKind::BandSum, ExportKind::BandLong,

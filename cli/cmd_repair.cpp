@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <optional>
+
+#include <fmt/format.h>
 #include <filesystem>
 #include <set>
 
@@ -11,6 +14,8 @@
 #include "base/legacy_format.h"
 #include "base/text_encoding.h"
 #include "command_session.h"
+#include "messages.h"
+#include "repair/three_wave.h"
 #include "profile/profile_list.h"
 #include "repair/ideal_shape.h"
 #include "repair/study_targets.h"
@@ -27,10 +32,10 @@ using workbench::tab::ThreeWave;
 
 struct RepairOptions {
   std::vector<std::string> Files;
-  std::string Long = "51.2";   // m
-  std::string Short = "4";     // m
-  std::string Length = "10";   // m
-  std::string Lines;           // nine limits, mm, comma-separated; an empty entry is no limit
+  std::optional<std::string> Long;    // m; unset: from the settings
+  std::optional<std::string> Short;   // m
+  std::optional<std::string> Length;  // m
+  std::string Lines;                  // nine limits, mm, comma-separated; an empty entry is no limit
   std::string PlanRange;       // "KP1,KP2", km
   std::string Adjust;          // CSV of KP (km) and thickness change (mm)
   std::string Register;        // any of L, M, S, ideal
@@ -39,14 +44,15 @@ struct RepairOptions {
 // A problem with what was typed or with a file: the message names it; the command stops before
 // writing anything.
 struct InputError {
-  std::string Text;
+  std::string What;  // the file or flag
+  std::string Why;
 };
 
 // One line of the --adjust file: the KP of a point (km) and the change of thickness there (mm).
 // The --adjust file: one "KP,thickness" pair per line (KP in km, thickness in mm, a fill positive);
 // a first line that is not numeric is a head and skipped, blank lines are skipped.
 std::vector<KpAdjustment> ReadAdjustments(const std::string& path) {
-  if (!fs::is_regular_file(path)) throw InputError{path + ": no such file"};
+  if (!fs::is_regular_file(path)) throw InputError{path, Tr("no such file")};
   const std::vector<std::string> lines = ReadSystemTextLines(path);
   std::vector<KpAdjustment> out;
   for (std::size_t k = 0; k < lines.size(); ++k) {
@@ -56,12 +62,11 @@ std::vector<KpAdjustment> ReadAdjustments(const std::string& path) {
     const auto thickness = fields.size() == 2 ? ParseNumber(Trim(fields[1])) : std::nullopt;
     if (!kp || !thickness) {
       if (k == 0) continue;  // the head line
-      throw InputError{path + ": line " + std::to_string(k + 1) + ": expected \"KP(km),thickness(mm)\", got \"" +
-                       lines[k] + "\""};
+      throw InputError{path, Tr("line {}: expected \"KP(km),thickness(mm)\", got \"{}\"", std::to_string(k + 1), lines[k])};
     }
     out.push_back({*kp, *thickness});
   }
-  if (out.empty()) throw InputError{path + ": no adjusted point"};
+  if (out.empty()) throw InputError{path, Tr("no adjusted point")};
   return out;
 }
 
@@ -69,31 +74,27 @@ std::vector<std::string> Split(const std::string& text) { return uToken(text, ",
 
 double NumberOption(const std::string& option, const std::string& text) {
   const auto value = ParseNumber(Trim(text));
-  if (!value) throw InputError{option + ": \"" + text + "\" is not a number"};
+  if (!value) throw InputError{option, Tr("\"{}\" is not a number", text)};
   return *value;
 }
 
-workbench::RepairTabInputs& FillForm(workbench::Workbench& bench, const RepairOptions& o) {
+// The study's boxes: the boundaries, base length and band lines of the settings (Default.ini), each
+// replaced by its flag when given.
+workbench::RepairTabInputs& FillForm(workbench::Workbench& bench, const RepairOptions& o,
+                                     const std::array<std::string, 10>* lines) {
   workbench::RepairTabInputs& in = bench.Repair;
-  in.Form.LongBoundary = o.Long;
-  in.Form.ShortBoundary = o.Short;
-  in.Form.IriLength = o.Length;
-  in.Form.Lines.fill(std::string());
-  if (!o.Lines.empty()) {
-    const std::vector<std::string> lines = Split(o.Lines);
-    if (lines.size() != 9) throw InputError{"--lines: nine limits are needed (mm), got " + std::to_string(lines.size())};
-    for (std::size_t k = 0; k < 9; ++k) {
-      if (!Trim(lines[k]).empty()) NumberOption("--lines", lines[k]);
-      in.Form.Lines[k + 1] = Trim(lines[k]);
-    }
-  }
+  in.Form = ThreeWaveFormFromConditions(bench.Session().CurrentConditions);
+  if (o.Long) in.Form.LongBoundary = *o.Long;
+  if (o.Short) in.Form.ShortBoundary = *o.Short;
+  if (o.Length) in.Form.IriLength = *o.Length;
+  if (lines) in.Form.Lines = *lines;
   return in;
 }
 
 void ApplyPlanRange(workbench::Workbench& bench, const std::string& text) {
   if (text.empty()) return;
   const std::vector<std::string> kps = Split(text);
-  if (kps.size() != 2) throw InputError{"--plan-range: two KP values in km are needed, as KP1,KP2"};
+  if (kps.size() != 2) throw InputError{"--plan-range", Tr("two KP values in km are needed, as KP1,KP2")};
   const double start = NumberOption("--plan-range", kps[0]);
   const double end = NumberOption("--plan-range", kps[1]);
   bench.Repair.UsePlanRange = true;
@@ -121,27 +122,26 @@ RegisterChoice ParseRegister(const std::string& which) {
     else if (w == "M") choice.Waves.Middle = true;
     else if (w == "S") choice.Waves.Short = true;
     else if (w == "ideal") choice.Ideal = true;
-    else throw InputError{"--register: \"" + w + "\" is none of L, M, S, ideal"};
+    else throw InputError{"--register", Tr("\"{}\" is none of L, M, S, ideal", w)};
   }
   return choice;
 }
 
-// Registers the chosen waves as profiles (files in the project's profile folder) and copies those
-// files into the output folder.
-bool RegisterWaves(workbench::Workbench& bench, const RegisterChoice& choice, const std::string& outputDir) {
+// Registers the chosen waves as profiles (files in the project's profile folder) and stages copies
+// of those files for the output folder.
+bool RegisterWaves(CommandSession& session, const RegisterChoice& choice) {
   if (!choice.Any()) return true;
-  const workbench::RegisteredWaves registered = workbench::RegisterStudyWaves(bench, choice.Waves, choice.Ideal);
-  for (const std::string& name : registered.FileNames) {
-    fs::copy_file(fs::path(ProjectProfileFolder(bench.Session())) / name, fs::path(outputDir) / name,
-                  fs::copy_options::overwrite_existing);
-    std::printf("registered\t%s\n", name.c_str());
-  }
-  return registered.Ok;
+  const workbench::RegisteredWaves registered = workbench::RegisterStudyWaves(session.Bench, choice.Waves, choice.Ideal);
+  bool ok = registered.Ok;
+  for (const std::string& name : registered.FileNames) ok = StageProjectProfile(session, name) && ok;
+  return ok;
 }
 
 int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
   try {
     const RegisterChoice registerChoice = ParseRegister(o.Register);
+    std::optional<std::array<std::string, 10>> lines;
+    if (!o.Lines.empty() && !(lines = NineLimits(*common.Run, o.Lines))) return kExitUsage;
     std::vector<KpAdjustment> adjustments;
     if (!o.Adjust.empty()) adjustments = ReadAdjustments(o.Adjust);
     auto session = OpenSession(common, o.Files, workbench::tab::Profile);
@@ -149,9 +149,15 @@ int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
     workbench::Workbench& bench = session->Bench;
     bench.MnuBunseki();
     bench.DispGrp = true;
-    workbench::RepairTabInputs& in = FillForm(bench, o);
+    workbench::RepairTabInputs& in = FillForm(bench, o, lines ? &*lines : nullptr);
     // A fresh study: the typed values are the study's own, so the first split resets nothing.
-    if (!getParam_補修形状検討_3波分解(bench.Session(), in.Form, in.Stored)) return 1;
+    {
+      CliUi::FlagCheck check(session->Ui, {{"--long", "長波側境界値", "m"},
+                                           {"--short", "短波側境界値", "m"},
+                                           {"--length", "IRI算出基準長", "m"},
+                                           {"--lines", "", "mm"}});
+      if (!getParam_補修形状検討_3波分解(bench.Session(), in.Form, in.Stored)) return 1;
+    }
     ApplyPlanRange(bench, o.PlanRange);
     for (int t = ThreeWave; t <= IdealShape; ++t) bench.SelectAll(t);
 
@@ -161,7 +167,7 @@ int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
       try {
         applied = workbench::AddKpThicknessStudies(bench, o.Adjust, adjustments);
       } catch (const LegacyError& error) {
-        throw InputError{error.what()};  // a KP beside the road is a fault of the file, as a bad line is
+        throw InputError{"", error.what()};  // a KP beside the road is a fault of the file, as a bad line is
       }
       if (!applied) return 1;
     }
@@ -169,11 +175,17 @@ int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
 
     for (int row : bench.Selection(IdealShape)) {
       const ProfileRecord& record = bench.Profile(row);
-      std::printf("%s\tIRI %.4f mm/m\tcorrected %.4f mm/m\tideal %.4f mm/m\n", ProfileList::NameOf(record).c_str(),
-                  record.RepairStudy.ProfileIri.IriWholeProfile, ChosenOutcome(record).Corrected.Iri.IriWholeProfile,
-                  record.RepairStudy.IdealShape.Iri.IriWholeProfile);
+      const std::string name = ProfileList::NameOf(record);
+      const double iri = record.RepairStudy.ProfileIri.IriWholeProfile;
+      const double corrected = ChosenOutcome(record).Corrected.Iri.IriWholeProfile;
+      const double ideal = record.RepairStudy.IdealShape.Iri.IriWholeProfile;
+      session->Run.Say(fmt::format("{}\tIRI {:.4f} mm/m\tcorrected {:.4f} mm/m\tideal {:.4f} mm/m", name, iri, corrected, ideal));
+      session->Run.Result({{"profile", name},
+                           {"iri_mm_per_m", iri},
+                           {"corrected_iri_mm_per_m", corrected},
+                           {"ideal_iri_mm_per_m", ideal}});
     }
-    const std::tm now = LocalNow();
+    const std::tm now = session->Run.Stamp;
     bool ok = true;
     using Kind = RepairExportKind;
     const std::pair<Kind, int> kinds[] = {{Kind::ThreeWaveProfile, ThreeWave},
@@ -183,11 +195,11 @@ int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
                                           {Kind::IdealShape, IdealShape}};
     for (const auto& [kind, tab] : kinds)
       ok = !workbench::MakeRepairResultFiles(bench, {kind, false, tab}, now).Files.empty() && ok;
-    ok = RegisterWaves(bench, registerChoice, common.OutputDir) && ok;
+    ok = RegisterWaves(*session, registerChoice) && ok;
     return ok ? 0 : 1;
   } catch (const InputError& error) {
-    std::fprintf(stderr, "velmora repair: %s\n", error.Text.c_str());
-    return 2;
+    PrintProblem(*common.Run, error.What, error.Why);
+    return kExitUsage;
   }
 }
 
@@ -200,14 +212,12 @@ VELMORA_COMMAND(
     [](CLI::App& cmd, const CommonOptions& common) -> std::function<int()> {
       auto o = std::make_shared<RepairOptions>();
       AddFilesArgument(cmd, o->Files);
-      cmd.add_option("--long", o->Long, "long-wave boundary, m: longer wavelengths make the L wave")
-          ->capture_default_str();
-      cmd.add_option("--short", o->Short, "short-wave boundary, m: shorter wavelengths make the S wave")
-          ->capture_default_str();
-      cmd.add_option("--length", o->Length, "IRI base length of the study, m")->capture_default_str();
+      cmd.add_option("--long", o->Long, "long-wave boundary, m: longer wavelengths make the L wave (default: Default.ini)");
+      cmd.add_option("--short", o->Short, "short-wave boundary, m: shorter wavelengths make the S wave (default: Default.ini)");
+      cmd.add_option("--length", o->Length, "IRI base length of the study, m (default 10)");
       cmd.add_option("--lines", o->Lines,
                      "band reduction limits of the S wave for octaves 1..9, mm, as l1,...,l9 (an empty entry: "
-                     "no limit; default none)");
+                     "no limit; default: Default.ini)");
       cmd.add_option("--plan-range", o->PlanRange,
                      "repair plan range as KP1,KP2 in km: the M wave is straightened and the S wave reduced "
                      "only inside it");

@@ -3,7 +3,10 @@
 #include <cstdio>
 
 #include "base/common.h"
+#include <fmt/format.h>
+
 #include "command_session.h"
+#include "messages.h"
 
 namespace velmora::cli {
 namespace {
@@ -49,8 +52,8 @@ void SetOrder(workbench::Workbench& bench, const std::vector<std::string>& words
 
 int RunStatsCommand(const CommonOptions& common, const StatsOptions& o) {
   if (o.NoProfile && o.IriLengths.empty()) {
-    std::fprintf(stderr, "velmora stats: nothing to compute: --no-profile needs --iri-lengths\n");
-    return 2;
+    PrintProblem(*common.Run, "--no-profile", Tr("nothing to compute: --no-profile needs --iri-lengths"));
+    return kExitUsage;
   }
   auto session = OpenSession(common, o.Files, workbench::tab::Statistics);
   if (!session) return 1;
@@ -71,7 +74,7 @@ int RunStatsCommand(const CommonOptions& common, const StatsOptions& o) {
   if (!bench.Go(workbench::tab::Statistics)) return 1;
   for (const StatisticsPage& page : bench.Evaluation.Statistics.Results.Pages)
     if (!page.Empty())
-      std::printf("%s\t%zu columns, %zu rows\n", page.Caption.c_str(), page.Width() - 1, page.RowCount());
+      session->Run.Say(fmt::format("{}\t{} columns, {} rows", page.Caption, page.Width() - 1, page.RowCount()));
   return workbench::SaveStatisticsTab(bench) ? 0 : 1;
 }
 

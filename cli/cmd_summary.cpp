@@ -3,6 +3,8 @@
 // octave band with the largest standard deviation (mm). Writes no files.
 #include <cstdio>
 
+#include <fmt/format.h>
+
 #include "command_session.h"
 #include "report/profile_summary.h"
 
@@ -20,10 +22,10 @@ int RunSummaryCommand(const CommonOptions& common, const SummaryOptions& o) {
   workbench::Workbench& bench = session->Bench;
   bench.Iri.EvalLength = o.Length;
   bench.DispGrp = true;
-  if (!bench.Go(workbench::tab::Iri)) return 1;
+  if (!CheckIriLengthFlag(*session) || !bench.Go(workbench::tab::Iri)) return 1;
   std::vector<ProfileSummary> rows;
   for (int row : bench.Selection(workbench::tab::Iri)) rows.push_back(SummarizeProfile(bench.Profile(row)));
-  for (const std::string& line : SummaryTableLines(rows)) std::printf("%s\n", line.c_str());
+  for (const std::string& line : SummaryTableLines(rows)) session->Run.Say(line);
   return 0;
 }
 

@@ -7,6 +7,7 @@
 #include "base/app_paths.h"
 #include "base/path_helpers.h"
 #include "command_session.h"
+#include "messages.h"
 #include "profile/erd_file.h"
 #include "profile/profile_tools.h"
 #include "profile/text_import.h"
@@ -21,30 +22,21 @@ void SplitRange(const std::string& range, std::string& first, std::string& last)
   last = colon == std::string::npos ? first : range.substr(colon + 1);
 }
 
-bool EnsureOutputFolder(const CommonOptions& common) {
-  std::error_code ec;
-  std::filesystem::create_directories(common.OutputDir, ec);
-  if (!std::filesystem::is_directory(common.OutputDir)) {
-    std::fprintf(stderr, "velmora: %s: cannot make the output folder\n", common.OutputDir.c_str());
-    return false;
-  }
-  return true;
-}
-
-// Writes the new profiles into -o and names them on stdout.
+// Writes the new profiles into the staging folder, from where they go to -o.
 int WriteOutputs(const CommonOptions& common, const std::optional<std::vector<ToolOutput>>& outputs) {
-  if (!outputs) return 1;  // a check refused the inputs; its message is on stderr
+  RunContext& run = *common.Run;
+  if (!outputs) return kExitFailed;  // a check refused the inputs; its message is on stderr
   if (outputs->empty()) {
-    std::fprintf(stderr, "velmora: nothing to write: the range lies outside every profile\n");
-    return 1;
+    PrintProblem(run, "", Tr("nothing to write: the range lies outside every profile"));
+    return kExitFailed;
   }
-  if (!EnsureOutputFolder(common)) return 1;
+  std::error_code ec;
+  std::filesystem::create_directories(run.Staging(), ec);
   for (const ToolOutput& output : *outputs) {
-    const auto path = std::filesystem::path(common.OutputDir) / output.FileName;
-    WriteERD(path.string(), output.Erd);
-    std::printf("%s\t%d samples\n", path.string().c_str(), output.Erd.NumSamples);
+    WriteERD((run.Staging() / output.FileName).string(), output.Erd);
+    run.Result({{"file", output.FileName}, {"samples", output.Erd.NumSamples}});
   }
-  return 0;
+  return kExitOk;
 }
 
 struct ImportArgs {
@@ -66,14 +58,22 @@ int RunImport(const CommonOptions& common, const ImportArgs& args) {
 
   auto session = OpenSession(common, {}, workbench::tab::Profile);
   if (!session) return 1;
-  const std::vector<std::string> written = session->Bench.ImportText(args.File, options);
-  if (written.empty() || !EnsureOutputFolder(common)) return 1;
-  for (const std::string& file : written) {
-    const auto target = std::filesystem::path(common.OutputDir) / flGetFileName(file);
-    std::filesystem::copy_file(file, target, std::filesystem::copy_options::overwrite_existing);
-    std::printf("%s\n", target.string().c_str());
+  std::vector<std::string> written;
+  {
+    // The import's own checks of the typed boxes, named by the flags that fill them.
+    CliUi::FlagCheck check(session->Ui, {{"--pitch", "ピッチ", "m"},
+                                         {"--pitch", "数値で指定してください。", "m"},
+                                         {"--rows", "データ開始行", ""},
+                                         {"--columns", "データ開始列", ""}});
+    written = session->Bench.ImportText(args.File, options);
   }
-  return 0;
+  if (written.empty()) return kExitFailed;
+  std::error_code ec;
+  std::filesystem::create_directories(session->Run.Staging(), ec);
+  // The import writes into the scratch tree's Temp: a move within the tree.
+  for (const std::string& file : written)
+    std::filesystem::rename(file, session->Run.Staging() / flGetFileName(file));
+  return kExitOk;
 }
 
 struct ToolArgs {

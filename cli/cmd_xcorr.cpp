@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <filesystem>
 
+#include <fmt/format.h>
+
 #include "command_session.h"
 #include "evaluation/correlation_tables.h"
 #include "profile/profile_list.h"
@@ -44,27 +46,22 @@ int RunXcorrCommand(const CommonOptions& common, const XcorrOptions& o) {
   options.ShowIri = o.ShowIri;
   options.ShowPsd = o.ShowPsd;
   bench.DispGrp = true;
-  if (!bench.Go(workbench::tab::Verification)) return 1;
+  {
+    CliUi::FlagCheck check(session->Ui, {{"--max-shift", "最大ずらし量", ""}});
+    if (!bench.Go(workbench::tab::Verification)) return 1;
+  }
 
   for (const auto& row : BuildCorrelationTable(bench.Evaluation.Verification.Results)) {
     std::string line;
     for (std::size_t c = 0; c < row.size(); ++c) line += (c == 0 ? "" : "\t") + row[c];
-    std::printf("%s\n", line.c_str());
+    session->Run.Say(line);
+    session->Run.Result(row);
   }
   if (!workbench::SaveVerificationTab(bench)) return 1;
   if (!o.RegisterShifted) return 0;
   // The copies are registered in the session's project; the user gets them beside the CSV files.
-  for (const std::string& name : workbench::RegisterShiftedProfilesTab(bench)) {
-    const std::filesystem::path source = std::filesystem::path(ProjectProfileFolder(bench.Session())) / (name + ".ERD");
-    std::error_code ec;
-    std::filesystem::copy_file(source, std::filesystem::path(common.OutputDir) / (name + ".ERD"),
-                               std::filesystem::copy_options::overwrite_existing, ec);
-    if (ec) {
-      std::fprintf(stderr, "velmora: %s: %s\n", source.string().c_str(), ec.message().c_str());
-      return 1;
-    }
-    std::printf("registered %s\n", name.c_str());
-  }
+  for (const std::string& name : workbench::RegisterShiftedProfilesTab(bench))
+    if (!StageProjectProfile(*session, name + ".ERD")) return 1;
   return 0;
 }
 

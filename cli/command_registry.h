@@ -9,6 +9,8 @@
 
 namespace velmora::cli {
 
+struct RunContext;
+
 // Flags common to every command.
 struct CommonOptions {
   std::string OutputDir = ".";   // -o DIR: where result files go
@@ -18,7 +20,11 @@ struct CommonOptions {
   bool Yes = false;              // --yes: answer questions with Yes/OK
   bool No = false;               // --no: answer questions with No/Cancel
   bool Debug = false;            // --debug: DebugLevel 1 and SWDEBUG
-  bool Quiet = false;            // --quiet: no progress bar, no confirmations; warnings still to stderr
+  bool Quiet = false;            // --quiet: no progress bar, no notes; problems still to stderr
+  std::string Lang;              // --lang ja|en (else from the locale)
+  bool NoTimestamp = false;      // --no-timestamp: stable names, replaced in one step
+  bool Json = false;             // --json: one JSON object on stdout
+  RunContext* Run = nullptr;     // set by main before the command runs
 };
 
 // Sets up the subcommand's own options and returns the function that runs it (exit status).

@@ -1,19 +1,63 @@
 #include "command_session.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <iostream>
+
+#include "base/common.h"
+#include "base/file_helpers.h"
+#include "messages.h"
 
 #include "base/legacy_format.h"
 #include "base/settings.h"
 
 namespace velmora::cli {
 
-std::unique_ptr<CommandSession> OpenSession(const CommonOptions& common, const std::vector<std::string>& files, int tab) {
+std::vector<std::string> InputFiles(const RunContext& run, const std::vector<std::string>& arguments) {
+  namespace fs = std::filesystem;
+  std::vector<std::string> files;
+  for (const std::string& argument : arguments) {
+    if (argument == "-") {
+      for (std::string line; std::getline(std::cin, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (!line.empty()) files.push_back(line);
+      }
+      continue;
+    }
+    if (!fs::is_directory(argument)) {
+      files.push_back(argument);
+      continue;
+    }
+    std::vector<std::string> found;
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator(argument, ec))
+      if (entry.is_regular_file() && MatchFilePattern(entry.path().filename().string(), "*.erd"))
+        found.push_back(entry.path().string());
+    if (found.empty()) {
+      PrintProblem(run, argument, Tr("no ERD file in this folder"));
+      return {};
+    }
+    std::sort(found.begin(), found.end());
+    files.insert(files.end(), found.begin(), found.end());
+  }
+  for (const std::string& file : files)
+    if (!fs::is_regular_file(file)) {
+      PrintProblem(run, file, fs::exists(file) ? Tr("not a file") : Tr("no such file"));
+      return {};
+    }
+  return files;
+}
+
+std::unique_ptr<CommandSession> OpenSession(const CommonOptions& common, const std::vector<std::string>& arguments, int tab) {
+  RunContext& run = *common.Run;
+  const std::vector<std::string> files = InputFiles(run, arguments);
+  if (files.empty() && !arguments.empty()) return nullptr;
+  run.Inputs = files;
   auto session = std::make_unique<CommandSession>(common);
   StartUpOptions options;
   options.CommandLine = common.Debug ? "SWDEBUG" : "";
   options.AppPathOverride = common.SettingsDir;
-  // Every run rebuilds the one scratch tree of the user, so two at once must not overlap.
-  options.SingleInstance = true;
+  options.ScratchRoot = run.Scratch.string();
   session->Start = StartUp(session->Engine, options);
   if (!session->Start.MayGoOn) return nullptr;
   if (common.Debug) session->Engine.Settings.DebugLevel = 1;
@@ -22,19 +66,19 @@ std::unique_ptr<CommandSession> OpenSession(const CommonOptions& common, const s
   bench.FormLoad();
   bench.Axis.Mode = common.Position == "kp" ? PositionMode::Kp : PositionMode::ZeroBased;
   bench.Axis.Unit = common.Unit == "km" ? KpUnit::Km : KpUnit::M;
-  for (const std::string& file : files)
-    if (!std::filesystem::is_regular_file(file)) {
-      std::fprintf(stderr, "velmora: %s: no such file\n", file.c_str());
-      return nullptr;
-    }
   if (!bench.RegisterFiles(files, false)) return nullptr;
   bench.SelectAll(tab);
   bench.TabClick(tab);
   return session;
 }
 
+bool CheckIriLengthFlag(CommandSession& session) {
+  CliUi::FlagCheck check(session.Ui, {{"--length", "", "m"}});
+  return session.Bench.StoreInputs(workbench::tab::Iri);
+}
+
 bool Export(CommandSession& session, const workbench::ExportRequest& request) {
-  return !workbench::MakeResultFiles(session.Bench, request, LocalNow()).Files.empty();
+  return !workbench::MakeResultFiles(session.Bench, request, session.Run.Stamp).Files.empty();
 }
 
 void AddBandFileFlags(CLI::App& command, BandFileOptions& options) {
@@ -63,8 +107,51 @@ bool ExportBandFiles(CommandSession& session, int tab, const BandFileOptions& op
   return ok;
 }
 
+std::optional<std::array<std::string, 10>> NineLimits(RunContext& run, const std::string& text) {
+  // Split by hand: a trailing comma is a blank ninth limit, not a missing one.
+  std::vector<std::string> parts{""};
+  for (char c : text) {
+    if (c == ',') parts.emplace_back();
+    else parts.back() += c;
+  }
+  if (parts.size() != 9) {
+    PrintProblem(run, "--lines", Tr("nine limits (mm) are needed, separated by commas; got {}", std::to_string(parts.size())));
+    return std::nullopt;
+  }
+  std::array<std::string, 10> lines{};
+  for (std::size_t k = 1; k <= 9; ++k) {
+    lines[k] = Trim(parts[k - 1]);
+    if (!lines[k].empty() && !ParseNumber(lines[k])) {
+      PrintProblem(run, "--lines", Tr("limit {} \"{}\" is not a number (mm)", std::to_string(k), lines[k]));
+      return std::nullopt;
+    }
+  }
+  return lines;
+}
+
+bool StageProjectProfile(CommandSession& session, const std::string& fileName) {
+  namespace fs = std::filesystem;
+  const fs::path source = fs::path(ProjectProfileFolder(session.Engine)) / fileName;
+  std::error_code ec;
+  fs::create_directories(session.Run.Staging(), ec);
+  fs::copy_file(source, session.Run.Staging() / fileName, fs::copy_options::overwrite_existing, ec);
+  if (ec) PrintProblem(session.Run, source.string(), ec.message());
+  return !ec;
+}
+
+CLI::Validator WholeNumberFrom(int least) {
+  return CLI::Validator(
+      [least](std::string& text) {
+        const auto value = ParseNumber(text);
+        if (value && *value == static_cast<int>(*value) && *value >= least) return std::string();
+        return Tr("\"{}\" is not a whole number of at least {}", text, std::to_string(least));
+      },
+      "");
+}
+
 void AddFilesArgument(CLI::App& command, std::vector<std::string>& files) {
-  command.add_option("FILE", files, "ERD profile files (elevations in mm)")->required();
+  command.add_option("FILE", files, "ERD profile files (elevations in mm), folders of them, or - for a list on stdin")
+      ->required();
 }
 
 }  // namespace velmora::cli

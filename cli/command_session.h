@@ -3,6 +3,7 @@
 // workbench with the command's files registered and selected, and the export into -o.
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,19 +19,29 @@ namespace velmora::cli {
 // One command's engine: its interaction (answers from the flags), the session that holds settings,
 // conditions and folders, and the workbench over them.
 struct CommandSession {
-  explicit CommandSession(const CommonOptions& common) : Ui(common) {}
+  explicit CommandSession(const CommonOptions& common) : Run(*common.Run), Ui(common, Run) {}
+  RunContext& Run;
   CliUi Ui;
   Session Engine{Ui};
   StartUpResult Start;
   workbench::Workbench Bench{Engine};
 };
 
-// Start-up (settings from --settings or the program's folder, SWDEBUG and DebugLevel 1 with
-// --debug), then the files registered in order and selected on `tab`, and the position axis from
-// --position/--unit. Null when start-up or a file failed; the reason has been shown on stderr.
+// Start-up in the run's private scratch tree (settings from --settings or the program's folder,
+// SWDEBUG and DebugLevel 1 with --debug), then the files registered in order and selected on `tab`,
+// and the position axis from --position/--unit. Null when start-up or a file failed; the reason has
+// been shown on stderr.
 std::unique_ptr<CommandSession> OpenSession(const CommonOptions& common, const std::vector<std::string>& files, int tab);
 
-// Exports one kind for the rows selected on the request's tab into -o; false when nothing was written.
+// The FILE arguments as files: a folder stands for its ERD files in name order, "-" for the list of
+// files on stdin (one per line). Empty when one is missing or a folder holds none; said on stderr.
+std::vector<std::string> InputFiles(const RunContext& run, const std::vector<std::string>& arguments);
+
+// The IRI tab's evaluation length (from --length) checked as Go checks it, the message naming the flag.
+bool CheckIriLengthFlag(CommandSession& session);
+
+// Exports one kind for the rows selected on the request's tab (into the run's staging folder, with
+// the run's time in names); false when nothing was written.
 bool Export(CommandSession& session, const workbench::ExportRequest& request);
 
 // The per-band files of the octave and band-reduction commands, beside their all-in-one file.
@@ -46,7 +57,18 @@ void AddBandFileFlags(CLI::App& command, BandFileOptions& options);
 bool ExportBandFiles(CommandSession& session, int tab, const BandFileOptions& options,
                      const std::array<ExportKind, 5>& kinds);
 
-// Adds the FILE... positional argument (ERD files) to a command.
+// Copies a file of the session's project profile folder (a registered wave or copy) into the run's
+// staging folder, so that it lands in -o with the result files; false, said on stderr, on failure.
+bool StageProjectProfile(CommandSession& session, const std::string& fileName);
+
+// A flag's value that must be a whole number of at least `least`; the message says so.
+CLI::Validator WholeNumberFrom(int least);
+
+// The nine band limits of --lines (mm, blank: no limit) as the band tab's boxes 1..9; nullopt, with
+// the problem said as a usage error, when there are not nine or one is not a number.
+std::optional<std::array<std::string, 10>> NineLimits(RunContext& run, const std::string& text);
+
+// Adds the FILE... positional argument (ERD files, folders of them, or - for a list on stdin).
 void AddFilesArgument(CLI::App& command, std::vector<std::string>& files);
 
 }  // namespace velmora::cli

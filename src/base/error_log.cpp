@@ -30,11 +30,7 @@ void ErrorLog(Session& session, std::string_view moduleName, std::string_view pr
       logFailure = failure;
     }
   }
-  if (!quiet) {
-    std::string title = "[ ";
-    title.append(moduleName).append(" : ").append(procName).append(" ]");
-    session.Ui().Inform("ERROR : " + text, title, MsgIcon::Exclamation);
-  }
+  if (!quiet) session.Ui().ReportError(text, std::string(moduleName) + " : " + std::string(procName));
   if (logFailure) throw *logFailure;
 }
 

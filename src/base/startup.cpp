@@ -69,7 +69,7 @@ void ResolvePaths(Session& session, const StartUpOptions& options) {
   p.WindowsPath = GetFolderPath(p.AppPath, kFolderWindows);
   p.SystemPath = GetFolderPath(p.AppPath, kFolderSystem);
   p.LocalAppDataPath = GetFolderPath(p.AppPath, kFolderLocalAppDataCreate);
-  p.UserLocalPath = Under(p.LocalAppDataPath, "Velmora");
+  p.UserLocalPath = !options.ScratchRoot.empty() ? FolderName(options.ScratchRoot) : Under(p.LocalAppDataPath, "Velmora");
   p.PublicPath = Under(GetFolderPath(p.AppPath, kFolderCommonDocuments), "Velmora_Public");
 }
 

@@ -30,6 +30,10 @@ struct StartUpOptions {
   // Refuse to start beside another running instance. A rule of the desktop program, which owns one
   // scratch tree per user; the engine itself can run in any number of sessions.
   bool SingleInstance = false;
+  // A folder that stands for the user-local tree in this session only (its scratch files, debug
+  // tables and remembered dialog values). Command-line runs use a fresh private folder, so that any
+  // number of them may overlap; empty: the user's own tree, shared with the desktop program.
+  std::string ScratchRoot;
 };
 
 struct StartUpResult {

@@ -36,6 +36,13 @@ class UserInteraction : public ProgressSink {
   virtual std::string SaveFile(const FileDialogRequest& request) = 0;
   virtual std::string ChooseFolder(const FileDialogRequest& request) = 0;
 
+  // A run-time error that the error log has recorded under `place` ("module : procedure"). The
+  // desktop shows the place in the title, as its users are used to; a front end that keeps internal
+  // names off the screen overrides this.
+  virtual void ReportError(const std::string& text, const std::string& place) {
+    Inform("ERROR : " + text, "[ " + place + " ]", MsgIcon::Exclamation);
+  }
+
   // Shorthands used all over the program.
   void Inform(const std::string& text, const std::string& title, MsgIcon icon = MsgIcon::Exclamation) {
     Message(text, title, icon, MsgButtons::Ok, MsgAnswer::Ok);

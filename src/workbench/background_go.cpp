@@ -18,6 +18,12 @@ class MarshalledInteraction final : public UserInteraction {
                     MsgAnswer defaultAnswer) override {
     return OnCaller<MsgAnswer>([&] { return target_.Message(text, title, icon, buttons, defaultAnswer); });
   }
+  void ReportError(const std::string& text, const std::string& place) override {
+    OnCaller<bool>([&] {
+      target_.ReportError(text, place);
+      return true;
+    });
+  }
   std::optional<std::string> Input(const std::string& prompt, const std::string& title,
                                    const std::string& defaultValue) override {
     return OnCaller<std::optional<std::string>>([&] { return target_.Input(prompt, title, defaultValue); });

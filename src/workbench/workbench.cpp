@@ -184,9 +184,13 @@ bool Workbench::Go(int tab) { return RunGo(tab) == GoOutcome::Completed; }
 
 GoOutcome Workbench::RunGo(int tab) {
   if (LoadingProfile || list_.Count() == 0) return GoOutcome::Failed;
-  const TabComputation& computation = computations_[At(tab)];
-  if (computation.StoreInputs && !computation.StoreInputs()) return GoOutcome::Failed;
+  if (!StoreInputs(tab)) return GoOutcome::Failed;
   return RedrawOutcome(tab, true);
+}
+
+bool Workbench::StoreInputs(int tab) {
+  const TabComputation& computation = computations_[At(tab)];
+  return !computation.StoreInputs || computation.StoreInputs();
 }
 
 bool Workbench::ListClick(int tab, std::vector<int> rows) {

@@ -135,6 +135,7 @@ class Workbench {
   std::string ModeCaption() const;
   void TabClick(int newTab);           // SSTab1 click
   bool Go(int tab);                    // the Go button of a tab; true when it ran to the end
+  bool StoreInputs(int tab);           // Go's check of the tab's inputs alone (stored when valid)
   GoOutcome RunGo(int tab);            // the same, telling a stop from a failure
   bool ListClick(int tab, std::vector<int> rows);  // a click in a tab's list: redraw from results
   void ProfileEdited(int row);         // an edit of WorkProfile, StepSize or KP data

@@ -34,7 +34,7 @@ class FrameSandbox : public SessionTest {
 
   // Starts as the desktop program does, one instance per user.
   StartUpResult Start(const std::string& commandLine = "") {
-    return StartUp(session, {commandLine, app_.string(), /*SingleInstance=*/true});
+    return StartUp(session, {commandLine, app_.string(), /*SingleInstance=*/true, /*ScratchRoot=*/{}});
   }
   std::filesystem::path UserLocal() const { return home_ / "Velmora"; }
   // A file in the user-local tree holding its own relative path, its folders made as needed.

@@ -23,10 +23,11 @@ using Texts = std::vector<std::string>;
 
 class CliTest : public ::testing::Test {
  protected:
-  // Runs the program with `arguments` and -o `out` (relative to the test's folder); the exit status.
-  int Run(const std::string& arguments, const std::string& out = "out") {
+  // Runs the program with `arguments` and -o `out` (relative to the test's folder), messages in
+  // `lang`; the exit status.
+  int Run(const std::string& arguments, const std::string& out = "out", const std::string& lang = "ja") {
     const std::string command = "VELMORA_HOME='" + (temp / "home").string() + "' '" VELMORA_BIN_DIR "/velmora' -o '" +
-                                (temp / out).string() + "' --quiet " + arguments + " >'" +
+                                (temp / out).string() + "' --quiet --lang " + lang + " " + arguments + " >'" +
                                 (temp / "stdout.txt").string() + "' 2>'" + (temp / "stderr.txt").string() + "'";
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;

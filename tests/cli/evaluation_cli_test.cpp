@@ -41,7 +41,7 @@ TEST_F(CliTest, XcorrPrintsTheTableWritesSixFilesAndTheShiftedCopy) {
   ASSERT_EQ(Run("xcorr " + a + " " + b + " --filter none --measure shift --register-shifted"), 0) << Stderr();
   // One row per profile under the names; only B's row under A's column holds a pair.
   EXPECT_EQ(Stdout().rfind("\tA\tB\nA\t\t\nB\t3\t\n平均(基準)\t3.00000\t0.00000\n", 0), 0u) << Stdout();
-  EXPECT_NE(Stdout().find("registered B-3P"), std::string::npos);
+  EXPECT_NE(Stdout().find((temp / "out" / "B-3P.ERD").string() + "\n"), std::string::npos) << Stdout();
   const Texts names = Written();
   ASSERT_EQ(names.size(), 7u);
   EXPECT_EQ(names[0], "B-3P.ERD");

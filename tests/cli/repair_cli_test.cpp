@@ -11,7 +11,7 @@ using testing::ExpectHeads;
 using testing::Texts;
 
 TEST_F(CliTest, WritesTheFiveStudyFilesTheRegisteredWavesAndPrintsTheThreeIris) {
-  ASSERT_EQ(Run("repair " + Example("road_b.erd") + " --long 51.2 --short 4 --length 10 --register L,ideal"), 0)
+  ASSERT_EQ(Run("repair " + Example("road_b.erd") + " --long 51.2 --short 4 --length 10 --lines ,,,,,,,, --register L,ideal"), 0)
       << Stderr();
   Texts study, erds;
   for (const auto& name : Written()) (name.ends_with(".ERD") ? erds : study).push_back(name);
@@ -33,11 +33,26 @@ TEST_F(CliTest, WritesTheFiveStudyFilesTheRegisteredWavesAndPrintsTheThreeIris) 
   // No band lines: S' is S, so the ideal shape is the corrected profile and has its IRI.
   EXPECT_EQ(m[2].str(), m[3].str());
   EXPECT_GT(std::stod(m[1].str()), 0);
-  EXPECT_EQ(out.substr(iris.size()), "registered\t" + erds.at(0) + "\nregistered\t" + erds.at(1) + "\n");
+  // Then every written file, one path per line in name order.
+  std::string paths;
+  for (const std::string& name : Written()) paths += (temp / "out" / name).string() + "\n";
+  EXPECT_EQ(out.substr(iris.size()), paths);
   // The registered waves are ERD profiles with marked titles.
   const ErdRecord wave = ErdOf(temp / "out" / erds.at(0));
   EXPECT_EQ(wave.NumSamples, 5000);
   EXPECT_EQ(wave.Title, "Test road B, right wheel path(L)");
+}
+
+TEST_F(CliTest, StudyTakesItsBandLinesFromTheSettingsUnlessAFlagGivesThem) {
+  // The bundled Default.ini holds the lines 12, 8, 5, 3, 2, 1.2, 0.8, 0.5, 0.3 mm: naming them changes
+  // nothing, clearing them changes the corrected profile.
+  const auto firstLine = [this] { return Stdout().substr(0, Stdout().find('\n')); };
+  ASSERT_EQ(Run("repair " + Example("road_b.erd")), 0) << Stderr();
+  const std::string fromSettings = firstLine();
+  ASSERT_EQ(Run("repair " + Example("road_b.erd") + " --lines 12,8,5,3,2,1.2,0.8,0.5,0.3", "named"), 0) << Stderr();
+  EXPECT_EQ(firstLine(), fromSettings);
+  ASSERT_EQ(Run("repair " + Example("road_b.erd") + " --lines ,,,,,,,,", "none"), 0) << Stderr();
+  EXPECT_NE(firstLine(), fromSettings);
 }
 
 TEST_F(CliTest, AdjustedStudyChangesTheCorrectedProfile) {
