@@ -6,6 +6,8 @@
 
 #include "base/app_paths.h"
 #include "base/path_helpers.h"
+#include <fmt/format.h>
+
 #include "command_session.h"
 #include "messages.h"
 #include "profile/erd_file.h"
@@ -41,7 +43,7 @@ int WriteOutputs(const CommonOptions& common, const std::optional<std::vector<To
 
 struct ImportArgs {
   std::string File, Delimiters = ",", Rows, Columns, Pitch;
-  bool Header = false, TitleFromHeader = false;
+  bool Header = false, TitleFromHeader = false, Strict = false;
 };
 
 int RunImport(const CommonOptions& common, const ImportArgs& args) {
@@ -68,6 +70,12 @@ int RunImport(const CommonOptions& common, const ImportArgs& args) {
     written = session->Bench.ImportText(args.File, options);
   }
   if (written.empty()) return kExitFailed;
+  // The import reads a cell that is not a number as 0; the command line says where, or refuses.
+  const auto problems = NonNumericCells(BuildImportPreview(args.File, options), options);
+  for (const ImportCellProblem& cell : problems)
+    PrintProblem(session->Run, fmt::format("{}:{}:{}", args.File, cell.Line, cell.Column),
+                 Tr(args.Strict ? "\"{}\" is not a number" : "\"{}\" is not a number; read as 0", cell.Text));
+  if (args.Strict && !problems.empty()) return kExitFailed;
   std::error_code ec;
   std::filesystem::create_directories(session->Run.Staging(), ec);
   // The import writes into the scratch tree's Temp: a move within the tree.
@@ -150,6 +158,7 @@ VELMORA_COMMAND("import", "delimited text columns into ERD profiles (one per col
                   command.add_option("--columns", args->Columns, "data columns a:b, 1-based (default: all)");
                   command.add_flag("--header", args->Header, "the first line holds headings");
                   command.add_flag("--title-from-header", args->TitleFromHeader, "a column's heading becomes its title");
+                  command.add_flag("--strict", args->Strict, "a cell that is not a number is an error (else read as 0, with a warning)");
                   return [&common, args] { return RunImport(common, *args); };
                 });
 

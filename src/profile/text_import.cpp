@@ -1,5 +1,7 @@
 #include "profile/text_import.h"
 
+#include <tuple>
+
 #include <algorithm>
 
 #include "base/app_paths.h"
@@ -104,6 +106,38 @@ std::int32_t CheckImport(Session& session, const ImportPreview& preview, const I
   return -1;
 }
 
+namespace {
+
+// Calls `take(row, cell)` for the cells of column `c` that become samples: blanks before the first
+// sample are skipped, and a hole after it ends the column.
+template <class Take>
+void ForEachSampleCell(const ImportPreview& preview, const ImportRange& r, std::int32_t c, const Take& take) {
+  bool started = false;
+  for (std::int32_t row = r.FirstRow; row <= r.LastRow; ++row) {
+    const std::string cell = Trim(preview.Cell(row, c));
+    if (cell.empty()) {
+      if (started) break;
+      continue;
+    }
+    started = true;
+    take(row, cell);
+  }
+}
+
+}  // namespace
+
+std::vector<ImportCellProblem> NonNumericCells(const ImportPreview& preview, const ImportOptions& options) {
+  const ImportRange r = RangeOf(preview, options);
+  std::vector<ImportCellProblem> problems;
+  for (std::int32_t c = r.FirstColumn; c <= r.LastColumn; ++c)
+    ForEachSampleCell(preview, r, c, [&](std::int32_t row, const std::string& cell) {
+      if (!IsNumeric(cell)) problems.push_back({row + (options.Header ? 1 : 0), c, cell});
+    });
+  std::sort(problems.begin(), problems.end(),
+            [](const auto& a, const auto& b) { return std::tie(a.Line, a.Column) < std::tie(b.Line, b.Column); });
+  return problems;
+}
+
 std::vector<std::string> WriteImportedProfiles(Session& session, const std::string& path, const ImportPreview& preview,
                                                const ImportOptions& options, const ProfileList& list) {
   const ImportRange r = RangeOf(preview, options);
@@ -127,14 +161,7 @@ std::vector<std::string> WriteImportedProfiles(Session& session, const std::stri
                     : flGetFileName(path);
 
     std::vector<double> samples;
-    for (std::int32_t row = r.FirstRow; row <= r.LastRow; ++row) {
-      const std::string cell = Trim(preview.Cell(row, c));
-      if (cell.empty()) {
-        if (!samples.empty()) break;  // a hole after the first sample ends the column
-        continue;
-      }
-      samples.push_back(uDblVal(cell));
-    }
+    ForEachSampleCell(preview, r, c, [&](std::int32_t, const std::string& cell) { samples.push_back(uDblVal(cell)); });
     rec.Elevation = Array1<double>(std::move(samples));
     rec.NumSamples = static_cast<std::int32_t>(rec.Elevation.size());
     rec.NumSamplesHeader = rec.NumSamples;

@@ -35,6 +35,16 @@ struct ImportPreview {
   std::string Cell(std::int32_t row, std::int32_t column) const;
 };
 
+// A cell of the import range that becomes a sample but is not a number: the import reads it as 0,
+// as it always has; a front end may warn or refuse. Line and column of the file, 1-based.
+struct ImportCellProblem {
+  std::int32_t Line = 0;
+  std::int32_t Column = 0;
+  std::string Text;
+};
+// The non-numeric sample cells in line order (a range the checks refuse gives none).
+std::vector<ImportCellProblem> NonNumericCells(const ImportPreview& preview, const ImportOptions& options);
+
 inline constexpr const char* kImportInformation =
     "フィールドの区切り文字を指定してください。[データのプレビュー]ボックスには区切り後の内容が表示されます。";
 

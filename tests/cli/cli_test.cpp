@@ -29,6 +29,9 @@ const std::vector<Refusal> kRefusals = {
      {"velmora: import: --pitch (m): 数値で指定してください。"}, {"road.csv", "left,right", "1,2"}},
     {"PitchThatIsNotANumberInEnglish", "import '{temp}/road.csv' --pitch abc --header", kUsage,
      {"velmora: import: --pitch (m): must be a number"}, {"road.csv", "left,right", "1,2"}, "en"},
+    // Line 3 of the file (the first is the heading), column 2.
+    {"CellThatIsNotANumberUnderStrict", "import '{temp}/road.csv' --pitch 0.1 --header --strict", kFailed,
+     {"velmora: import: {temp}/road.csv:3:2: \"x\" は数値ではありません\n"}, {"road.csv", "left,right", "1,2", "5,x", "3,4"}},
     {"FileThatIsNotErdIsNamed", "octave '{temp}/bad.erd'", kFailed,
      {"velmora: octave: {temp}/bad.erd: 指定されたファイルは ERD フォマットではありません。"}, {"bad.erd", "not an ERD file"}},
     {"FileThatIsNotErdInEnglish", "octave '{temp}/bad.erd'", kFailed, {"velmora: octave: {temp}/bad.erd: not an ERD file"},

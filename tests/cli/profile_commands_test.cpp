@@ -47,5 +47,16 @@ TEST_F(ProfileCommands, ImportRegistersEachColumnAfterTheHeadLineOrFromTheFirstL
   EXPECT_EQ(ErdOf(temp / "plain" / "two(002).ERD").Elevation, (Array1<double>{-2, -3, -5.25, 0}));
 }
 
+TEST_F(ProfileCommands, ImportWarnsOfEachCellThatIsNotANumberAndReadsItAsZero) {
+  // Line 1 is the heading; "x" is line 3, column 2, and "?" line 4, column 1.
+  WriteBytes(temp / "road.csv", "left,right\r\n1,2\r\n5,x\r\n?,4\r\n");
+  EXPECT_EQ(Run("import '" + (temp / "road.csv").string() + "' --pitch 0.25 --header", "out", "en"), 0) << Stderr();
+  const std::string file = (temp / "road.csv").string();
+  EXPECT_EQ(Stderr(), "velmora: import: " + file + ":3:2: \"x\" is not a number; read as 0\n" +
+                          "velmora: import: " + file + ":4:1: \"?\" is not a number; read as 0\n");
+  EXPECT_EQ(ErdOf(temp / "out" / "road(001).ERD").Elevation, (Array1<double>{1, 5, 0}));
+  EXPECT_EQ(ErdOf(temp / "out" / "road(002).ERD").Elevation, (Array1<double>{2, 0, 4}));
+}
+
 }  // namespace
 }  // namespace velmora::testing
