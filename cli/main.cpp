@@ -11,6 +11,7 @@
 #include "base/folders.h"
 #include "base/legacy_format.h"
 #include "command_registry.h"
+#include "help_files.h"
 #include "interrupts.h"
 #include "messages.h"
 #include "run_context.h"
@@ -79,7 +80,7 @@ int main(int argc, char** argv) {
   CLI::App app{"velmora: road profiles in, IRI, filters, octave bands, PSD, statistics, profiler verification and "
                "repair-shape study out. Elevations in mm, distances in m, KP in km, IRI in mm/m."};
   app.set_version_flag("--version", "velmora 0.1.0");
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   app.fallthrough();
   app.footer(Tr("Exit status: 0 done; 1 the work failed (bad data, a refused analysis, a file that cannot be "
                 "written); 2 usage (unknown flag, bad value, missing file argument); 130 interrupted."));
@@ -110,6 +111,9 @@ int main(int argc, char** argv) {
     CLI::App* command = app.add_subcommand(entry.Name, entry.Description);
     runners.emplace_back(command, entry.Setup(*command, common));
   }
+  std::string generate;
+  app.add_option("--generate", generate, "bash-completion or man: print that file (made at build time)")
+      ->check(CLI::IsMember({"bash-completion", "man"}))->group("");
   TranslateHelp(app);
   for (const char* label : {"Usage", "Options", "OPTIONS", "Subcommands", "SUBCOMMAND", "SUBCOMMANDS", "Positionals", "REQUIRED"})
     app.get_formatter()->label(label, Tr(label));
@@ -120,6 +124,10 @@ int main(int argc, char** argv) {
     return ParseFailure(app, error, run);
   }
 
+  if (!generate.empty()) {
+    std::fputs((generate == "man" ? ManPage(app) : BashCompletion(app)).c_str(), stdout);
+    return kExitOk;
+  }
   run.OutputDir = common.OutputDir;
   run.NoTimestamp = common.NoTimestamp;
   run.Replace = common.NoTimestamp;
@@ -127,6 +135,10 @@ int main(int argc, char** argv) {
   run.Stamp = velmora::LocalNow();
   for (auto& [command, runner] : runners)
     if (command->parsed()) run.Command = command->get_name();
+  if (run.Command.empty()) {
+    PrintProblem(run, "COMMAND", Tr("is required (see --help)"));
+    return kExitUsage;
+  }
   try {
     run.Scratch = MakeScratchTree();
   } catch (const std::exception& error) {
