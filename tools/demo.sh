@@ -10,7 +10,7 @@ mkdir -p out
 VELMORA_HOME=${VELMORA_HOME:-$PWD/out/.velmora}
 export VELMORA_HOME
 profiles=$(ls examples/*.erd)
-run() { "$velmora" -o out --quiet "$@"; }
+run() { "$velmora" -o out --quiet --no-timestamp "$@"; }
 
 echo "== Profiles: header, samples, pitch, length, KP, elevation statistics"
 "$velmora" info $profiles
