@@ -58,6 +58,7 @@ std::unique_ptr<CommandSession> OpenSession(const CommonOptions& common, const s
   options.CommandLine = common.Debug ? "SWDEBUG" : "";
   options.AppPathOverride = common.SettingsDir;
   options.ScratchRoot = run.Scratch.string();
+  session->Engine.NameTime = run.Stamp;
   session->Start = StartUp(session->Engine, options);
   if (!session->Start.MayGoOn) return nullptr;
   if (common.Debug) session->Engine.Settings.DebugLevel = 1;

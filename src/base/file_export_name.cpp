@@ -1,6 +1,7 @@
 #include "base/file_export_name.h"
 
 #include "base/common.h"
+#include "base/legacy_format.h"
 #include "base/macros.h"
 #include "base/settings_io.h"
 
@@ -17,5 +18,7 @@ std::string FileExportName(std::string_view pattern, std::string_view builtIn, s
 std::string FileExportPattern(Session& session, std::string_view section) {
   return GetIniValue(session, GeneralIniPath(session.Paths), section, "FileExportName");
 }
+
+std::tm NameTimeOf(const Session& session) { return session.NameTime ? *session.NameTime : LocalNow(); }
 
 }  // namespace velmora

@@ -24,6 +24,9 @@ struct NameMacro {
 std::string FileExportName(std::string_view pattern, std::string_view builtIn, std::string_view profileName,
                            const std::vector<NameMacro>& kindMacros, const std::tm& now);
 
+// The time for the names of the files saved now: the session's fixed time, else the clock.
+std::tm NameTimeOf(const Session& session);
+
 // The value of "FileExportName" in `section` of TOLVAVERI.ini (empty when the key or file is absent).
 std::string FileExportPattern(Session& session, std::string_view section);
 

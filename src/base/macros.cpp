@@ -56,6 +56,5 @@ std::string uExpandDate(std::string_view text, const std::tm& now) {
   return out;
 }
 
-std::string uExpandDate(std::string_view text) { return uExpandDate(text, LocalNow()); }
 
 }  // namespace velmora

@@ -25,7 +25,5 @@ std::string uExpandPathMacro(const AppPaths& paths, std::string_view text);
 // "$(YYYYMMDD)$", "$(YYYYMM)$", "$(YYYY)$", "$(MM)$", "$(DD)$", "$(HH)$", "$(NN)$", "$(SS)$" by the
 // fields of `now` (NN minutes, MM month).
 std::string uExpandDate(std::string_view text, const std::tm& now);
-// The same with the local time now.
-std::string uExpandDate(std::string_view text);
 
 }  // namespace velmora

@@ -3,7 +3,9 @@
 // in force, the run-time folders, the project state, the project-reset hooks and the user interaction
 // in force. Front ends make one and hand it to what needs it; tests make a fresh one per case, and
 // any number can exist side by side.
+#include <ctime>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "base/app_paths.h"
@@ -39,6 +41,9 @@ class Session {
   AppPaths Paths;
   ProjectState Project;
   ProjectResetHooks Hooks;
+  // The time written into file names. A command-line run fixes it once, so that all its files carry
+  // one stamp; unset, each save takes the clock.
+  std::optional<std::tm> NameTime;
 
   // The interaction in force: the silent one until a front end installs its own.
   UserInteraction& Ui() const { return ui_ != nullptr ? *ui_ : silent_; }

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "base/file_export_name.h"
 #include "base/app_paths.h"
 #include "base/error_log.h"
 #include "base/file_helpers.h"
@@ -66,7 +67,7 @@ void ExportAsCsv(Session& session, const ProfileList& list) {
   FileDialogRequest request;
   request.Title = "CSVファイル保存";
   request.Filter = "データファイル (*.CSV)|*.CSV|";
-  request.DefaultName = "Profile_" + FormatDateTime(LocalNow(), "YYYYMMDDHHNNSS") + ".CSV";
+  request.DefaultName = "Profile_" + FormatDateTime(NameTimeOf(session), "YYYYMMDDHHNNSS") + ".CSV";
   request.InitialDirectory = GetPrevValue(session, kDialogSection, "CSVファイル保存");
   const std::string chosen = session.Ui().SaveFile(request);
   if (chosen.empty()) return;

@@ -12,6 +12,7 @@
 #include "analysis/iri.h"
 #include "analysis/octave.h"
 #include "analysis/prepare_profile.h"
+#include "base/file_export_name.h"
 #include "base/error_log.h"
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
@@ -159,10 +160,11 @@ void WriteAdjustmentTable(Session& session, const Array1<double>& m, const Array
 }
 
 // File name of a registered wave (without folder), from the pattern or the built-in form.
-std::string RegisteredName(const std::string& pattern, const std::string& profileName, const std::string& builtInMark,
-                           const std::string& kindLetter) {
-  if (Trim(pattern).empty()) return profileName + builtInMark + FormatDateTime(LocalNow(), "YYYYMMDDHHNNSS") + ".ERD";
-  std::string name = uExpandDate(pattern);
+std::string RegisteredName(const Session& session, const std::string& pattern, const std::string& profileName,
+                           const std::string& builtInMark, const std::string& kindLetter) {
+  const std::tm now = NameTimeOf(session);
+  if (Trim(pattern).empty()) return profileName + builtInMark + FormatDateTime(now, "YYYYMMDDHHNNSS") + ".ERD";
+  std::string name = uExpandDate(pattern, now);
   name = uReplaceMacro(name, "$(PROFILENAME)$", profileName);
   if (!kindLetter.empty()) name = uReplaceMacro(name, "$(波形種別)$", kindLetter);
   return name + ".ERD";
@@ -361,7 +363,7 @@ bool cmdProfile登録_3波分解(Session& session, StudyRun& run, ProfileList& l
     for (const auto& kind : kinds)
       if (kind.on)
         paths.push_back(WriteWaveErd(session, record, kind.wave,
-                                     RegisteredName(pattern, name, std::string("_") + kind.letter + "波_", kind.letter),
+                                     RegisteredName(session, pattern, name, std::string("_") + kind.letter + "波_", kind.letter),
                                      std::string("(") + kind.letter + ")"));
   });
   return RegisterAll(session, list, paths) && written;
@@ -372,7 +374,7 @@ bool cmdProfile登録_理想形状(Session& session, StudyRun& run, ProfileList&
   const bool written = ForEachSelected(session, run, "cmdProfile登録_理想形状", [&](ProfileRecord& record, std::size_t) {
     if (!record.RepairStudy.IdealValid) return;
     paths.push_back(WriteWaveErd(session, record, record.RepairStudy.IdealShape.Wave,
-                                 RegisteredName(pattern, ProfileList::NameOf(record), "_理想形状案_", ""),
+                                 RegisteredName(session, pattern, ProfileList::NameOf(record), "_理想形状案_", ""),
                                  "(理想形状案)"));
   });
   return RegisterAll(session, list, paths) && written;

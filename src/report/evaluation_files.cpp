@@ -40,7 +40,7 @@ bool SaveStatistics(Session& session, const StatisticsResults& results, const st
   Guarded(session, "frmTop", "cmdSave統計値", [&] {
     const std::filesystem::path folder = AskCsvFolder(session);
     if (folder.empty()) return;
-    const std::tm now = LocalNow();
+    const std::tm now = NameTimeOf(session);
     for (const StatisticsPage& page : results.Pages) {
       if (page.Empty()) continue;
       std::vector<std::string> lines;
@@ -80,7 +80,7 @@ bool SaveCrossCorrelation(Session& session, const ProfileList& list, std::span<c
 
     const std::filesystem::path folder = AskCsvFolder(session);
     if (folder.empty()) return;
-    const std::tm now = LocalNow();
+    const std::tm now = NameTimeOf(session);
     const std::string first = toWrite->Selection.Names.empty() ? "" : toWrite->Selection.Names[0];
     for (std::size_t t = 0; t < kMeasureCaptions.size(); ++t) {
       const std::string kind(kMeasureCaptions[t]);
