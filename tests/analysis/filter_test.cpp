@@ -140,17 +140,15 @@ TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {
   }
 }
 
-TEST_F(FilterTest, ARefusedCheckCalculatesNothing) {
-  ProfileRecord record = Prepared("a", {1, 2, 4, 7, 11}, 0.5);
-  const auto outcome = Run(MakeFilter(FilterCalcType::MovingAverage, FilterKind::BandPass, 1, 2), true, {&record});
-  EXPECT_EQ(outcome.Focus, FilterField::LongCut);
-  EXPECT_FALSE(outcome.Completed);
-  EXPECT_FALSE(record.Analysis.Filter.FilterWave.Calculated);
-  for (const auto& entry : ui_.Log) EXPECT_NE(entry.Kind, "progress-start");
-}
-
-TEST_F(FilterTest, RunFilterStoresEachProfileAndSkipsUpToDateOnes) {
+TEST_F(FilterTest, RunFilterStoresEachProfileSkipsUpToDateOnesAndRefusesWhatTheCheckRefuses) {
   ProfileRecord a = Prepared("a", {1, 2, 4, 7, 11}, 0.5), b = Prepared("b", {3, 3, 3, 3, 3}, 0.5);
+  const auto refused = Run(MakeFilter(FilterCalcType::MovingAverage, FilterKind::BandPass, 1, 2), true, {&a});
+  EXPECT_EQ(refused.Focus, FilterField::LongCut);
+  EXPECT_FALSE(refused.Completed);
+  EXPECT_FALSE(a.Analysis.Filter.FilterWave.Calculated);
+  EXPECT_TRUE(testing::ProgressTexts(ui_).empty());
+
+  ui_.Log.clear();
   const FilterSpec filterSpec = MakeFilter(FilterCalcType::MovingAverage, FilterKind::HiPass, 2, 1.5);
   EXPECT_TRUE(Run(filterSpec, false, {&a, &b}).Completed);
   ExpectValues(a.Analysis.Filter.FilterWave.Values, {0.75, 0.25, 0.5, 1, 1.75});
@@ -158,13 +156,7 @@ TEST_F(FilterTest, RunFilterStoresEachProfileAndSkipsUpToDateOnes) {
   EXPECT_TRUE(b.Analysis.Filter.FilterWave.Calculated);
   EXPECT_NEAR(b.Analysis.Filter.FilterWave.Stats.Maximum, 0.0, 1e-12);
   EXPECT_EQ(a.Analysis.Filter.Request, filterSpec);
-
-  std::vector<std::string> captions;
-  for (const auto& entry : ui_.Log)
-    if (entry.Kind == "progress-start") captions.push_back(entry.Title + "|" + entry.Text);
-  EXPECT_EQ(captions, (std::vector<std::string>{"フィルターの計算|しばらくお待ちください。",
-                                                "フィルターの計算|移動平均フィルターa",
-                                                "フィルターの計算|移動平均フィルターb"}));
+  EXPECT_EQ(testing::ProgressTexts(ui_), (std::vector<std::string>{"しばらくお待ちください。", "移動平均フィルターa", "移動平均フィルターb"}));
   EXPECT_EQ(ui_.ProgressValues, (std::vector<int>{50, 100}));
 
   // Same settings, no force: the stored result is not touched; with force it is recalculated.
@@ -195,33 +187,30 @@ TEST_F(FilterTest, FourierTypeStoresTheSingleOrTheConvergentPass) {
   EXPECT_EQ(record.Analysis.Filter.FilterWave.Values, converged.Values);
 }
 
-TEST_F(FilterTest, SlopeTypeFillsBothWaves) {
-  ProfileRecord record = Prepared("s", {0, 1, 3, 3, 2}, 0.5);
-  ASSERT_TRUE(Run(MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0, true, 3), true, {&record}).Completed);
-  ExpectValues(record.Analysis.Filter.SlopeWave.Values, {0, 1, 1, 1, 0});
-  ExpectValues(record.Analysis.Filter.FilterWave.Values, {0, 1, 1, 1, 0});
-  EXPECT_DOUBLE_EQ(record.Analysis.Filter.SlopeWave.Stats.Mean, 0.6);
-}
+TEST_F(FilterTest, SlopeAndIriTypesAndAnErrorThatLeavesThePreviousResult) {
+  ProfileRecord slope = Prepared("s", {0, 1, 3, 3, 2}, 0.5);
+  ASSERT_TRUE(Run(MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0, true, 3), true, {&slope}).Completed);
+  ExpectValues(slope.Analysis.Filter.SlopeWave.Values, {0, 1, 1, 1, 0});
+  ExpectValues(slope.Analysis.Filter.FilterWave.Values, {0, 1, 1, 1, 0});
+  EXPECT_DOUBLE_EQ(slope.Analysis.Filter.SlopeWave.Stats.Mean, 0.6);
 
-TEST_F(FilterTest, AnErrorIsLoggedAndLeavesThePreviousResult) {
-  ProfileRecord good = Prepared("good", {0, 1, 3, 3, 2}, 0.5);
+  // The slope base of 0.25 m spans 5 samples at 0.05 m.
+  ProfileRecord iri = Prepared("i", testing::Road(400), 0.05);
+  ASSERT_TRUE(Run(MakeFilter(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&iri}).Completed);
+  EXPECT_EQ(iri.Analysis.Filter.FilterCount, 395);
+  EXPECT_EQ(iri.Analysis.Filter.FilterWave.Values.size(), 395);
+
+  // Too long for the slope filter: logged with the file's name, the stored wave stays.
   ProfileRecord longOne = Prepared("long", std::vector<double>(40000), 0.1);
   longOne.Analysis.Filter.FilterWave.Values = A({42});
-  EXPECT_FALSE(Run(MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0), true, {&good, &longOne}).Completed);
-  EXPECT_TRUE(good.Analysis.Filter.FilterWave.Calculated);
+  slope.Analysis.Filter.FilterWave = WaveSeries{};
+  ui_.Log.clear();
+  EXPECT_FALSE(Run(MakeFilter(FilterCalcType::Slope, FilterKind::HiPass, 0, 0), true, {&slope, &longOne}).Completed);
+  EXPECT_TRUE(slope.Analysis.Filter.FilterWave.Calculated);  // the profiles before it are done
   EXPECT_EQ(longOne.Analysis.Filter.FilterWave.Values, A({42}));
   EXPECT_EQ(testing::OnlyMessageTitle(ui_), "[ basFilter : cmdGo_フィルター処理 ]");
   EXPECT_NE(ui_.OnlyMessageText().find("long.erd"), std::string::npos);
   EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
-}
-
-TEST_F(FilterTest, IriTypeIsShorterThanTheProfile) {
-  ProfileRecord record = Prepared("i", testing::Road(400), 0.05);
-  ASSERT_TRUE(Run(MakeFilter(FilterCalcType::Iri, FilterKind::HiPass, 0, 0), true, {&record}).Completed);
-  // The slope base of 0.25 m spans 5 samples at 0.05 m.
-  EXPECT_EQ(record.Analysis.Filter.FilterCount, 395);
-  EXPECT_EQ(record.Analysis.Filter.FilterWave.Values.size(), 395);
-  EXPECT_TRUE(record.Analysis.Filter.FilterWave.Calculated);
 }
 
 }  // namespace

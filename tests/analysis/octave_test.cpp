@@ -1,4 +1,5 @@
-// Octave masks, the preparation of a profile, the single and the repeated split, and the sums.
+// Octave masks, the preparation of a profile, the single and the repeated split, the sums, and the
+// half-wave reduction of the bands against limit lines.
 #include "analysis/octave.h"
 
 #include <gtest/gtest.h>
@@ -10,11 +11,13 @@
 #include <numeric>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "analysis/band_reduction.h"
 #include "analysis/octave_bands.h"
 #include "analysis/prepare_profile.h"
-#include "profile/erd_file.h"
+#include "base/common.h"
 #include "support/analysis_fixture.h"
 #include "support/checks.h"
 #include "support/expect_values.h"
@@ -130,29 +133,21 @@ TEST(OctaveMasks, EachPositionLiesInTheOctaveOfItsHarmonic) {
   }
 }
 
-TEST_F(OctaveTest, PrepareFillsLengthsCopyAndMasks) {
+TEST_F(OctaveTest, PrepareFillsLengthsCopyAndMasksAndRefusesBadPitchAndCount) {
   ProfileRecord record = testing::MakeProfile("test", 0.1, {1, 2, 3, 4, 5});
   PrepareProfile(DebugTables{}, record);
   const AnalysisBlock& block = record.Analysis;
   EXPECT_DOUBLE_EQ(block.SamplesPerMetre, 10.0);
-  EXPECT_EQ(block.Count, 5);
-  EXPECT_EQ(block.FftLength1, 8);
-  EXPECT_EQ(block.FftLength2, 16);
+  EXPECT_EQ(std::tuple(block.Count, block.FftLength1, block.FftLength2), std::tuple(5, 8, 16));
   EXPECT_EQ(block.Profile.Values, Array1<double>({1, 2, 3, 4, 5}));
-  EXPECT_DOUBLE_EQ(block.Profile.Stats.Mean, 3.0);
   EXPECT_DOUBLE_EQ(block.Profile.Stats.StdDev, std::sqrt(2.0));
-  EXPECT_TRUE(block.Profile.Calculated);
   for (int k = 1; k <= 10; ++k) EXPECT_EQ(block.Masks[k].size(), 16);
-  // 16 points at 0.1 m: ff = j / 1.6, all below 1/0.4 except j = 5..9; the zero position is j = 1,
-  // 0.625 c/m = 1/1.6, the top of octave 6.
+  // 16 points at 0.1 m: the zero position is j = 1, 0.625 c/m = 1/1.6, the top of octave 6.
   EXPECT_EQ(block.Masks[6][1], 1);
-}
 
-TEST_F(OctaveTest, PrepareRefusesBadPitchAndCount) {
   ProfileRecord flat = testing::MakeProfile("test", 0.0, {1, 2, 3});
   const std::string what = testing::WhatOf([&] { PrepareProfile(DebugTables{}, flat); });
   EXPECT_NE(what.find("test.erd"), std::string::npos) << what;
-  EXPECT_NE(what.find("pitch"), std::string::npos) << what;
   ProfileRecord shorter = testing::MakeProfile("test", 0.1, {1, 2, 3});
   shorter.WorkCount = 4;
   EXPECT_THROW(PrepareProfile(DebugTables{}, shorter), LegacyError);
@@ -180,18 +175,6 @@ TEST_F(OctaveTest, SinglePassIsTheLiteralStepsAndSumsBack) {
   }
 }
 
-TEST_F(OctaveTest, MeasuredProfileSumsBack) {
-  const auto file = testing::SharedDataDir() / "derived" / "profile_1_derived_mm.erd";
-  if (!std::filesystem::exists(file)) GTEST_SKIP() << "shared data absent";
-  ProfileRecord record;
-  ASSERT_TRUE(ReadERD(session, file.string(), record.Erd));
-  record.WorkCount = record.Erd.NumSamples;
-  record.WorkProfile = record.Erd.Elevation;
-  ASSERT_TRUE(DecomposeProfile(session, record, false, FilterConvergence{}));
-  const auto [low, high] = std::minmax_element(record.WorkProfile.begin(), record.WorkProfile.end());
-  EXPECT_LT(WorstSumBack(record), 1e-10 * std::max(-*low, *high) + 1e-9);
-}
-
 TEST_F(OctaveTest, SineOfOneOctaveLandsInThatBand) {
   // 4.4 m lies in octave 5 (3.2..6.4 m), near its geometric middle; 4096 samples at 0.1 m (409.6 m).
   const double amplitude = 10, rms = amplitude / std::sqrt(2.0);
@@ -208,17 +191,6 @@ TEST_F(OctaveTest, SineOfOneOctaveLandsInThatBand) {
     EXPECT_LT(middle, (k == 5 ? 0.03 : 0.02) * amplitude) << "octave " << k;
     if (k != 5) { EXPECT_LT(set.Band[k].Stats.StdDev, 0.06 * rms) << "octave " << k; }
   }
-}
-
-TEST_F(OctaveTest, TenMetreSineHoldsItsEnergyInOctaveFour) {
-  // 10 m lies in octave 4 (6.4..12.8 m); 8192 samples at 0.05 m (409.6 m, about 41 wavelengths).
-  const double amplitude = 3;
-  const OctaveBandSet set = Split(testing::Sine(8192, 200, amplitude), 0.05).Analysis.Octave;
-  double total = 0;
-  for (std::size_t k = 1; k <= 9; ++k) total += std::pow(set.Band[k].Stats.StdDev, 2);
-  // Energy as variance: octave 4 holds nearly all of it, and its deviation is the sine's rms.
-  EXPECT_GT(std::pow(set.Band[4].Stats.StdDev, 2), 0.95 * total);
-  EXPECT_NEAR(set.Band[4].Stats.StdDev, amplitude / std::sqrt(2.0), 0.02 * amplitude);
 }
 
 TEST_F(OctaveTest, PeelingIsTheLiteralStepsWithinRounding) {
@@ -274,7 +246,7 @@ TEST_F(OctaveTest, ValidBandsAreNotRecomputedUnlessForcedOrTheOptionChanges) {
   EXPECT_TRUE(recomputes(true, false));
 }
 
-TEST_F(OctaveTest, PeelingShowsEachStageAndPassAndMovesTheBarByTen) {
+TEST_F(OctaveTest, PeelingShowsEachStageAndPassAndStopsAStageWhenBothBandsHaveConverged) {
   // A ratio of 0 never converges, so every stage runs all three passes: 12 passes.
   Split(RoughProfile(600, 0.1), 0.1, true, {0.0, 3});
   std::vector<std::string> captions = {"しばらくお待ちください。", "収束計算中・・・・"};
@@ -285,15 +257,12 @@ TEST_F(OctaveTest, PeelingShowsEachStageAndPassAndMovesTheBarByTen) {
   EXPECT_EQ(testing::ProgressTexts(ui_), captions);
   const std::vector<int> bar = {10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 0, 10, 100};
   EXPECT_EQ(ui_.ProgressValues, bar);  // the last 100 marks the end of the split
-}
 
-TEST_F(OctaveTest, PeelingStopsAStageWhenBothBandsHaveConverged) {
   // With an enormous ratio limit the first pass of each stage already counts as converged.
+  ui_.Log.clear();
   Split(RoughProfile(600, 0.1), 0.1, true, {1e300, 10});
-  const auto captions = testing::ProgressTexts(ui_);
-  EXPECT_EQ(std::count_if(captions.begin(), captions.end(),
-                          [](const std::string& text) { return text.find(" / 10 ") != std::string::npos; }),
-            4);
+  const auto texts = testing::ProgressTexts(ui_);
+  EXPECT_EQ(std::ranges::count_if(texts, [](const std::string& text) { return text.find(" / 10 ") != std::string::npos; }), 4);
 }
 
 TEST_F(OctaveTest, EmptyOctaveStopsThePeelingAndKeepsTheStoredBands) {
@@ -309,6 +278,123 @@ TEST_F(OctaveTest, EmptyOctaveStopsThePeelingAndKeepsTheStoredBands) {
   EXPECT_EQ(testing::OnlyMessageTitle(ui_), "[ bas計算共通 : Cal_プロファイル分解_収束計算 ]");
   EXPECT_TRUE(std::filesystem::exists(dir_ / "Temp" / "Sorvik_Err.log"));
   EXPECT_EQ(ui_.Log.back().Kind, "progress-exit");
+}
+
+
+std::vector<double> Reduced(double limit, std::vector<double> wave) {
+  double lo = 0, hi = 0;
+  ReduceHalfWaves(limit, wave, lo, hi);
+  return wave;
+}
+
+TEST(ReduceHalfWaves, ByHand) {
+  const struct { const char* name; double limit; std::vector<double> wave, reduced; } cases[] = {
+      // Half-waves: (1, 3, 1) peak 3 → × 2/3; (−1, −4, −2) peak 4 → × 1/2; (0.5) within the line, kept.
+      {"above the line scaled to it", 2, {1, 3, 1, -1, -4, -2, 0.5}, {2.0 / 3, 2, 2.0 / 3, -0.5, -2, -1, 0.5}},
+      // The 0 splits the negative run in two: (−4) is cut to −1; (0) alone; (−1) equals the line, kept.
+      // Were the 0 negative, one half-wave (−4, 0, −1) would give (−1, 0, −0.25).
+      {"zero belongs to the positive side", 1, {-4, 0, -1}, {-1, 0, -1}},
+      {"no zero crossing is one half-wave", 2.5, {1, 5, 2}, {0.5, 2.5, 1}},
+      {"a peak on the line is not above it", 2, {0.3, 2, -2, -0.7}, {0.3, 2, -2, -0.7}},
+      {"a line of zero flattens", 0, {1, -2, 3}, {0, 0, 0}},
+      // A negative line takes its peak from every sample and turns the half-wave over.
+      {"a negative line turns over", -1, {2, 1}, {-1, -0.5}},
+      {"empty has the range zero", 1, {}, {}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    // The reduced wave's range is its lowest and highest sample.
+    std::vector<double> wave = c.wave, range = c.reduced.empty() ? std::vector<double>{0} : c.reduced;
+    double lo = 7, hi = 7;
+    ReduceHalfWaves(c.limit, wave, lo, hi);
+    ExpectValues(wave, c.reduced);
+    EXPECT_NEAR(lo, *std::ranges::min_element(range), 1e-12);
+    EXPECT_NEAR(hi, *std::ranges::max_element(range), 1e-12);
+  }
+}
+
+TEST(RestoreOutsideRange, KeepsOnlyTheHalfWavesThatMeetTheRange) {
+  const std::vector<double> original = {1, 2, -1, -3, -1, 2, 4, 2, -1};
+  std::vector<double> reduced = Reduced(1, original);
+  ExpectValues(reduced, {0.5, 1, -1.0 / 3, -1, -1.0 / 3, 0.5, 1, 0.5, -1});
+  // The range 4..4 lies inside the negative half-wave 3..5: that one stays reduced, the rest is put back.
+  RestoreOutsideRange(original, reduced, 4, 4);
+  ExpectValues(reduced, {1, 2, -1.0 / 3, -1, -1.0 / 3, 2, 4, 2, -1});
+
+  // Half-waves that reach the ends restore nothing there; the range must lie on the wave.
+  const std::vector<double> ends = {3, 3, -3, 3, 3};
+  reduced = Reduced(1, ends);
+  RestoreOutsideRange(ends, reduced, 2, 4);
+  ExpectValues(reduced, {1, 1, -1, 1, 1});
+  RestoreOutsideRange(ends, reduced, 3, 3);  // only the middle half-wave
+  ExpectValues(reduced, {3, 3, -1, 3, 3});
+  EXPECT_THROW(RestoreOutsideRange(ends, reduced, 0, 3), LegacyError);
+  EXPECT_THROW(RestoreOutsideRange(ends, reduced, 2, 6), LegacyError);
+}
+
+OctaveBandSet BandsOf(const std::vector<std::vector<double>>& waves) {
+  OctaveBandSet set;
+  for (std::size_t k = 1; k <= 9; ++k) set.Band[k].Values = Array1<double>(waves[k - 1]);
+  return set;
+}
+
+std::array<double, 10> NoLimits() {
+  std::array<double, 10> limits;
+  limits.fill(NoLimit);
+  return limits;
+}
+
+class BandReduction : public testing::SessionTest {};
+
+TEST_F(BandReduction, LimitsFromLineTexts) {
+  EXPECT_EQ(BandLimitFromText(" 2.5 "), 2.5);
+  EXPECT_EQ(BandLimitFromText(""), NoLimit);
+  EXPECT_EQ(BandLimitFromText("abc"), NoLimit);
+  BandReductionLines lines;
+  lines.Value.fill(kNoValue);
+  lines.Value[9] = 0.5;
+  EXPECT_EQ(BandLimitsFromLines(lines)[2], NoLimit);
+  EXPECT_EQ(BandLimitsFromLines(lines)[9], 0.5);
+}
+
+TEST_F(BandReduction, ReducesEachBandAndSumsAllNine) {
+  std::vector<std::vector<double>> waves(9, std::vector<double>{0, 0, 0, 0});
+  waves[0] = {10, 10, 10, 10};  // octave 1, no line: kept
+  waves[2] = {1, 4, -2, -1};    // octave 3, line 2: (1, 4) × 1/2, (−2, −1) kept
+  waves[8] = {-6, 3, 3, -3};    // octave 9, line 1.5: each half-wave cut to 1.5
+  std::array<std::string, 10> texts;
+  texts[3] = "2";
+  texts[9] = " 1.5";
+  BandReductionResult result;
+  ASSERT_TRUE(Cal_バンド別低減(session, BandLimitsFromTexts(texts), 4, BandsOf(waves), result));
+  ExpectValues(result.Reduced[1].Values, {10, 10, 10, 10}, 0);
+  ExpectValues(result.Reduced[3].Values, {0.5, 2, -2, -1});
+  ExpectValues(result.Reduced[9].Values, {-1.5, 1.5, 1.5, -1.5});
+  ExpectValues(result.Total.Values, {9, 13.5, 9.5, 7.5});
+  EXPECT_NEAR(result.Reduced[9].Stats.Minimum, -1.5, 1e-12);
+  EXPECT_NEAR(result.Total.Stats.Maximum, 13.5, 1e-12);
+  EXPECT_TRUE(result.Total.Calculated);
+}
+
+TEST_F(BandReduction, RangeKeepsTheReductionOnTheHalfWavesItMeets) {
+  std::vector<std::vector<double>> waves(9, std::vector<double>(6, 0.0));
+  waves[4] = {4, 4, -4, -4, 4, 4};  // octave 5, line 1
+  std::array<double, 10> limits = NoLimits();
+  limits[5] = 1;
+  BandReductionResult result;
+  ASSERT_TRUE(Cal_バンド別低減(session, limits, 6, BandsOf(waves), result, true, 3, 3));
+  ExpectValues(result.Reduced[5].Values, {4, 4, -1, -1, 4, 4});
+  ExpectValues(result.Total.Values, {4, 4, -1, -1, 4, 4});
+}
+
+TEST_F(BandReduction, BadRangeIsLoggedAndLeavesTheResult) {
+  const OctaveBandSet bands = BandsOf(std::vector<std::vector<double>>(9, std::vector<double>{1, -1}));
+  BandReductionResult result;
+  result.Total.Values = Array1<double>({42});
+  EXPECT_FALSE(Cal_バンド別低減(session, NoLimits(), 2, bands, result, true, 1, 5));
+  EXPECT_EQ(result.Total.Values, Array1<double>({42}));
+  EXPECT_EQ(testing::OnlyMessageTitle(ui_), "[ bas計算共通 : Cal_バンド別低減 ]");
+  // Bands shorter than the count asked for are refused the same way.
+  EXPECT_FALSE(Cal_バンド別低減(session, NoLimits(), 3, bands, result));
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ Array1<double> Psd(Session& session, const std::vector<double>& x, double dx, in
   return out;
 }
 
-TEST(PsdWindow, HanningAndHammingByHand) {
+TEST(PsdWindow, HanningAndHammingAndSmallStatisticsByHand) {
   // n = 5: t = 0, π/2, π, 3π/2, 2π, so cos t = 1, 0, −1, 0, 1.
   std::vector<double> w(5);
   MakeWindow(false, w);
@@ -43,9 +43,7 @@ TEST(PsdWindow, HanningAndHammingByHand) {
   EXPECT_NEAR(three[1], 1.0, 1e-15);
   std::vector<double> one(1);
   EXPECT_THROW(MakeWindow(false, one), LegacyError);
-}
-
-TEST(PsdWindow, SmallStatistics) {
+  // The small statistics beside the windows.
   const std::vector<double> a = {1, 2, 3, 4}, b = {2, 0, 1, -1};
   EXPECT_DOUBLE_EQ(SumOfProducts(a, b), 2 + 0 + 3 - 4);
   EXPECT_DOUBLE_EQ(Mean(a), 2.5);
@@ -55,12 +53,9 @@ TEST(PsdWindow, SmallStatistics) {
 
 using PsdTest = testing::SessionTest;
 
-TEST(PsdCalcTest, LengthIsTheNextPowerOfTwoFromFour) {
+TEST_F(PsdTest, LengthAndImpulseByHand) {
   for (const auto& [n, length] : {std::pair{1, 4}, {2, 4}, {3, 4}, {5, 8}, {1024, 1024}, {1025, 2048}})
     EXPECT_EQ(PsdLength(n), length) << n;
-}
-
-TEST_F(PsdTest, ImpulseByHand) {
   // An impulse has |c| = 1 in every bin: out = 1 / ((1/0.5) · 4) / 1 · π = π/8.
   ExpectValues(Psd(session, {1, 0, 0, 0}, 0.5, kWindowNone, true), std::vector<double>(4, kPsdPi / 8), 1e-15);
   // Hanning of 4 points: 0, 0.75, 0.75, 0 (cos of 0, 2π/3, 4π/3, 2π); U = 2 · 0.5625 / 4 = 0.28125.
@@ -103,13 +98,12 @@ TEST_F(PsdTest, ParsevalHoldsForTheRawSpectrum) {
   EXPECT_NEAR(std::accumulate(hanning.begin(), hanning.end(), 0.0), kPsdPi * dx * windowed / u, 1e-9 * energy);
 }
 
-TEST_F(PsdTest, OneSampleEndsThroughTheErrorPath) {
+TEST_F(PsdTest, OneSampleMoreSamplesThanGivenAndAZeroPitchEndThroughTheErrorPath) {
   // Four points at the least: one sample can be neither windowed nor folded out to them.
   Array1<double> out;
   EXPECT_FALSE(PsdCalc(session, 1, Array1<double>({2.0}), 0.5, kWindowHanning, true, out));
   EXPECT_FALSE(PsdCalc(session, 1, Array1<double>({2.0}), 0.5, kWindowNone, true, out));
-  ASSERT_FALSE(ui_.Messages().empty());
-  EXPECT_EQ(ui_.Messages()[0].Title, "[ basFFT : subPSD計算用_観音開き作成 ]");  // the fold says why
+  EXPECT_EQ(ui_.Messages().at(0).Title, "[ basFFT : subPSD計算用_観音開き作成 ]");  // the fold says why
   EXPECT_FALSE(PsdCalc(session, 4, Array1<double>({1.0, 2.0}), 0.5, kWindowNone, true, out));
   EXPECT_FALSE(PsdCalc(session, 2, Array1<double>({1.0, 2.0}), 0.0, kWindowNone, true, out));
 }
@@ -122,7 +116,7 @@ void ExpectPairs(const std::vector<PsdPair>& actual, const std::vector<PsdPair>&
   }
 }
 
-TEST(PsdSmoothTest, OneBandPerOctaveByHand) {
+TEST(PsdSmoothTest, OneBandPerOctaveByHandAndTheLowEndFollowsTheRawPointsWhileTheirStepIsCoarser) {
   // n2 = 64 at 1 m: df = 1/64, h = 32, raw rows T(k) = (k/64, P(k + 1)) for k = 1..31, T(32) = (0, 0).
   // R = 2: no raw step ratio k/(k−1) is above 2, so the grid doubles: 1, 2, 4, 8, 16, 32, 64 (/64),
   // stopping after the first point past the Nyquist number 0.5. Band starts √2·S(i−1): 1.41, 2.83,
@@ -132,18 +126,16 @@ TEST(PsdSmoothTest, OneBandPerOctaveByHand) {
   const std::vector<PsdPair> smooth = SmoothPsdValues(DebugTables{}, Array1<double>(testing::Ramp(64)), 64, 1.0, 1);
   EXPECT_EQ(smooth.size(), 6u);
   ExpectPairs(smooth, {{1.0 / 64, 2}, {2.0 / 64, 3}, {4.0 / 64, 5}, {8.0 / 64, 9.5}, {16.0 / 64, 18}, {32.0 / 64, 25.2}});
-}
 
-TEST(PsdSmoothTest, LowEndFollowsTheRawPointsWhileTheirStepIsCoarser) {
   // R = 2^(1/12) ≈ 1.0595: k/(k−1) > R for k ≤ 17, so the first 17 points are the raw ones; the 18th is
   // R times the 17th.
-  const std::vector<PsdPair> smooth = SmoothPsdValues(DebugTables{}, Array1<double>(testing::Ramp(256)), 256, 1.0, 12);
+  const std::vector<PsdPair> twelfths = SmoothPsdValues(DebugTables{}, Array1<double>(testing::Ramp(256)), 256, 1.0, 12);
   std::vector<PsdPair> raw;
   for (int k = 1; k <= 17; ++k) raw.push_back({k / 256.0, k + 1.0});
-  ExpectPairs(smooth, raw);
-  ASSERT_GT(smooth.size(), 18u);
-  EXPECT_NEAR(smooth[17].Wn, std::pow(2.0, 1.0 / 12) * 17 / 256, 1e-15);
-  EXPECT_LE(smooth.back().Wn, 0.5);
+  ExpectPairs(twelfths, raw);
+  ASSERT_GT(twelfths.size(), 18u);
+  EXPECT_NEAR(twelfths[17].Wn, std::pow(2.0, 1.0 / 12) * 17 / 256, 1e-15);
+  EXPECT_LE(twelfths.back().Wn, 0.5);
 }
 
 TEST_F(PsdTest, SmoothRunsTheRawSpectrumFirst) {

@@ -1,24 +1,104 @@
+// Cross-correlation: the kernel of one pair by hand and against the plain shift loop bit for bit, the
+// options check, the aligned samples, the run over all pairs, the shifted copies and the result tables.
 #include "evaluation/cross_correlation.h"
 
 #include <gtest/gtest.h>
 
-#include <regex>
+#include <cmath>
+#include <random>
+#include <vector>
 
-#include "base/text_encoding.h"
 #include "evaluation/correlation_tables.h"
+#include "evaluation/cross_correlation_kernel.h"
 #include "evaluation_fixture.h"
 #include "support/checks.h"
+#include "support/error_of.h"
 #include "support/profile_fixture.h"
 
 namespace velmora {
 namespace {
 
+using testing::ErrorOf;
 using testing::ListOf;
 using testing::MakeProfile;
 using testing::Ramp;
 using testing::Road;
-using testing::TempDir;
+using Row = std::vector<std::string>;
 using Rows = std::vector<std::int32_t>;
+
+TEST(CrossCorrelatePair, ASeriesWithItselfPeaksAtZeroAndALaggedOneAtItsLag) {
+  const int n = 200;
+  const CorrelationCell cell = CrossCorrelatePair(n, Road(n), Road(n), 10);
+  // sd divides by n - 1 and rho by n: S(0) = (n-1) sd^2, so rho = (n-1)/n, not 1.
+  EXPECT_NEAR(cell.Peak(CorrelationRow::Rho).Value, 199.0 / 200.0, 1e-12);
+  EXPECT_EQ(cell.Peak(CorrelationRow::Rho).Shift, 0);
+  EXPECT_EQ(cell.SdRatio, 1.0);
+  EXPECT_NEAR(cell.Peak(CorrelationRow::Agreement).Value, 199.0 / 200.0, 1e-12);
+  EXPECT_NEAR(cell.Peak(CorrelationRow::OverDeviations).Value, 199.0, 1e-9);
+  EXPECT_TRUE(cell.Computed);
+
+  // Road(n, 3)[k] = Road(n)[k + 3]: a's feature lies 3 samples later in b; the other way round -3.
+  const std::vector<double> early = Road(300, 3), late = Road(300);
+  const CorrelationCell ab = CrossCorrelatePair(300, early, late, 20);
+  EXPECT_EQ(ab.Peak(CorrelationRow::Rho).Shift, 3);
+  EXPECT_EQ(ab.Peak(CorrelationRow::Agreement).Shift, 3);
+  EXPECT_EQ(CrossCorrelatePair(300, late, early, 20).Peak(CorrelationRow::Rho).Shift, -3);
+}
+
+TEST(CrossCorrelatePair, EqualPeaksReportTheMostNegativeShiftWithHandValues) {
+  // a holds one (+1, -1) step at samples 4..5; b holds it at 1..2 and at 7..8. Both means are 0.
+  // Shift +3 pairs a4,a5 with b7,b8 and shift -3 pairs them with b1,b2: S = 2 at both.
+  const std::vector<double> a = {0, 0, 0, 1, -1, 0, 0, 0};
+  const std::vector<double> b = {1, -1, 0, 0, 0, 0, 1, -1};
+  const CorrelationCell cell = CrossCorrelatePair(8, a, b, 4);
+  for (const CorrelationPeak& peak : cell.Peaks) EXPECT_EQ(peak.Shift, -3);
+  // sdA = sqrt(2/7), sdB = sqrt(4/7): sdA sdB = sqrt(8)/7, R = 14/sqrt(8), rho = R / 8.
+  EXPECT_DOUBLE_EQ(cell.Peak(CorrelationRow::SumOfProducts).Value, 2.0);
+  EXPECT_DOUBLE_EQ(cell.Peak(CorrelationRow::OverOverlap).Value, 2.0 / 5.0);
+  EXPECT_DOUBLE_EQ(cell.Peak(CorrelationRow::OverCount).Value, 2.0 / 8.0);
+  EXPECT_NEAR(cell.Peak(CorrelationRow::OverDeviations).Value, 4.949747468305833, 1e-12);
+  EXPECT_NEAR(cell.Peak(CorrelationRow::Rho).Value, 0.6187184335382291, 1e-12);
+  EXPECT_NEAR(cell.SdRatio, std::sqrt(0.5), 1e-15);
+  EXPECT_NEAR(cell.Peak(CorrelationRow::Agreement).Value, 0.6187184335382291 * std::sqrt(0.5), 1e-12);
+  // The ratio of deviations is the smaller over the larger.
+  EXPECT_EQ(SdRatio(4, 2), 0.5);
+  EXPECT_EQ(SdRatio(0, 3), 0.0);
+  EXPECT_THROW(SdRatio(0, 0), LegacyError);
+}
+
+TEST(CrossCorrelatePair, ConstantSeriesAndLimitsFailThroughTheErrorPath) {
+  const std::vector<double> flat(50, 3.0);
+  const std::vector<double> wavy = Road(50);
+  EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(50, flat, wavy, 5); }), ErrorNumber::DivisionByZero);
+  EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(50, wavy, wavy, 50); }), ErrorNumber::SubscriptOutOfRange);
+  EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(60, wavy, wavy, 5); }), ErrorNumber::SubscriptOutOfRange);
+  // 2 * 16384 + 1 shifts no longer fit the 16-bit counter; n = 46341 makes n * n pass 2^31 - 1.
+  const std::vector<double> longer = Road(46341);
+  EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(20000, longer, longer, 16384); }), ErrorNumber::Overflow);
+  EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(46341, longer, longer, 2); }), ErrorNumber::Overflow);
+  EXPECT_NO_THROW(CrossCorrelatePair(46340, longer, longer, 2));
+}
+
+TEST(ShiftSums, PlainLoopByHandAndEveryShiftCountAndThreadCountBitForBit) {
+  // dA = (1, 2, 3), dB = (10, 20, 40): shift +1 is 1*20 + 2*40, shift -1 is 2*10 + 3*20,
+  // shift +2 is 1*40, shift -2 is 3*10, shift 0 is 10 + 40 + 120.
+  EXPECT_EQ(detail::ShiftSumsPlain(std::vector<double>{1, 2, 3}, std::vector<double>{10, 20, 40}, 2), (std::vector<double>{30, 80, 170, 100, 40}));
+  std::mt19937_64 random(7);
+  std::normal_distribution<double> noise(0.0, 3.0);
+  for (const auto& [n, maxShift] : std::vector<std::pair<int, int>>{
+           {1, 0}, {3, 2}, {5, 4}, {17, 16}, {40, 15}, {40, 16}, {100, 33}, {100, 99}, {1000, 500}, {3000, 1499}}) {
+    std::vector<double> a(static_cast<std::size_t>(n)), b(static_cast<std::size_t>(n));
+    for (auto& x : a) x = noise(random);
+    for (auto& x : b) x = noise(random);
+    const std::vector<double> reference = detail::ShiftSumsPlain(a, b, maxShift);
+    for (unsigned threads : {1u, 2u, 3u}) {
+      const std::vector<double> fast = detail::ShiftSums(a, b, maxShift, threads);
+      ASSERT_EQ(fast.size(), reference.size());
+      for (std::size_t k = 0; k < fast.size(); ++k)
+        ASSERT_EQ(fast[k], reference[k]) << "n " << n << " shift " << static_cast<int>(k) - maxShift;
+    }
+  }
+}
 
 // Profiles at 0.25 m; a run of every profile of the list, without the IRI filter unless asked.
 class CrossCorrelationTest : public testing::EvaluationTest {
@@ -46,8 +126,7 @@ TEST_F(CrossCorrelationTest, CheckGivesItsMessagesInOrderAndSelectsTheShiftBox) 
   // KP ranges 1.000-1.01225 km and 2.000-2.01225 km share nothing.
   ui_.Log.clear();
   options.Alignment = 2;
-  const ProfileList far = ListOf({P("A", Ramp(50), 1.0), P("B", Ramp(50), 2.0)});
-  EXPECT_FALSE(CheckCorrelationOptions(session, far, both, options, selection));
+  EXPECT_FALSE(CheckCorrelationOptions(session, ListOf({P("A", Ramp(50), 1.0), P("B", Ramp(50), 2.0)}), both, options, selection));
   EXPECT_EQ(ui_.OnlyMessageText(), "全プロファイルで共通なプロファイル部がありませんでした。\r\n\r\n確認してください。");
 
   // Common count 50: the shift must lie in 1..48.
@@ -67,11 +146,11 @@ TEST_F(CrossCorrelationTest, CheckGivesItsMessagesInOrderAndSelectsTheShiftBox) 
   EXPECT_EQ(selection.CommonCount, 50);
   EXPECT_EQ(selection.Names, (std::vector<std::string>{"A", "B"}));
   EXPECT_EQ(selection.ListIndices, (Rows{1, 2}));
-  EXPECT_TRUE(ui_.Log.empty());
   // "MAX/2" does not read the box at all.
   options.MaxShiftMode = 0;
   options.MaxShiftText = "abc";
   EXPECT_TRUE(CheckCorrelationOptions(session, same, both, options, selection));
+  EXPECT_TRUE(ui_.Log.empty());
 }
 
 TEST_F(CrossCorrelationTest, AlignedSamplesFromTheHeadTheCentreAndTheKpWithADownwardProfileReversed) {
@@ -164,7 +243,78 @@ TEST_F(CrossCorrelationTest, ALagOfThreeRegistersBMinusThreePWithItsKpMoved) {
   EXPECT_EQ(copy.WorkCount, 400);
   EXPECT_TRUE(std::filesystem::exists(dir_ / "Project/Profile/B-3P.ERD"));
   EXPECT_EQ(ShiftedProfileName("B", -3), "B+3P");
-  EXPECT_EQ(ShiftedTitleSuffix(-3), "(+3P)");
+}
+
+// Three profiles A, B, C with hand-set peaks; the diagonal stays uncomputed as it is never shown.
+CorrelationResults ThreeProfiles(double rho12, double rho13, double rho23, bool showIri = false) {
+  CorrelationResults r;
+  r.Selection.ProfileCount = 3;
+  r.Selection.Names = {"A", "B", "C"};
+  r.Matrix.resize(9);
+  r.Cell(1, 2).Peak(CorrelationRow::Rho) = {rho12, 3};
+  r.Cell(1, 3).Peak(CorrelationRow::Rho) = {rho13, -2};
+  r.Cell(2, 3).Peak(CorrelationRow::Rho) = {rho23, 0};
+  r.Cell(1, 2).SdRatio = 0.5;
+  r.IriValues = {1.0, 2.0, 3.0};
+  r.PsdValues = {4.0, 0.0, 5.0};
+  r.Options.ShowIri = showIri;
+  r.Valid = true;
+  return r;
+}
+
+TEST(CorrelationTables, CrossTablePairsBelowTheDiagonalWithMeansOfTheFiguresAsShown) {
+  // Column means, the empty last column divided by 1; then all pairs (0.9 + 0.8 + 0.7) / 3 and the pairs
+  // of columns 3 onward, 0.7.
+  EXPECT_EQ(BuildCrossTable(ThreeProfiles(0.9, 0.8, 0.7), 0),
+            (TextTable{{"", "A", "B", "C"}, {"A", "", "", ""}, {"B", "0.90000", "", ""}, {"C", "0.80000", "0.70000", ""},
+                       {"平均(基準)", "0.85000", "0.70000", "0.00000"}, {"平均(全体)", "0.80000", "0.70000", ""}}));
+  // 0.000006 is shown "0.00001" and 0 "0.00000": the mean of the shown figures is 0.000005, which
+  // shows "0.00001"; the raw mean 0.000003 would show "0.00000".
+  EXPECT_EQ(BuildCrossTable(ThreeProfiles(0.000006, 0.0, 0.5), 0)[4][1], "0.00001");
+  // Shifts are whole numbers without format; their mean (3 + -2) / 2 has the format.
+  const TextTable shifts = BuildCrossTable(ThreeProfiles(0.9, 0.8, 0.7), 2);
+  EXPECT_EQ((Row{shifts[2][1], shifts[3][1], shifts[4][1]}), (Row{"3", "-2", "0.50000"}));
+}
+
+TEST(CorrelationTables, ValueRowsErrorRatesAndASingleProfile) {
+  const CorrelationResults r = ThreeProfiles(0.9, 0.8, 0.7, true);
+  // IRI error rates (value j - value i) / value i: (2-1)/1, (3-1)/1, (3-2)/2, sign kept, no percent.
+  const TextTable t = BuildCrossTable(r, 4);
+  EXPECT_EQ(t[1], (Row{"IRI値", "1.00000", "2.00000", "3.00000"}));
+  EXPECT_EQ(t[3], (Row{"B", "1.00000", "", ""}));
+  EXPECT_EQ(t[4], (Row{"C", "2.00000", "0.50000", ""}));
+  EXPECT_EQ(MeasureText(r, 3, 1, 2), "0.50000");
+  // PSD of B is 0: the rate (C - B) / B is a division by zero.
+  EXPECT_EQ(MeasureText(r, 5, 1, 2), "-1.00000");
+  EXPECT_THROW(MeasureText(r, 5, 2, 3), LegacyError);
+
+  CorrelationResults one;
+  one.Selection.ProfileCount = 1;
+  one.Selection.Names = {"A"};
+  one.Matrix.resize(1);
+  EXPECT_EQ(BuildCrossTable(one, 1), (TextTable{Row{"", "A"}}));
+  EXPECT_EQ(BuildSingleTable(one, 1).size(), 1u);
+}
+
+TEST(CorrelationTables, SingleTableGroupsByFirstProfileAndTheCsvHoldsBothBlocks) {
+  CorrelationResults r = ThreeProfiles(0.9, 0.8, 0.7, true);
+  const TextTable t{{"", "IRI値", "組み合わせ", "IRI値", "算出値", "平均"},
+                    {"A", "1.00000", "B", "2.00000", "0.90000", "0.85000"},
+                    {"", "", "C", "3.00000", "0.80000", ""},
+                    {"B", "2.00000", "C", "3.00000", "0.70000", "0.70000"}};
+  EXPECT_EQ(BuildSingleTable(r, 0), t);
+  r.Options.TableLayout = 1;
+  r.Options.Measure = 0;
+  EXPECT_EQ(BuildCorrelationTable(r), t);
+
+  // A caption line and a head line, the single table, a blank line, then the cross table.
+  r.Options.ShowPsd = true;
+  const std::vector<std::string> lines = CorrelationCsvLines(r, 0);
+  ASSERT_GE(lines.size(), 8u);
+  EXPECT_EQ((Row{lines[0], lines[1], lines[2]}),
+            (Row{",,,,,,,相互相関値", ",IRI値,PSD値,組み合わせ,算出値,平均,,", "A,1.00000,4.00000,B,2.00000,0.00000,0.90000,0.85000"}));
+  EXPECT_EQ((Row{lines[5], lines[6], lines[7], lines.back()}),
+            (Row{"", ",A,B,C", "IRI値,1.00000,2.00000,3.00000", "平均(全体),0.80000,0.70000,"}));
 }
 
 }  // namespace

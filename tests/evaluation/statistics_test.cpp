@@ -1,11 +1,15 @@
+// The statistics tab: the selection check, the sort keys, the section grid and blocks worked out by
+// hand, and the pages of a run.
 #include "evaluation/statistics.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <regex>
+#include <tuple>
+#include <utility>
+#include <vector>
 
-#include "base/text_encoding.h"
+#include "evaluation/section_statistics.h"
 #include "evaluation_fixture.h"
 #include "support/checks.h"
 #include "support/profile_fixture.h"
@@ -15,7 +19,6 @@ namespace {
 
 using testing::ListOf;
 using testing::ScriptedUi;
-using testing::TempDir;
 using Row = std::vector<std::string>;
 
 // Rising by 1 mm a sample at 0.25 m; with the ripple for the IRI, without it for block means by hand.
@@ -75,13 +78,88 @@ TEST_F(StatisticsTest, SelectionCheckGivesItsMessagesInOrderAndSidesTurnedOffQui
   EXPECT_FALSE(profileOnly.IriSide);
   EXPECT_TRUE(quiet.Log.empty());
   EXPECT_EQ(StatisticsSettingLines(profileOnly)[0], "プロファイル(帯域) = 全波長");
-  EXPECT_EQ(StatisticsSettingLines(s)[3], "ＩＲＩ(帯域) = 全波長 ,  長波長 ,  短波長 ,  1-OCT ,  2-OCT ,  3-OCT ,  4-OCT ,  "
-                                          "5-OCT ,  6-OCT ,  7-OCT ,  8-OCT ,  9-OCT");
+}
+
+// The counts and the means of the blocks.
+std::pair<std::vector<std::int32_t>, std::vector<double>> Blocks(const std::vector<SectionStatistics>& records) {
+  std::pair<std::vector<std::int32_t>, std::vector<double>> blocks;
+  for (const auto& r : records) {
+    blocks.first.push_back(r.Count);
+    blocks.second.push_back(r.Mean);
+  }
+  return blocks;
+}
+using Counts = std::vector<std::int32_t>;
+using Means = std::vector<double>;
+// Mean, deviation, max, min, spread and count; the deviation within rounding, the rest exact.
+void ExpectStatistics(const SectionStatistics& s, const SectionStatistics& expected) {
+  EXPECT_EQ(s.Mean, expected.Mean);
+  EXPECT_DOUBLE_EQ(s.StdDev, expected.StdDev);
+  EXPECT_EQ(s.Max, expected.Max);
+  EXPECT_EQ(s.Min, expected.Min);
+  EXPECT_EQ(s.Spread, expected.Spread);
+  EXPECT_EQ(s.Count, expected.Count);
+}
+
+TEST(CalcSectionStatistics, BlocksFollowTheFirstCountAndKeepTheShortTail) {
+  const std::vector<double> v = {1, 2, 3, 4, 5, 6, 7};
+  // firstCount <= 1: full blocks from the first sample, then a tail of one. firstCount 2: the first block
+  // holds the one sample before the border. A first border beyond the last sample: one short block.
+  const struct { std::int32_t firstCount; Counts counts; Means means; } cases[] = {
+      {0, {3, 3, 1}, {2, 5, 7}}, {1, {3, 3, 1}, {2, 5, 7}}, {2, {1, 3, 3}, {1, 3, 6}},
+      {3, {2, 3, 2}, {1.5, 4, 6.5}}, {10, {7}, {4}}};
+  for (const auto& c : cases) EXPECT_EQ(Blocks(CalcSectionStatistics(v, 3, c.firstCount)), std::pair(c.counts, c.means)) << c.firstCount;
+  const auto full = CalcSectionStatistics(v, 3, 0);
+  EXPECT_DOUBLE_EQ(full[0].StdDev, std::sqrt(2.0 / 3.0));  // (1 + 0 + 1) / 3, divisor = count
+  EXPECT_EQ(full[0].Spread, 2.0);
+}
+
+TEST(CalcSectionStatistics, OneSampleShortAndNegativeBlocksTheWholeSeriesAndIriSectionsByHand) {
+  // One sample; shorter than one block (mean 3, deviation 1, divisor 2); all values negative, where the
+  // seeds give way to the data (squares 1 + 1 + 0 over 3).
+  ExpectStatistics(CalcSectionStatistics(std::vector<double>{-3.5}, 40, 0).at(0), {-3.5, 0, -3.5, -3.5, 0, 1});
+  ExpectStatistics(CalcSectionStatistics(std::vector<double>{2, 4}, 40, 0).at(0), {3, 1, 4, 2, 2, 2});
+  ExpectStatistics(CalcSectionStatistics(std::vector<double>{-5, -7, -6}, 3, 0).at(0), {-6, std::sqrt(2.0 / 3), -5, -7, 2, 3});
+  EXPECT_EQ(CalcSectionStatistics(std::vector<double>{2, 4}, 40, 0).size(), 1u);
+  EXPECT_TRUE(CalcSectionStatistics(std::vector<double>{}, 3, 0).empty());
+  EXPECT_THROW(CalcSectionStatistics(std::vector<double>{1}, 0, 0), LegacyError);
+  // The textbook set: mean 5, squared deviations 9+1+1+1+0+0+4+16 = 32, / 8 = 4.
+  ExpectStatistics(CalcWholeStatistics(std::vector<double>{2, 4, 4, 4, 5, 5, 7, 9}), {5, 2, 9, 2, 7, 8});
+  EXPECT_THROW(CalcWholeStatistics(std::vector<double>{}), LegacyError);
+  // Mean = (40*2 + 10*4 + 50*1) / 100 = 1.7. Deviations from 1.7: 0.3, 2.3, -0.7, squares
+  // 0.09 + 5.29 + 0.49 = 5.87 over 3 sections. (A weighted deviation would be 0.9, a plain mean 2.333.)
+  const auto iri = CalcIriStatistics(std::vector<IriSectionValue>{{40, 2.0}, {10, 4.0}, {50, 1.0}});
+  EXPECT_DOUBLE_EQ(iri.Mean, 1.7);
+  ExpectStatistics(iri, {iri.Mean, std::sqrt(5.87 / 3.0), 4, 1, 3, 3});
+  EXPECT_EQ(CalcIriStatistics(std::vector<IriSectionValue>{}).Count, 0);
+}
+
+TEST(BlockSampleCount, LengthOverPitchRoundedHalfUp) {
+  // 40, 33.33, 12.5 (which goes up), 1312.34 and 2624.67 samples.
+  const std::tuple<double, double, std::int32_t> cases[] = {
+      {10, 0.25, 40}, {10, 0.3, 33}, {10, 0.8, 13}, {100, 0.0762, 1312}, {200, 0.0762, 2625}};
+  for (const auto& [length, pitch, count] : cases) EXPECT_EQ(BlockSampleCount(length, pitch), count) << length << " " << pitch;
+}
+
+TEST(FindGridEntry, FirstCountsByHandUpAndDown) {
+  const SectionGridLine grid{12.3, 0.1, 5};  // borders 12.3, 12.4, ..., 12.8 km
+  const auto entry = [](const SectionGridLine& g, double kp, bool down) {
+    const GridEntry e = FindGridEntry(g, kp, 0.25, down);
+    return std::pair(e.Section, e.FirstCount);
+  };
+  // Up from 12.3456 km at 0.25 m: 54.4 m to 12.4, so samples 1..218 lie before it and 219 is past it.
+  EXPECT_EQ(entry(grid, 12.3456, false), std::pair(1, 219));
+  // On a border: the first block is full.
+  EXPECT_EQ(entry(grid, 12.4, false), std::pair(2, 1));
+  // Down from 12.3456 km: 45.6 m to 12.3, 182.4 pitches, so sample 184 is the first at or below it.
+  EXPECT_EQ(entry(grid, 12.3456, true), std::pair(-1, 184));
+  EXPECT_EQ(entry(grid, 12.4, true), std::pair(-1, 1));
+  // Exactly 400 pitches to the border: sample 401 lies on it.
+  EXPECT_EQ(entry(SectionGridLine{12.3, 0.2, 2}, 12.4, false).second, 401);
+  EXPECT_THROW(FindGridEntry(grid, 11.0, 0.25, false), LegacyError);
 }
 
 TEST(StatisticsSortKey, LevelsFollowTheOrderingList) {
-  EXPECT_EQ(StatisticsSortKey({"プロファイル", "帯域", "統計値"}, 2, 3, 1), "002/a04_1-OCT/b02_標準偏差/");
-  EXPECT_EQ(StatisticsSortKey({"統計値", "帯域", "プロファイル"}, 2, 3, 1), "b02_標準偏差/a04_1-OCT/002/");
   EXPECT_EQ(StatisticsSortKey({"IRI算出基準長", "プロファイル", "帯域", "統計値"}, 1, 0, 4, 2),
             "d03_100m固定/001/a01_全波長/b05_最大小差/");
   // The profile first: all of profile 1 before profile 2; the band first: 全波長 of both before 長波長.

@@ -1,26 +1,30 @@
-// The quarter-car engine: transition matrix, LU inverse, the response and IRI of
-// arrays. Golden figures come from tools/iri_reference.py (mpmath, independent of this code) or are
-// worked out by hand in the comments.
+// The quarter-car engine (transition matrix, LU inverse, response and IRI of arrays), the sliding-window
+// IRI and the profile layer that fills the analysis block. Golden figures come from
+// tools/iri_reference.py (mpmath, independent of this code) or are worked out by hand in the comments.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <filesystem>
+#include <random>
+#include <span>
 #include <vector>
 
 #include "analysis/iri.h"
+#include "analysis/iri_window.h"
 #include "analysis/quarter_car.h"
 #include "profile/erd_file.h"
-#include "results/wave_series.h"
 #include "support/analysis_fixture.h"
+#include "support/expect_values.h"
 #include "support/session_fixture.h"
 
 namespace velmora {
 namespace {
 
-IriParams GoldenCar(double initFilter, std::int32_t powerWeighting = 0) {
+IriParams GoldenCar(double initFilter, std::int32_t powerWeighting = 0, double windowLength = 10) {
   IriParams p;  // all rates 0: the engine falls back on the golden car
   p.InitFilter = initFilter;
   p.PowerWeighting = powerWeighting;
+  p.IriBaseLength = windowLength;
   return p;
 }
 
@@ -30,14 +34,12 @@ std::vector<double> Ramp(std::size_t n, double dx, double slope) {
   return y;
 }
 
-struct TransitionCase {
+// tools/iri_reference.py: exp(A dt) by mpmath.expm and by eigen-decomposition at 50 digits.
+const struct TransitionCase {
   double dx;
   std::array<std::array<double, 4>, 4> st;
   std::array<double, 4> pr;
-};
-
-// tools/iri_reference.py: exp(A dt) by mpmath.expm and by eigen-decomposition at 50 digits.
-const TransitionCase kTransitionCases[] = {
+} kTransitionCases[] = {
     {0.25,
      {{{0.99660706915290878, 0.010915144113348671, -0.0020832747395164562, 0.00031901453108650662},
        {-0.55630449025646506, 0.94387678571627702, -0.8324721017401271, 0.050647008697115303},
@@ -89,43 +91,34 @@ TEST(QuarterCarTest, ZeroStepIsTheIdentityAndReplacesAByItsInverseAndOverflowIsA
   EXPECT_THROW(BuildTransitionMatrix(1e6, a, b, st, pr), LegacyError);
 }
 
-TEST(LuTest, LaterRowWinsAPivotTieAndTheInverseIsRight) {
-  // Rows 1 and 2 tie in column 1 (both weigh 1 after scaling): row 2 becomes the pivot, d = -1.
-  Matrix4 a = Matrix4::Identity();
+TEST(LuTest, PivotTiesPermutationsAndAZeroRow) {
+  // Rows 1 and 2 tie in column 1 (both weigh 1 after scaling): the later row 2 becomes the pivot, d = -1.
+  // The inverse of [[1,0],[1,1]] is [[1,0],[-1,1]]; the lower block stays the identity.
+  Matrix4 a = Matrix4::Identity(), inverse = Matrix4::Identity();
   a(2, 1) = 1;
+  inverse(2, 1) = -1;
   Matrix4 lu = a;
   PivotIndex index{};
   double d = 0;
-  LuDecompose(lu, index, d);
+  EXPECT_TRUE(LuDecompose(lu, index, d));
   EXPECT_EQ(index[1], 2);
   EXPECT_EQ(d, -1.0);
   InvertMatrix(a);
-  // The inverse of [[1,0],[1,1]] is [[1,0],[-1,1]]; the lower block stays the identity.
-  Matrix4 inverse = Matrix4::Identity();
-  inverse(2, 1) = -1;
   EXPECT_EQ(a, inverse);
-}
-
-TEST(LuTest, PermutationWithScaledRowsInvertsExactly) {
   // [[0,1],[1,0]] ⊕ [[0,2],[0.5,0]] is its own inverse; every column needs a pivot search.
-  Matrix4 a;
-  a(1, 2) = 1;
-  a(2, 1) = 1;
-  a(3, 4) = 2;
-  a(4, 3) = 0.5;
-  const Matrix4 original = a;
-  InvertMatrix(a);
-  EXPECT_EQ(a, original);
-}
-
-TEST(LuTest, ZeroRowStopsTheDecompositionAndTheCalculationGoesOn) {
-  Matrix4 a = Matrix4::Identity();
-  a(3, 3) = 0;
-  PivotIndex index{};
-  double d = 0;
-  Matrix4 copy = a;
-  EXPECT_FALSE(LuDecompose(copy, index, d));
-  EXPECT_NO_THROW(InvertMatrix(a));
+  Matrix4 swap;
+  swap(1, 2) = swap(2, 1) = 1;
+  swap(3, 4) = 2;
+  swap(4, 3) = 0.5;
+  const Matrix4 original = swap;
+  InvertMatrix(swap);
+  EXPECT_EQ(swap, original);
+  // A zero row stops the decomposition and the calculation goes on.
+  Matrix4 singular = Matrix4::Identity();
+  singular(3, 3) = 0;
+  lu = singular;
+  EXPECT_FALSE(LuDecompose(lu, index, d));
+  EXPECT_NO_THROW(InvertMatrix(singular));
   // A model whose unsprung row underflows to zeros is singular; one that reads as 0 becomes the golden car.
   EXPECT_TRUE(QuarterCarIsSingular(IriParams{80, 1e-300, 1e-300, 1e300, 1e-300, 0, 0, 10}));
   EXPECT_FALSE(QuarterCarIsSingular(IriParams{80, 0, 0, 0, 0, 0, 0, 10}));
@@ -177,22 +170,16 @@ TEST(IriResponseTest, RampStartsFromTheSlopeOverKTimesDxAndDecays) {
   for (std::size_t i = 1600; i < longRamp.size(); ++i) EXPECT_NEAR(longRamp[i], 0.0, 1e-9);
 }
 
-TEST(IriOfArrayTest, FlatProfileHasIriZero) {
+TEST(IriOfArrayTest, FlatSineAndProfilesNoLongerThanTheBase) {
   const std::vector<double> flat(500, 123.4);
   EXPECT_EQ(IriOfArray(500, flat, 0.25, GoldenCar(11)), 0.0);
   EXPECT_EQ(IriOfArray(500, flat, 0.01, GoldenCar(11, 1)), 0.0);
-}
-
-TEST(IriOfArrayTest, SineGivesTheIndependentArsAndRmsFigures) {
   // 5 mm sine of 5 m wavelength, 80 samples at 0.25 m, init 11 m (tools/iri_reference.py).
   const std::vector<double> sine = testing::Sine(80, 20, 5), before = sine;
   EXPECT_NEAR(IriOfArray(80, sine, 0.25, GoldenCar(11, 0)), 4.5850110426171407, 1e-12);
   EXPECT_NEAR(IriOfArray(80, sine, 0.25, GoldenCar(11, 1)), 5.1102440661799208, 1e-12);
   EXPECT_NEAR(IriOfArray(80, sine, 0.25, GoldenCar(11, -3)), 5.1102440661799208, 1e-12);  // any non-zero
   EXPECT_EQ(sine, before);  // the input is left untouched
-}
-
-TEST(IriOfArrayTest, ProfileNoLongerThanTheBaseIsAnError) {
   const std::vector<double> y(3, 1.0);
   EXPECT_THROW(IriOfArray(3, y, 0.1, GoldenCar(0)), LegacyError);  // IBASE 3, n' = 0
   EXPECT_THROW(IriOfArray(5, y, 0.25, GoldenCar(0)), LegacyError);  // more samples asked than given
@@ -237,6 +224,120 @@ TEST(SeriesStatsTest, PopulationDeviationOverTheFirstNElements) {
   EXPECT_EQ(w.DisplayMax, 1);
   EXPECT_EQ(w.Stats.Mean, -1);
   EXPECT_EQ(w.Stats.StdDev, 2);
+}
+
+// Every window summed from scratch, ascending, held to the running sum within 1e-9 (relative, absolute
+// where the window is all zeros).
+void ExpectMatchesWindowByWindowSums(const std::vector<double>& r, std::int32_t firstEnd, int power) {
+  const auto count = static_cast<std::int32_t>(r.size());
+  const auto fast = SlidingWindowIri(r, count, firstEnd, power);
+  std::vector<double> slow;
+  for (std::int32_t s = 1, e = firstEnd; e <= count || s == 1; ++s, ++e) {
+    double sum = 0;
+    for (std::int32_t j = s; j <= e; ++j) sum += std::pow(std::fabs(r[static_cast<std::size_t>(j - 1)]), power);
+    slow.push_back(std::pow(sum / (e - s + 1), 1.0 / power));
+  }
+  ASSERT_EQ(fast.size(), slow.size());
+  for (std::size_t i = 0; i < fast.size(); ++i)
+    ASSERT_LE(std::fabs(fast[i] - slow[i]), 1e-9 * (slow[i] == 0 ? 1 : slow[i])) << "window " << i + 1;
+}
+
+TEST(SlidingWindowTest, CountsAndFirstValuesByHand) {
+  const std::vector<double> r{3, -4, 0, 5, -12};
+  // Window of 2 over 5 elements: 4 windows; ARS |3|,|4| → 3.5; RMS sqrt((9+16)/2).
+  testing::ExpectValues(SlidingWindowIri(r, 5, 2, 1), {3.5, 2.0, 2.5, 8.5}, 1e-15);
+  const auto rms = SlidingWindowIri(r, 5, 2, 2);
+  EXPECT_DOUBLE_EQ(rms[0], std::sqrt(12.5));
+  EXPECT_DOUBLE_EQ(rms[3], std::sqrt(84.5));
+  // The first window is always taken, even when it ends past the count (here at element 5 of 4).
+  testing::ExpectValues(SlidingWindowIri(r, 4, 5, 1), {4.8});
+  // A window larger than the series is an error, not a read past its end.
+  EXPECT_THROW(SlidingWindowIri(r, 5, 6, 1), LegacyError);
+  EXPECT_DOUBLE_EQ(IriPowerMean(r, 5, 1), 24.0 / 5);
+  EXPECT_DOUBLE_EQ(IriPowerMean(r, 2, 2), std::sqrt(12.5));
+  EXPECT_THROW(IriPowerMean(r, 0, 1), LegacyError);
+}
+
+TEST(SlidingWindowTest, RunningSumMatchesTheWindowByWindowSum) {
+  // 100,000 responses of a random rough road, windows of 10 m at 0.01 m.
+  const std::vector<double> road = testing::GoldenResponse(testing::RandomWalk(100000, 12345), 0.01);
+  ExpectMatchesWindowByWindowSums(road, 1001, 1);
+  ExpectMatchesWindowByWindowSums(road, 1002, 2);
+  // A rough stretch, then a flat one (exactly 0), then one a billion times smaller.
+  std::mt19937_64 random(7);
+  std::uniform_real_distribution<double> value(-1.0, 1.0);
+  std::vector<double> r(100000);
+  for (std::size_t i = 0; i < r.size(); ++i) r[i] = i < 30000 ? 1e3 * value(random) : i < 60000 ? 0 : 1e-6 * value(random);
+  ExpectMatchesWindowByWindowSums(r, 997, 1);
+  ExpectMatchesWindowByWindowSums(r, 997, 2);
+  EXPECT_EQ(SlidingWindowIri(r, 100000, 997, 1)[40000], 0.0);  // a window of zeros is exactly zero
+}
+
+TEST(CalcIriProfileTest, WholeProfileWindowAndBandWindowsOneSampleLonger) {
+  // 48 samples at 0.25 m: IBASE 1, N' = 47. L = 2.5 m: M = Int((0.125 + 2.5) / 0.25) = 10, so the
+  // profile's windows span 11 responses and the bands' 12. Window count 47 - Int(10.1) = 37: the
+  // profile fills all 37, the bands 36 and end in a 0.
+  const auto profile = testing::Sine(48, 20, 4.0);
+  AnalysisBlock block = testing::BlockWithBands(profile, 0.25, testing::Sine(48, 8, 1.0));
+  CalcIriProfile(DebugTables{}, block, GoldenCar(11, 0, 2.5), true);
+  const IriResults& r = block.Iri;
+
+  ASSERT_EQ(r.IriResponseCount, 47);
+  ASSERT_EQ(r.IriWindowCount, 37);
+  const std::vector<double> response(r.IriResponseWave.begin(), r.IriResponseWave.end());
+  EXPECT_DOUBLE_EQ(r.IriWholeProfile, IriPowerMean(response, 47, 1));
+  EXPECT_EQ(response, testing::GoldenResponse(profile, 0.25));
+
+  ASSERT_EQ(r.IriWindowWave.Values.size(), 37);
+  EXPECT_DOUBLE_EQ(r.IriWindowWave.Values[1], IriPowerMean(response, 11, 1));
+  EXPECT_DOUBLE_EQ(r.IriWindowWave.Values[37], IriPowerMean(std::span<const double>(response).subspan(36), 11, 1));
+  EXPECT_TRUE(r.IriWindowWave.Calculated);
+
+  const std::vector<double> bandResponse(r.IriResponseBand[3].begin(), r.IriResponseBand[3].end());
+  ASSERT_EQ(bandResponse.size(), 47u);
+  const WaveSeries& bandWindow = r.IriWindowBand[3];
+  ASSERT_EQ(bandWindow.Values.size(), 37);
+  EXPECT_DOUBLE_EQ(bandWindow.Values[1], IriPowerMean(bandResponse, 12, 1));
+  EXPECT_DOUBLE_EQ(bandWindow.Values[36], IriPowerMean(std::span<const double>(bandResponse).subspan(35), 12, 1));
+  EXPECT_EQ(bandWindow.Values[37], 0.0);
+  // Nine equal band windows: the root sum of squares is three times one of them.
+  for (std::int32_t i = 1; i <= 37; ++i) EXPECT_NEAR(r.IriWindowRss.Values[i], 3 * bandWindow.Values[i], 1e-12);
+  EXPECT_EQ(r.IriWindowLong.Values, bandWindow.Values);
+  EXPECT_EQ(r.IriWindowShort.Values, bandWindow.Values);
+  EXPECT_EQ(r.IriResponseLong, r.IriResponseBand[9]);
+}
+
+TEST(CalcIriProfileTest, ArsAndRmsShareOneResponseAndBandsMustBeSplit) {
+  const auto profile = testing::Sine(200, 37, 3.0);
+  AnalysisBlock ars = testing::BlockWithBands(profile, 0.25, profile), rms = ars;
+  CalcIriProfile(DebugTables{}, ars, GoldenCar(11, 0, 5.0), false);
+  CalcIriProfile(DebugTables{}, rms, GoldenCar(11, 1, 5.0), false);
+  EXPECT_EQ(ars.Iri.IriResponseWave, rms.Iri.IriResponseWave);
+  EXPECT_GT(rms.Iri.IriWholeProfile, ars.Iri.IriWholeProfile);
+  const std::vector<double> response(rms.Iri.IriResponseWave.begin(), rms.Iri.IriResponseWave.end());
+  EXPECT_DOUBLE_EQ(rms.Iri.IriWindowWave.Values[1], IriPowerMean(response, 21, 2));
+  // Without bands nothing of the bands is touched.
+  EXPECT_FALSE(ars.Iri.IriWindowBand[1].Calculated);
+  EXPECT_TRUE(ars.Iri.IriResponseBand[1].empty());
+  // Bands that were not split are a clear error; so is a window longer than the profile's response.
+  ars.Octave = OctaveBandSet{};
+  EXPECT_THROW(CalcIriProfile(DebugTables{}, ars, GoldenCar(11, 0, 5.0), true), LegacyError);
+  EXPECT_THROW(CalcIriProfile(DebugTables{}, ars, GoldenCar(11, 0, 50.0), false), LegacyError);
+}
+
+TEST(CalcIriFilterTest, SecondCallOnTheSameBlockDoesNothing) {
+  const auto wave = testing::Sine(100, 10, 1.0);
+  AnalysisBlock block = testing::BlockWithBands(wave, 0.1, wave);
+  CalcIriFilter(DebugTables{}, block, GoldenCar(11));
+  EXPECT_EQ(block.Iri.IriFilterCount, 97);  // IBASE 3 at 0.1 m
+  ASSERT_EQ(block.Iri.IriFilterWave.Values.size(), 97);
+  const auto first = block.Iri.IriFilterWave.Values;
+  block.Profile.Values[50] += 100;  // a changed profile is not looked at again
+  CalcIriFilter(DebugTables{}, block, GoldenCar(11));
+  EXPECT_EQ(block.Iri.IriFilterWave.Values, first);
+  block.Iri.IriFilterWave.Calculated = false;
+  CalcIriFilter(DebugTables{}, block, GoldenCar(11));
+  EXPECT_NE(block.Iri.IriFilterWave.Values, first);
 }
 
 }  // namespace
