@@ -294,7 +294,8 @@ TEST_F(ErrorLogTest, QuietWritesOnlyASecondErrorAddsALineARestartStartsANewLog) 
   Log("second");
   auto lines = Lines(LogFile());
   ASSERT_EQ(lines.size(), 2u);
-  EXPECT_TRUE(lines[0].ends_with("  ERROR : first") && lines[1].ends_with("  ERROR : second"));
+  const std::string bytes = ReadBytes(LogFile());  // each line ends in CR LF
+  EXPECT_TRUE(bytes.find("  ERROR : first\r\n") < bytes.find("\n") && bytes.ends_with("  ERROR : second\r\n")) << bytes;
   run_ = {};  // the first run ends, releasing its lock
   ASSERT_TRUE(Start().MayGoOn);
   EXPECT_FALSE(fs::exists(LogFile()));
