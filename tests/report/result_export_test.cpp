@@ -1,19 +1,77 @@
-// The result files of the analysis tabs and the profile summary, from records filled by hand.
+// The result files of the analysis tabs and the profile summary, from records filled by hand: the
+// position axis, the number formats and the null rule of every table, and each kind's lines; the
+// statistics and cross-correlation files as saved into the folder a scripted dialog answers with.
 #include "report/result_export.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <ostream>
+#include <regex>
 
 #include "analysis/band_reduction.h"
 #include "base/common.h"
+#include "base/text_encoding.h"
+#include "evaluation/correlation_tables.h"
+#include "evaluation/evaluation_fixture.h"
+#include "report/evaluation_files.h"
 #include "report/profile_summary.h"
+#include "report/result_csv.h"
+#include "support/checks.h"
+#include "support/profile_fixture.h"
 
 namespace velmora {
 namespace {
 
 using Lines = std::vector<std::string>;
+const PositionAxis kZero, kKpKm{PositionMode::Kp, KpUnit::Km, false}, kKpM{PositionMode::Kp, KpUnit::M, false};
+
+TEST(PositionAxis, ZeroBasedAndKpForwardAndBackward) {
+  EXPECT_DOUBLE_EQ(SamplePosition(kZero, 1, 0.25, 12.3, 0), 0.0);
+  EXPECT_DOUBLE_EQ(SamplePosition(kZero, 5, 0.25, 12.3, 1), 1.0);
+  EXPECT_NEAR(SamplePosition(kKpKm, 3, 0.5, 12.3, 0), 12.301, 1e-12);
+  EXPECT_NEAR(SamplePosition(kKpKm, 3, 0.5, 12.3, 1), 12.299, 1e-12);
+  EXPECT_NEAR(SamplePosition(kKpKm, 3, 0.5, kNoValue, 0), 0.001, 1e-12);  // no KP counts as 0
+  EXPECT_NEAR(SamplePosition(kKpM, 3, 0.5, 12.3, 1), 12299.0, 1e-9);
+}
+
+// The heads without the unit word and the zero-based section head are those of the tables below.
+TEST(ResultCsv, UnitWordInTheDistanceHeadAndTheKpSectionHead) {
+  std::string heads;
+  WriteDistanceHeader(heads, kKpKm, true);
+  WriteDistanceHeader(heads, kKpM, true);
+  WriteSectionHeader(heads, kKpKm);
+  EXPECT_EQ(heads, "Distance(km), Distance(m), Start(KP), End(KP), Mid(KP), ");
+}
+
+TEST(ResultCsv, NumberFormatsAndTheNullRule) {
+  EXPECT_EQ(FormatDistanceField(1.234567), "1.23457");
+  EXPECT_EQ(FormatPsdField(0.00012345), "1.2345000000E-04");
+  EXPECT_EQ(FormatDistanceField(kNoValue) + FormatPsdField(kNoValue), "");
+}
+
+TEST(ResultCsv, PointTableWritesPositionsValuesAndEmptyFields) {
+  const std::vector<double> profile{1.5, kNoValue, -0.123456789};
+  const std::vector<double> shorter{2.0};
+  EXPECT_EQ(PointCsvLines(kZero, {0.25, kNoValue, 0}, {{"Elevetion(mm)", profile}, {"IRI(mm/m)", shorter}}),
+            (Lines{"Distance(m), Elevetion(mm), IRI(mm/m)", "0.00000, 1.50000000, 2.00000000", "0.25000, , ",
+                   "0.50000, -0.12345679, "}));
+  EXPECT_EQ(PointCsvLines(kKpKm, {0.5, 12.3, 1}, {{"Elevetion(mm)", profile}}),
+            (Lines{"Distance(KP), Elevetion(mm)", "12.30000, 1.50000000", "12.29950, ", "12.29900, -0.12345679"}));
+}
+
+TEST(ResultCsv, SectionTablePlacesStartEndAndMiddle) {
+  const std::vector<SectionRow> rows{{1.0, 1.01, {2.0, kNoValue}}, {1.01, 1.02, {kNoValue, 0.5}}};
+  EXPECT_EQ(SectionCsvLines(kZero, {0.1, 1.0, 0}, {"IRI(mm/m)", "IRI(OCT-1)"}, rows),
+            (Lines{"Start(m), End(m), Mid(m), IRI(mm/m), IRI(OCT-1)", "0.00000, 10.00000, 5.00000, 2.00000000, ",
+                   "10.00000, 20.00000, 15.00000, , 0.50000000"}));
+  // KP falling along the profile: zero-based distances still grow.
+  const std::vector<SectionRow> back{{1.0, 0.99, {1.0}}};
+  EXPECT_EQ(SectionCsvLines(kZero, {0.1, 1.0, 1}, {"IRI(mm/m)"}, back)[1], "0.00000, 10.00000, 5.00000, 1.00000000");
+  EXPECT_EQ(SectionCsvLines(kKpM, {0.1, 1.0, 1}, {"IRI(mm/m)"}, back)[1],
+            "1000.00000, 990.00000, 995.00000, 1.00000000");
+}
+
 
 // Samples 0.5 m apart from KP 1.0 km.
 ProfileRecord Road(std::int32_t count = 3) {
@@ -81,7 +139,6 @@ TEST_P(PointFileTest, Lines) {
 }
 
 constexpr ExportKind kProfile = ExportKind::Profile;
-const PositionAxis kKpKm{PositionMode::Kp, KpUnit::Km, false};
 
 INSTANTIATE_TEST_SUITE_P(
     Kinds, PointFileTest,
@@ -149,10 +206,6 @@ TEST(ResultExport, WordsOfTheFileNames) {
   EXPECT_EQ(FilterWord(f), "IRI");
   EXPECT_EQ(IriKindWord(ExportKind::IriContinuous, 10, 0), "10m連続");
   EXPECT_EQ(IriKindWord(ExportKind::IriFixed, 10, 200), "200m固定");
-  // The other names are checked where the command line writes the files; these it does not look for.
-  EXPECT_EQ(BuiltInExportPattern(ExportKind::PsdRatio), "[$(PROFILENAME)$]_PSD比_$(YYYYMMDDHHNNSS)$");
-  EXPECT_EQ(BuiltInExportPattern(ExportKind::BandShort), "$(PROFILENAME)$_バンド別低減_Octave短波長_$(YYYYMMDDHHNNSS)$");
-  EXPECT_EQ(ExportSection(ExportKind::Profile), "Filter");
 }
 
 TEST(ResultExport, RawPsdRowsFromTheFirstWaveNumberToNyquist) {
@@ -210,6 +263,102 @@ TEST(ProfileSummary, WeighsValuedSectionsByLengthAndPicksTheWidestBand) {
   const ProfileSummary none = SummarizeProfile(bare);
   EXPECT_TRUE(IsNoValue(none.MeanIri100));
   EXPECT_EQ(none.StrongestOctave, 0);
+}
+
+
+using testing::ListOf;
+using testing::TempDir;
+
+// Profiles at 0.25 m computed over every row of their list, then saved into the folder the
+// scripted dialog answers with.
+class EvaluationFiles : public testing::EvaluationTest {
+ protected:
+  static ProfileRecord P(const std::string& name, std::vector<double> samples) {
+    return testing::MakeProfile(name, 0.25, std::move(samples));
+  }
+  static ProfileRecord PlainRamp(const std::string& name, int n, double kp) {
+    return testing::MakeProfile(name, 0.25, testing::Ramp(n), kp);
+  }
+  static StatisticsSelection MeanOfFullWave() {
+    StatisticsSelection s;
+    s.ProfileBands[0] = true;
+    s.ProfileMeasures[0] = true;
+    return s;
+  }
+  bool Run(const ProfileList& list, CorrelationResults& results, std::int32_t filterMode = 0) {
+    const CorrelationOptions options{.MaxShiftText = "10", .FilterMode = filterMode};
+    return RunCrossCorrelation(session, list, AllRows(list), options, session.CurrentConditions.Iri, results);
+  }
+  bool Run(ProfileList& list, const StatisticsSelection& s, StatisticsResults& results) {
+    return RunStatistics(session, list, AllRows(list), s, {}, results);
+  }
+  bool Save(const ProfileList& list, const CorrelationResults& results, const std::string& folder,
+            const std::string& pattern = "") {
+    ui_.Files.push_back({folder});
+    return SaveCrossCorrelation(session, list, AllRows(list), results, session.CurrentConditions.Iri, pattern);
+  }
+};
+
+TEST_F(EvaluationFiles, StatisticsSaveWritesOneFilePerPageWithDataNamedByCaption) {
+  StatisticsResults none;
+  EXPECT_FALSE(SaveStatistics(session, none, "A", ""));
+  EXPECT_EQ(ui_.OnlyMessageText(), "統計値が計算されていません。");
+
+  ProfileList list = ListOf({PlainRamp("A", 400, 1.0)});
+  StatisticsResults results;
+  ASSERT_TRUE(Run(list, MeanOfFullWave(), results));
+  TempDir out;
+  ui_.Files.push_back({out.path().string()});
+  ASSERT_TRUE(SaveStatistics(session, results, "A", ""));
+  const auto names = testing::EntryNames(out.path());
+  ASSERT_EQ(names.size(), 4u);  // the four profile pages; the IRI pages hold nothing
+  const std::regex pattern("統計値_(全区間|10m|100m|200m)\\(Prof\\)_[0-9]{14}\\.CSV");
+  for (const auto& name : names) EXPECT_TRUE(std::regex_match(name, pattern)) << name;
+  EXPECT_EQ(ui_.Messages().back().Title, "データ保存");
+
+  TempDir named;
+  ui_.Files.push_back({named.path().string()});
+  ASSERT_TRUE(SaveStatistics(session, results, "A", "$(PROFILENAME)$-$(出力種別)$"));
+  const auto lines = ReadSystemTextLines(named / "A-10m(Prof).CSV");
+  ASSERT_GE(lines.size(), 5u);
+  EXPECT_EQ((std::vector(lines.begin(), lines.begin() + 5)),
+            (Lines{"プロファイル,A", "帯域,全波長", "統計値,平均 μ", "KP,", "1.000,20.50000000"}));
+}
+
+TEST_F(EvaluationFiles, CorrelationSaveWritesSixFilesNamedByMeasureFromARunWithoutTheFilter) {
+  const ProfileList list = ListOf({P("A", testing::Road(300, 3)), P("B", testing::Road(300))});
+  CorrelationResults results;
+  ASSERT_TRUE(Run(list, results));
+
+  TempDir out;
+  ASSERT_TRUE(Save(list, results, out.path().string()));
+  const auto names = testing::EntryNames(out.path());
+  ASSERT_EQ(names.size(), 6u);
+  const std::regex stamp("CC_(相互相関値|一致度|ずらし量|標準偏差比|IRI誤差率|PSD誤差率)_[0-9]{14}\\.CSV");
+  for (const auto& name : names) EXPECT_TRUE(std::regex_match(name, stamp)) << name;
+  testing::ExpectShown(ui_.Messages().back(), {"CSV形式で以下のフォルダに保存しました。\r\n\r\n保存先：" + out.path().string(), "データ保存"});
+
+  // A set pattern; the shift file names B against A with shift 3, in Shift-JIS with CR LF.
+  TempDir named;
+  ASSERT_TRUE(Save(list, results, named.path().string(), "$(PROFILENAME)$_$(出力種別)$"));
+  const auto lines = ReadSystemTextLines(named / "A_ずらし量.CSV");
+  EXPECT_EQ(lines[0], ",,,,,,,ずらし量");
+  EXPECT_EQ(lines[2], "A,B,3,3.00000");
+  EXPECT_NE(testing::ReadBytes(named / "A_ずらし量.CSV").find("\r\n"), std::string::npos);
+  // The folder is remembered and offered the next time.
+  EXPECT_FALSE(Save(list, results, ""));
+  EXPECT_EQ(ui_.Log.back().Kind, "folder");
+  EXPECT_EQ(ui_.Log.back().Text, named.path().string());
+
+  // Filtered results are written from a run without the filter; the shown results stay as they are.
+  CorrelationResults filtered;
+  ASSERT_TRUE(Run(list, filtered, 1));
+  const std::string rho = MeasureText(results, 0, 1, 2);
+  ASSERT_NE(rho, MeasureText(filtered, 0, 1, 2));
+  TempDir out2;
+  ASSERT_TRUE(Save(list, filtered, out2.path().string(), "$(出力種別)$"));
+  EXPECT_EQ(ReadSystemTextLines(out2 / "相互相関値.CSV")[2], "A,B," + rho + "," + rho);
+  EXPECT_TRUE(filtered.UsedIriFilter);
 }
 
 }  // namespace

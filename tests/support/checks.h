@@ -26,15 +26,9 @@ struct Shown {
 
 inline void ExpectShown(const RecordedMessage& actual, const Shown& expected) {
   EXPECT_EQ(actual.Text, expected.Text);
-  if (expected.Title) {
-    EXPECT_EQ(actual.Title, *expected.Title) << actual.Text;
-  }
-  if (expected.Icon) {
-    EXPECT_EQ(actual.Icon, *expected.Icon) << actual.Text;
-  }
-  if (expected.Buttons) {
-    EXPECT_EQ(actual.Buttons, *expected.Buttons) << actual.Text;
-  }
+  EXPECT_EQ(actual.Title, expected.Title.value_or(actual.Title)) << actual.Text;
+  EXPECT_EQ(actual.Icon, expected.Icon.value_or(actual.Icon)) << actual.Text;
+  EXPECT_EQ(actual.Buttons, expected.Buttons.value_or(actual.Buttons)) << actual.Text;
 }
 
 // Exactly these message boxes, in this order.
@@ -62,10 +56,11 @@ std::string WhatOf(Call&& call) {
   return {};
 }
 
-// The names of a folder's entries, sorted.
+// The names of a folder's entries, sorted by bytes; none when it does not exist.
 inline std::vector<std::string> EntryNames(const std::filesystem::path& folder) {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename().string());
+  if (std::filesystem::exists(folder))
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename().string());
   std::sort(names.begin(), names.end());
   return names;
 }

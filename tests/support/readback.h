@@ -2,11 +2,11 @@
 // Reading back what a run left behind: the entries a scripted user was shown, and the files of a folder.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "support/checks.h"
 #include "support/test_support.h"
 
 namespace velmora::testing {
@@ -27,13 +27,7 @@ inline std::vector<std::string> Titles(const ScriptedUi& ui, const std::string& 
 }
 
 // The names in a folder, sorted by bytes; none when it does not exist.
-inline std::vector<std::string> FileNames(const std::filesystem::path& folder) {
-  std::vector<std::string> names;
-  if (std::filesystem::exists(folder))
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename().string());
-  std::sort(names.begin(), names.end());
-  return names;
-}
+inline std::vector<std::string> FileNames(const std::filesystem::path& folder) { return EntryNames(folder); }
 
 // Names that start with the heads given, in order and no more.
 inline void ExpectHeads(const std::vector<std::string>& names, const std::vector<std::string>& heads) {

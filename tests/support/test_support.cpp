@@ -48,20 +48,21 @@ std::vector<std::string> ScriptedUi::OpenFiles(const FileDialogRequest& request)
   return files;
 }
 
-std::string ScriptedUi::SaveFile(const FileDialogRequest& request) {
-  Log.push_back({"save", request.DefaultName, request.Title});
+std::string ScriptedUi::NextFile() {
   if (Files.empty() || Files.front().empty()) return {};
   auto file = Files.front().front();
   Files.pop_front();
   return file;
 }
 
+std::string ScriptedUi::SaveFile(const FileDialogRequest& request) {
+  Log.push_back({"save", request.DefaultName, request.Title});
+  return NextFile();
+}
+
 std::string ScriptedUi::ChooseFolder(const FileDialogRequest& request) {
   Log.push_back({"folder", request.InitialDirectory, request.Title});
-  if (Files.empty() || Files.front().empty()) return {};
-  auto folder = Files.front().front();
-  Files.pop_front();
-  return folder;
+  return NextFile();
 }
 
 void ScriptedUi::ProgressStart(const std::string& title, const std::string& message) {

@@ -54,6 +54,7 @@ class ScriptedUi final : public UserInteraction {
   void ProgressExit() override;
 
  private:
+  std::string NextFile();  // the first item of the next answer, or none
   std::optional<ScopedUi> scope_;
 };
 

@@ -1,3 +1,5 @@
+// The workbench: its tabs, Go with its progress and failures, the marks of changed inputs, the reset,
+// the tools, and the profile tab's boxes and the conditions dialog bound to it.
 #include "workbench/workbench.h"
 
 #include <gtest/gtest.h>
@@ -5,9 +7,12 @@
 #include "base/app_paths.h"
 #include "base/legacy_error.h"
 #include "base/session.h"
+#include "base/startup.h"
 #include "support/profile_fixture.h"
 #include "support/readback.h"
 #include "support/session_fixture.h"
+#include "support/test_support.h"
+#include "workbench/engine_bindings.h"
 
 namespace velmora::workbench {
 namespace {
@@ -52,13 +57,11 @@ class WorkbenchTest : public testing::SessionTest {
 TEST_F(WorkbenchTest, GoWithoutProfilesDoesNothingAndShowsNothing) {
   Workbench empty{session};
   empty.FormLoad();
-  int calls = 0;
   empty.SetComputation(tab::Iri, {"t", "m", nullptr, [] { return std::string("k"); },
-                                  [&](ProfileRecord&) { return ++calls > 0; }, nullptr, false, nullptr});
+                                  [](ProfileRecord&) { return true; }, nullptr, false, nullptr});
   EXPECT_FALSE(empty.Go(tab::Iri));
   EXPECT_TRUE(ui.Log.empty());
-  EXPECT_EQ(calls, 0);
-  EXPECT_TRUE(empty.TabDirty[tab::Iri]);
+  EXPECT_EQ(std::pair(empty.ComputeCount(tab::Iri), empty.TabDirty[tab::Iri]), std::pair(0, true));
 }
 
 TEST_F(WorkbenchTest, LoadingProfileStopsGoAndChangeEvents) {
@@ -93,8 +96,7 @@ TEST_F(WorkbenchTest, GoRunsSelectedRowsInListOrderWithProgressAndClearsTheFlag)
   ASSERT_TRUE(bench.Go(tab::Iri));
   EXPECT_EQ(computed, (Texts{"A", "C"}));
   EXPECT_EQ(Kinds(ui), (Texts{"progress-start", "progress-exit"}));
-  EXPECT_EQ(ui.Log[0].Title, "テスト計算");
-  EXPECT_EQ(ui.Log[0].Text, "しばらくお待ちください。");
+  EXPECT_EQ(ui.Log[0].Title + " " + ui.Log[0].Text, "テスト計算 しばらくお待ちください。");
   EXPECT_EQ(ui.ProgressValues, (std::vector<int>{0, 50, 100}));
   EXPECT_FALSE(bench.TabDirty[tab::Iri]);
   EXPECT_EQ(drawn, (std::vector<int>{tab::Iri}));
@@ -112,7 +114,7 @@ TEST_F(WorkbenchTest, SecondGoWithUnchangedInputsDoesNotRecompute) {
   ASSERT_TRUE(bench.Go(tab::Iri));
   EXPECT_EQ(computed.size(), 2u);
   // A newly selected row is computed alone; a changed input recomputes all selected rows.
-  bench.Select(tab::Iri, {1, 2, 3});
+  bench.SelectAll(tab::Iri);
   ASSERT_TRUE(bench.Go(tab::Iri));
   EXPECT_EQ(computed, (Texts{"A", "B", "C"}));
   bench.Iri.EvalLength = "100";
@@ -166,18 +168,15 @@ TEST_F(WorkbenchTest, PsdLegendAndReportRowsAreRenewedOnEveryEntry) {
   bench.SetComputation(tab::Psd, {});  // these profiles hold no samples
   bench.MnuBunseki();
   bench.MnuBunseki();
-  bench.Select(tab::Psd, {2});
-  bench.TabClick(tab::Psd);
-  EXPECT_EQ(bench.PsdLegend, (Texts{"B"}));
-  bench.TabClick(tab::Report);
-  EXPECT_EQ(bench.ReportProfileRows, (Texts{"A", "B", "C"}));
-
-  bench.AddProfile(Named("D"));
-  bench.TabDirty.fill(false);
-  bench.Select(tab::Psd, {1, 4});
-  bench.TabClick(tab::Psd);
-  EXPECT_EQ(bench.PsdLegend, (Texts{"A", "D"}));
-  bench.TabClick(tab::Report);
+  for (const auto& [added, rows, legend] : {std::tuple(false, std::vector{2}, Texts{"B"}), {true, {1, 4}, {"A", "D"}}}) {
+    if (added) bench.AddProfile(Named("D"));
+    bench.TabDirty.fill(false);  // renewed even without a change
+    bench.Select(tab::Psd, rows);
+    bench.TabClick(tab::Psd);
+    EXPECT_EQ(bench.PsdLegend, legend);
+    bench.TabClick(tab::Report);
+    EXPECT_EQ(bench.ReportProfileRows.size(), added ? 4u : 3u);
+  }
   EXPECT_EQ(bench.ReportProfileRows, (Texts{"A", "B", "C", "D"}));
 }
 
@@ -197,17 +196,15 @@ TEST_F(WorkbenchTest, TabChangeChecksTheTabLeftAndShowsTheDrawingSwitch) {
   EXPECT_TRUE(bench.DispGrpVisible);
   EXPECT_EQ(checks, (std::vector<int>{1, 2, 8}));
   EXPECT_EQ(stored, (std::vector<int>{3}));
-  EXPECT_EQ(bench.VisiblePanel, tab::Iri);
-  EXPECT_EQ(bench.PreviousTab, tab::Statistics);
+  EXPECT_EQ(std::pair(bench.VisiblePanel, bench.PreviousTab), std::pair(tab::Iri, tab::Statistics));
 }
 
 TEST_F(WorkbenchTest, KpPositionTurnsReversalOffAndMarksEveryTab) {
   bench.TabDirty.fill(false);
   bench.Axis.Reversed = true;
   bench.SetPositionMode(PositionMode::Kp);
-  EXPECT_TRUE(bench.KpUnitVisible);
-  EXPECT_FALSE(bench.Axis.Reversed);
-  EXPECT_FALSE(bench.TabDirty[tab::Profile]);  // the profile tab has redrawn
+  EXPECT_EQ(std::tuple(bench.KpUnitVisible, bench.Axis.Reversed, bench.TabDirty[tab::Profile]), std::tuple(true, false, false));
+  // the profile tab has redrawn
   for (int t = 2; t < kTabCount; ++t) EXPECT_TRUE(bench.TabDirty[t]) << t;
   // Unit and reversal only redraw.
   bench.TabDirty.fill(false);
@@ -230,18 +227,15 @@ TEST_F(WorkbenchTest, FormResetRestoresTheNewProjectState) {
   bench.TabClick(tab::Octave);
   bench.WindowTitle = "other";
   bench.FormReset();
-  EXPECT_TRUE(cleared);
+  EXPECT_TRUE(cleared && bench.List().Views[5].Rows.empty() && bench.Selection(tab::Iri).empty());
   EXPECT_EQ(bench.ProfileCount(), 0);
-  EXPECT_TRUE(bench.List().Views[5].Rows.empty());
-  EXPECT_TRUE(bench.Selection(tab::Iri).empty());
   // The boxes are refilled from the conditions: the cut-offs, the IRI length and the band lines.
   EXPECT_EQ((Texts{bench.Filter.LongCut, bench.Filter.ShortCut, bench.Iri.EvalLength, bench.Band.Lines[3], bench.Band.Lines[4]}),
             (Texts{"40", "5", "10", "2.5", ""}));
   EXPECT_EQ(bench.StatisticsSortProfile, (Texts{"プロファイル", "帯域", "統計値"}));
   EXPECT_EQ(bench.StatisticsSortIri, (Texts{"プロファイル", "IRI算出基準長", "帯域", "統計値"}));
   EXPECT_EQ(bench.PrintForms, (Texts{"帳票形式(1)"}));
-  EXPECT_EQ(bench.CurrentTab, tab::Profile);
-  EXPECT_EQ(bench.WindowTitle, " velmora : [ 新規作成 ]");
+  EXPECT_EQ(std::pair(bench.CurrentTab, bench.WindowTitle), std::pair(int{tab::Profile}, std::string(" velmora : [ 新規作成 ]")));
   for (bool dirty : bench.TabDirty) EXPECT_TRUE(dirty);
   for (int i = 0; i <= 6; ++i) EXPECT_EQ(bench.ProjectCommandEnabled[i], i < 3) << i;
 }
@@ -263,8 +257,7 @@ TEST_F(WorkbenchTest, ToolRegistrationKeepsTheResultsOfTheOtherRows) {
   EXPECT_EQ(ui.Messages().front().Title, "登録");
   ASSERT_EQ(bench.ProfileCount(), 4);
   EXPECT_EQ(ProfileList::NameOf(bench.Profile(4)), "D");
-  EXPECT_EQ(bench.Profile(4).Erd.Elevation, output.Erd.Elevation);
-  EXPECT_TRUE(bench.TabDirty[tab::Iri]);
+  EXPECT_TRUE(bench.Profile(4).Erd.Elevation == output.Erd.Elevation && bench.TabDirty[tab::Iri]);
   // The new row is computed on the next Go; A, B and C keep their results.
   bench.SelectAll(tab::Iri);
   ASSERT_TRUE(bench.Go(tab::Iri));
@@ -285,6 +278,78 @@ TEST_F(WorkbenchTest, ToolsGetEveryProfileAndProjectSnapshotTellsChanges) {
   EXPECT_FALSE(bench.ProjectChanged());
   session.CurrentConditions.FilterLong = 77;
   EXPECT_TRUE(bench.ProjectChanged());
+}
+
+// The profile tab's boxes and the project reset bound to the workbench; A holds 3 samples at 0.05 m.
+class EngineBindingsTest : public WorkbenchTest {
+ protected:
+  void SetUp() override {
+    WorkbenchTest::SetUp();
+    bench.Profile(1).Erd.StepSize = 0.05;
+    bench.Profile(1).Erd.NumSamples = 3;
+    bench.Select(tab::Profile, {1});
+    binding.ShowProfile(1);
+    bench.TabDirty.fill(false);
+  }
+  EngineBindings binding{bench};
+};
+
+TEST_F(EngineBindingsTest, LeavingTheProfileTabStoresTheBoxesAndANewPitchMarksEveryTab) {
+  EXPECT_EQ(binding.ProfileBoxes.txt緒元[3], "0.05000");
+  binding.ProfileBoxes.txt緒元[8] = "new comment";
+  bench.TabClick(tab::Statistics);
+  EXPECT_EQ(bench.Profile(1).Comment, "new comment");
+  EXPECT_FALSE(bench.TabDirty[tab::Iri]);  // a comment changes no result
+
+  bench.TabClick(tab::Profile);
+  binding.ProfileBoxes.txt緒元[3] = "0.1";
+  bench.TabClick(tab::Statistics);
+  EXPECT_EQ(bench.Profile(1).Erd.StepSize, 0.1);
+  EXPECT_TRUE(bench.TabDirty[tab::Iri]);
+  EXPECT_TRUE(bench.TabDirty[tab::Octave]);
+}
+
+TEST_F(EngineBindingsTest, LeavingColoursTheBadBoxesAndTheResetEmptiesThem) {
+  binding.ProfileBoxes.txt緒元[3] = "abc";
+  binding.ProfileBoxes.txt緒元[4] = "";
+  bench.TabClick(tab::Statistics);
+  EXPECT_EQ(binding.ProfileBoxes.Colours[3].Back, kBoxNotNumeric);
+  EXPECT_EQ(binding.ProfileBoxes.Colours[4].Back, kBoxEmpty);
+  bench.FormReset();
+  EXPECT_EQ(binding.ProfileBoxes.txt緒元[3], "");
+  EXPECT_EQ(binding.ProfileBoxes.opt上下, 2);  // なし
+}
+
+TEST_F(EngineBindingsTest, ConditionsMenuAppliesTheDialogAndMarksTheTabs) {
+  binding.RunConditionsDialog = [](ConditionsDialog& dialog) {
+    dialog.Boxes.txt_IRI[0] = "60";  // speed, km/h
+    EXPECT_TRUE(dialog.Ok());
+  };
+  bench.MnuConditions();
+  EXPECT_EQ(session.CurrentConditions.Iri.Speed, 60.0);
+  EXPECT_TRUE(bench.TabDirty[tab::Iri]);
+
+  bench.TabDirty.fill(false);
+  binding.RunConditionsDialog = [](ConditionsDialog& dialog) { EXPECT_TRUE(dialog.Ok()); };  // nothing changed
+  bench.MnuConditions();
+  EXPECT_FALSE(bench.TabDirty[tab::Iri]);
+  binding.RunConditionsDialog = nullptr;  // closed at once
+  bench.MnuConditions();
+  EXPECT_FALSE(bench.TabDirty[tab::Iri]);
+}
+
+TEST_F(EngineBindingsTest, ProjectResetClearsTheRepairStudyOfEveryProfile) {
+  bench.Profile(1).Studies.emplace_back();
+  ASSERT_TRUE(session.Hooks.ClearRepairStudy);
+  session.Hooks.ClearRepairStudy();
+  EXPECT_TRUE(bench.Profile(1).Studies.empty());
+}
+
+TEST(EngineBindings, EndOfTheBindingReleasesTheProjectHook) {
+  Session session;
+  Workbench bench{session};
+  { EngineBindings binding(bench); }
+  EXPECT_FALSE(session.Hooks.ClearRepairStudy);
 }
 
 }  // namespace
