@@ -6,13 +6,9 @@
 #include "base/legacy_error.h"
 
 namespace velmora {
-namespace {
-constexpr std::int32_t kMaxSlopeSamples = 32767;  // the filter's loop counter has 16 bits
-}
 
+// Any length: the 16-bit sample counter of old, which refused roads above 330 m at 1 cm, is gone.
 Array1<double> SlopeSeries(std::int32_t n, const Array1<double>& y, double dx, bool cutMode, double cut) {
-  if (n > kMaxSlopeSamples)
-    RaiseOverflow("Slope filter: " + std::to_string(n) + " samples, at most " + std::to_string(kMaxSlopeSamples));
   if (n < 1 || n > y.size()) RaiseSubscriptOutOfRange("Slope filter: " + std::to_string(n) + " samples");
   Array1<double> slope(static_cast<std::size_t>(n));
   for (std::int32_t i = 1; i <= n - 1; ++i) slope[i] = dx == 0 ? 0.0 : (y[i + 1] - y[i]) / dx;

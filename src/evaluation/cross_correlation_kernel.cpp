@@ -157,9 +157,9 @@ CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, st
                                          b.size()));
   if (maxShift < 0 || maxShift >= n)
     RaiseSubscriptOutOfRange(fmt::format("shift {} for {} samples leaves no overlap", maxShift, n));
-  // The shift counter was 16-bit and n * n was formed in 32-bit arithmetic: both limits stay.
-  const std::int16_t shifts = CheckedI16(2LL * maxShift + 1);
-  const std::int32_t nSquared = CheckedI32(static_cast<long long>(n) * n);
+  // Any shift count and length that fit in memory: the 16-bit shift counter and the 32-bit n * n
+  // of old are gone. sqrt(n * n) is n exactly, so results below those limits are unchanged.
+  const std::int64_t shifts = 2LL * maxShift + 1;
 
   const auto count = static_cast<std::size_t>(n);
   auto deviations = [count](std::span<const double> x) {
@@ -178,12 +178,12 @@ CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, st
   cell.SdRatio = SdRatio(sdA, sdB);
   const double sdProduct = sdA * sdB;
   if (sdProduct == 0) RaiseDivisionByZero("correlation with a constant series");
-  const double rootNSquared = std::sqrt(static_cast<double>(nSquared));
+  const double rootNSquared = static_cast<double>(n);
 
   const std::vector<double> sums = detail::ShiftSums(dA, dB, maxShift);
   bool first = true;
-  for (std::int32_t k = 1; k <= shifts; ++k) {
-    const std::int32_t shift = k - 1 - maxShift;
+  for (std::int64_t k = 1; k <= shifts; ++k) {
+    const auto shift = static_cast<std::int32_t>(k - 1 - maxShift);
     const double sum = sums[static_cast<std::size_t>(k - 1)];
     const double r = sum / sdProduct;
     const double rho = r / rootNSquared;

@@ -38,8 +38,8 @@ struct CorrelationCell {
 };
 
 // The seven peaks and SdRatio of a[0..n) against b[0..n) for shifts -maxShift..maxShift. A positive
-// shift pairs a[i] with b[i + shift]. Needs 0 <= maxShift < n; raises overflow when 2*maxShift + 1
-// exceeds 32767 or n*n exceeds the 32-bit range, and division by zero for a constant series.
+// shift pairs a[i] with b[i + shift]. Needs 0 <= maxShift < n; raises division by zero for a
+// constant series.
 // Work: (2*maxShift + 1) * n multiply-adds, spread over the machine's cores.
 CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, std::span<const double> b,
                                    std::int32_t maxShift);
