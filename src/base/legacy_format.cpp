@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cmath>
+#include <cstring>
 #include <cstdlib>
 
 #include <fmt/format.h>
@@ -124,9 +125,76 @@ std::string Decimals(const std::string& fraction, const NumberPattern& p) {
   return "." + text;  // VB keeps the point even when no decimal follows ("0." for "0.##")
 }
 
+// The decimals of a pattern "0.00…0" (one integer zero, a point, zeros only), else -1: the form of
+// nearly every number in the result files, which takes the fast path below.
+int PlainFixedDecimals(std::string_view pattern) {
+  if (pattern.size() < 3 || pattern[0] != '0' || pattern[1] != '.') return -1;
+  for (std::size_t i = 2; i < pattern.size(); ++i)
+    if (pattern[i] != '0') return -1;
+  return static_cast<int>(pattern.size()) - 2;
+}
+
+// FormatNumber for a "0.00…0" pattern, by the same two roundings (to 15 significant digits, then
+// half away from zero at the last decimal) on a stack buffer instead of strings.
+void AppendPlainFixed(std::string& out, double value, int decimals) {
+  if (std::isnan(value) || std::isinf(value)) RaiseOverflow(fmt::format("{}", value));
+  if (std::signbit(value) && value != 0) out += '-';
+  char digits[40];
+  int count = 1, point = 1;
+  digits[0] = '0';
+  if (value != 0) {
+    char sci[32];
+    *fmt::format_to(sci, "{:.14e}", std::fabs(value)) = '\0';  // d.dddddddddddddde±XX
+    digits[0] = sci[0];
+    count = 15;
+    for (int k = 1; k < 15; ++k) digits[k] = sci[k + 1];
+    point = std::atoi(sci + 17) + 1;
+  }
+  const int keep = point + decimals;
+  if (keep < 0) {
+    count = 1, point = 1, digits[0] = '0';
+  } else if (keep < count) {
+    const bool up = digits[keep] >= '5';
+    count = keep;
+    if (up) {
+      int k = keep - 1;
+      for (; k >= 0 && digits[k] == '9'; --k) digits[k] = '0';
+      if (k >= 0) {
+        ++digits[k];
+      } else {
+        std::memmove(digits + 1, digits, static_cast<std::size_t>(count));
+        digits[0] = '1';
+        ++count, ++point;
+      }
+    }
+    if (count == 0) count = 1, point = 1, digits[0] = '0';
+  }
+  // Integer part without leading zeros but at least "0", then exactly `decimals` digits.
+  const auto digitAt = [&](int position) { return position >= 0 && position < count ? digits[position] : '0'; };
+  bool leading = true;
+  for (int k = 0; k < point; ++k) {
+    const char c = digitAt(k);
+    if (leading && c == '0') continue;
+    leading = false;
+    out += c;
+  }
+  if (leading) out += '0';
+  out += '.';
+  for (int k = 0; k < decimals; ++k) out += digitAt(point + k);
+}
+
 }  // namespace
 
 std::string FormatNumber(double value, std::string_view pattern) {
+  if (const int decimals = PlainFixedDecimals(pattern); decimals >= 0) {
+    std::string out;
+    AppendPlainFixed(out, value, decimals);
+    return out;
+  }
+  return FormatNumberByPattern(value, pattern);
+}
+
+std::string FormatNumberByPattern(double value, std::string_view pattern) {
   const NumberPattern p = ParsePattern(pattern);
   if (std::isnan(value) || std::isinf(value)) RaiseOverflow(fmt::format("{}", value));
   const bool negative = std::signbit(value) && value != 0;

@@ -12,6 +12,9 @@ namespace velmora {
 // then optionally '.' with '0' and '#' decimals, then optionally "E+00" / "E-00" (also lower case).
 // Characters outside that grammar raise LegacyError(InvalidData).
 std::string FormatNumber(double value, std::string_view pattern);
+// The general pattern interpreter behind FormatNumber, which takes a faster route for the plain
+// "0.00…0" patterns with the same result; kept callable as the reference for that route.
+std::string FormatNumberByPattern(double value, std::string_view pattern);
 
 // Date and time: YYYY, YY, MM (month; minutes right after HH or before SS), DD, HH, NN, SS, in any
 // case; other characters are copied.

@@ -3,10 +3,12 @@
 #include <iconv.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <random>
 
 #include <fmt/format.h>
@@ -72,9 +74,10 @@ std::string TempNameBeside(const std::filesystem::path& path) {
 
 }  // namespace
 
-std::string ToSystemCodePage(std::string_view utf8) {
-  Converter converter("CP932", "UTF-8");
-  std::string result;
+namespace {
+
+// Converts one run of text that holds non-ASCII characters; what CP932 lacks becomes '?'.
+void AppendConverted(Converter& converter, std::string_view utf8, std::string& result) {
   while (!utf8.empty()) {
     std::string part;
     std::size_t consumed = 0;
@@ -85,6 +88,31 @@ std::string ToSystemCodePage(std::string_view utf8) {
     consumed += Utf8SequenceLength(static_cast<unsigned char>(utf8[consumed]));
     utf8.remove_prefix(std::min(consumed, utf8.size()));
   }
+}
+
+}  // namespace
+
+// ASCII is the same in CP932, so runs of it are copied as they are and only the rest goes through
+// the converter: result files are ASCII but for their head lines.
+void AppendSystemCodePage(std::string_view utf8, std::string& result) {
+  std::optional<Converter> converter;
+  const auto ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  while (!utf8.empty()) {
+    const auto other = std::find_if_not(utf8.begin(), utf8.end(), ascii);
+    result.append(utf8.begin(), other);
+    utf8.remove_prefix(static_cast<std::size_t>(other - utf8.begin()));
+    if (utf8.empty()) break;
+    const auto next = std::find_if(utf8.begin(), utf8.end(), ascii);
+    if (!converter) converter.emplace("CP932", "UTF-8");
+    AppendConverted(*converter, utf8.substr(0, static_cast<std::size_t>(next - utf8.begin())), result);
+    utf8.remove_prefix(static_cast<std::size_t>(next - utf8.begin()));
+  }
+}
+
+std::string ToSystemCodePage(std::string_view utf8) {
+  std::string result;
+  result.reserve(utf8.size());
+  AppendSystemCodePage(utf8, result);
   return result;
 }
 
@@ -149,12 +177,15 @@ void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_vie
 }
 
 void WriteSystemTextFile(const std::filesystem::path& path, const std::vector<std::string>& lines) {
-  std::string utf8;
+  std::size_t size = 0;
+  for (const auto& line : lines) size += line.size() + 2;
+  std::string bytes;
+  bytes.reserve(size);
   for (const auto& line : lines) {
-    utf8 += line;
-    utf8 += "\r\n";
+    AppendSystemCodePage(line, bytes);
+    bytes += "\r\n";
   }
-  WriteFileBytesAtomically(path, ToSystemCodePage(utf8));
+  WriteFileBytesAtomically(path, bytes);
 }
 
 void AppendSystemTextLine(const std::filesystem::path& path, std::string_view line) {

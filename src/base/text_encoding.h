@@ -10,6 +10,8 @@ namespace velmora {
 
 // UTF-8 → CP932. A character CP932 cannot hold becomes "?", as the platform's conversion did.
 std::string ToSystemCodePage(std::string_view utf8);
+// The same, appended to `out` (one buffer for a whole file).
+void AppendSystemCodePage(std::string_view utf8, std::string& out);
 // CP932 → UTF-8. Invalid bytes raise LegacyError(InvalidData) naming `source` (a file name) and the
 // byte offset.
 std::string FromSystemCodePage(std::string_view cp932, std::string_view source = {});

@@ -137,7 +137,7 @@ TEST_F(StartUpTest, SecondDesktopInstanceIsRefusedBeforeAnyFolderWorkAnEngineSes
   // Without the desktop rule a session starts beside the running instance.
   ui_.Log.clear();
   Session other;
-  const StartUpResult engine = StartUp(other, {"", app_.string(), false});
+  const StartUpResult engine = StartUp(other, {"", app_.string(), false, {}});
   EXPECT_TRUE(engine.MayGoOn && !engine.Lock.Held());
   EXPECT_TRUE(ui_.Messages().empty());
 }
@@ -150,7 +150,7 @@ TEST_F(StartUpTest, AnotherProcessHoldingTheLockRefusesThisOne) {
   if (child == 0) {
     // The other process: starts, says so, and stays until its parent closes the pipe.
     ::close(ready[0]);
-    StartUpResult held = StartUp(session, {"", app_.string(), true});
+    StartUpResult held = StartUp(session, {"", app_.string(), true, {}});
     const char ok = held.MayGoOn ? '1' : '0';
     [[maybe_unused]] auto n = ::write(ready[1], &ok, 1);
     ::pause();
@@ -189,7 +189,7 @@ TEST_F(StartUpTest, RelativeFoldersAreTakenAsAbsoluteWithoutATrailingSeparator) 
   const fs::path cwd = fs::current_path();
   fs::current_path(dir_.path());
   ::setenv("VELMORA_HOME", "home/", 1);
-  const StartUpResult result = StartUp(session, {"", "./app/"});
+  const StartUpResult result = StartUp(session, {"", "./app/", false, {}});
   fs::current_path(cwd);
   ASSERT_TRUE(result.MayGoOn);
   EXPECT_EQ(session.Paths.AppPath, app_.string());

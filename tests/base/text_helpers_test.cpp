@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
+#include <vector>
 
 #include "base/app_paths.h"
 #include "base/colour.h"
@@ -133,6 +135,25 @@ TEST(FormatNumber, FixedOptionalGroupedAndScientificPatterns) {
   for (const auto& c : cases) EXPECT_EQ(FormatNumber(c.value, c.pattern), c.text) << c.value << " " << c.pattern;
   EXPECT_THROW(FormatNumber(1, "0.0x"), LegacyError);
   EXPECT_THROW(FormatNumber(1.0 / 0.0 * 0.0, "0"), LegacyError);
+}
+
+TEST(FormatNumber, PlainDecimalsGiveWhatThePatternInterpreterGives) {
+  // The result files' "0.00000" and "0.00000000" take a faster route: it must agree everywhere,
+  // also at ties, carries into a new digit, values that round to zero, and the extremes.
+  std::mt19937_64 random(11);
+  std::uniform_real_distribution<double> mantissa(-10, 10);
+  std::uniform_int_distribution<int> exponent(-12, 12);
+  std::vector<double> values = {0.0, -0.0, 0.5, -0.5, 9.999995, 0.000005, -0.000004999, 0.125, 2.675, 99999.999995,
+                                1e15, 1e-300, -1e300, 123456789.123456789, std::numeric_limits<double>::denorm_min()};
+  for (int k = 0; k < 20000; ++k) values.push_back(mantissa(random) * std::pow(10.0, exponent(random)));
+  for (const char* pattern : {"0.0", "0.00000", "0.00000000", "0.000000"})
+    for (double v : values) ASSERT_EQ(FormatNumber(v, pattern), FormatNumberByPattern(v, pattern)) << v << " " << pattern;
+}
+
+TEST(ToSystemCodePage, AsciiRunsPassAndEverythingElseIsConverted) {
+  // "距" is 0x8B 0x97 and "離" 0x97 0xA3 in Shift-JIS; "€" has no Shift-JIS form and becomes "?".
+  EXPECT_EQ(ToSystemCodePage("a,1.5\r\n距離(m), x€y"), "a,1.5\r\n\x8B\x97\x97\xA3(m), x?y");
+  EXPECT_EQ(ToSystemCodePage(""), "");
 }
 
 TEST(FormatDateTime, PatternsOfStampsAndNamesMinutesAfterTheHour) {
