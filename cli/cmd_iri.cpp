@@ -28,6 +28,7 @@ int RunIriCommand(const CommonOptions& common, const IriOptions& o) {
   workbench::Workbench& bench = session->Bench;
   bench.Iri.EvalLength = o.Length;
   bench.Iri.SkipPartialSections = o.SkipPartial;
+  bench.Iri.Bands = o.Bands;  // the octave split is the larger part of the work: only when asked for
   bench.DispGrp = true;
   if (!CheckIriLengthFlag(*session) || !bench.Go(workbench::tab::Iri)) return 1;
 

@@ -67,9 +67,11 @@ std::unique_ptr<CommandSession> OpenSession(const CommonOptions& common, const s
   bench.FormLoad();
   bench.Axis.Mode = common.Position == "kp" ? PositionMode::Kp : PositionMode::ZeroBased;
   bench.Axis.Unit = common.Unit == "km" ? KpUnit::Km : KpUnit::M;
+  // The tab is entered before the files come: entering a tab with profiles computes it with the
+  // inputs in force, and the command has yet to set its own; Go computes once with them.
+  bench.TabClick(tab);
   if (!bench.RegisterFiles(files, false)) return nullptr;
   bench.SelectAll(tab);
-  bench.TabClick(tab);
   return session;
 }
 

@@ -148,7 +148,7 @@ bool RunIri(Session& session, std::span<ProfileRecord* const> list, std::span<Pr
   };
   // The band split comes first: it shows its own progress, which must not close ours.
   for (ProfileRecord* profile : selected)
-    if (needsResponse(*profile) && !DecomposeProfile(session, *profile, request.ConvergentBands, request.Limits)) return false;
+    if (request.WithBands && needsResponse(*profile) && !DecomposeProfile(session, *profile, request.ConvergentBands, request.Limits)) return false;
 
   return Guarded(session, "basIRI", "RunIri", [&] {
     const DebugTables debug = DebugTablesOf(session);
@@ -160,7 +160,7 @@ bool RunIri(Session& session, std::span<ProfileRecord* const> list, std::span<Pr
     for (std::size_t i = 0; i < selected.size(); ++i) {
       ProfileRecord& profile = *selected[i];
       AnalysisBlock& block = profile.Analysis;
-      if (needsResponse(profile)) CalcIriProfile(debug, block, params, true);
+      if (needsResponse(profile)) CalcIriProfile(debug, block, params, request.WithBands);
       // The sections are cheap and follow the short-section option, so they are always laid anew.
       CalcFixedSections(profile.Erd.KpStart, 1.0 / block.SamplesPerMetre, profile.Erd.KpSign == 1, length,
                         block.Count, block.Profile.Values.span(), block.Iri.IriResponseCount,

@@ -26,6 +26,9 @@ struct IriRunRequest {
   bool SkipPartialSections = false;  // "評価区間長に満たない区間のIRI算出を" "しない"
   bool ConvergentBands = false;      // the octave tab's convergence option, for a missing band split
   FilterConvergence Limits;          // of that split
+  // The nine band IRIs and their sums (which need the octave split); without them only the
+  // profile's own response, windows and sections are computed.
+  bool WithBands = true;
 };
 
 // Checks the length, then computes for each selected profile its response, window series, band

@@ -1,6 +1,7 @@
 #include "base/legacy_format.h"
 
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <cstdlib>
@@ -134,9 +135,11 @@ int PlainFixedDecimals(std::string_view pattern) {
   return static_cast<int>(pattern.size()) - 2;
 }
 
+}  // namespace
+
 // FormatNumber for a "0.00…0" pattern, by the same two roundings (to 15 significant digits, then
 // half away from zero at the last decimal) on a stack buffer instead of strings.
-void AppendPlainFixed(std::string& out, double value, int decimals) {
+void AppendFixedDecimals(std::string& out, double value, int decimals) {
   if (std::isnan(value) || std::isinf(value)) RaiseOverflow(fmt::format("{}", value));
   if (std::signbit(value) && value != 0) out += '-';
   char digits[40];
@@ -144,7 +147,8 @@ void AppendPlainFixed(std::string& out, double value, int decimals) {
   digits[0] = '0';
   if (value != 0) {
     char sci[32];
-    *fmt::format_to(sci, "{:.14e}", std::fabs(value)) = '\0';  // d.dddddddddddddde±XX
+    // d.dddddddddddddde±XX, correctly rounded as "{:.14e}" is
+    *std::to_chars(sci, sci + sizeof sci - 1, std::fabs(value), std::chars_format::scientific, 14).ptr = '\0';
     digits[0] = sci[0];
     count = 15;
     for (int k = 1; k < 15; ++k) digits[k] = sci[k + 1];
@@ -183,12 +187,10 @@ void AppendPlainFixed(std::string& out, double value, int decimals) {
   for (int k = 0; k < decimals; ++k) out += digitAt(point + k);
 }
 
-}  // namespace
-
 std::string FormatNumber(double value, std::string_view pattern) {
   if (const int decimals = PlainFixedDecimals(pattern); decimals >= 0) {
     std::string out;
-    AppendPlainFixed(out, value, decimals);
+    AppendFixedDecimals(out, value, decimals);
     return out;
   }
   return FormatNumberByPattern(value, pattern);

@@ -15,6 +15,8 @@ std::string FormatNumber(double value, std::string_view pattern);
 // The general pattern interpreter behind FormatNumber, which takes a faster route for the plain
 // "0.00…0" patterns with the same result; kept callable as the reference for that route.
 std::string FormatNumberByPattern(double value, std::string_view pattern);
+// FormatNumber(value, "0." followed by `decimals` zeros), appended to `out`.
+void AppendFixedDecimals(std::string& out, double value, int decimals);
 
 // Date and time: YYYY, YY, MM (month; minutes right after HH or before SS), DD, HH, NN, SS, in any
 // case; other characters are copied.

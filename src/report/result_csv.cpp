@@ -17,6 +17,17 @@ std::string FormatPsdField(double value) {
   return IsNoValue(value) ? std::string() : FormatNumber(value, "0.0000000000E+00");
 }
 
+namespace {
+
+// ", " and the field, an empty field for the no value; straight into the line.
+void AppendField(std::string& line, double value, int decimals) {
+  line += ", ";
+  if (!IsNoValue(value)) AppendFixedDecimals(line, value, decimals);
+}
+constexpr int kDistanceDecimals = 5, kValueDecimals = 8;
+
+}  // namespace
+
 void WriteDistanceHeader(std::string& line, const PositionAxis& axis, bool withSuffix) {
   line += "Distance(" + PositionUnitWord(axis, withSuffix) + "), ";
 }
@@ -49,13 +60,14 @@ std::vector<std::string> PointCsvLines(const PositionAxis& axis, const ProfileGe
   std::vector<std::string> lines;
   lines.reserve(rows + 1);
   lines.push_back(std::move(head));
-  std::vector<std::string> fields(columns.size() + 1);
   for (std::size_t r = 0; r < rows; ++r) {
-    fields[0] = FormatDistanceField(SamplePosition(axis, static_cast<std::int64_t>(r) + 1, geometry.StepSize,
-                                                   geometry.KpStart, geometry.KpSign));
-    for (std::size_t c = 0; c < columns.size(); ++c)
-      fields[c + 1] = r < columns[c].Values.size() ? FormatValueField(columns[c].Values[r]) : std::string();
-    lines.push_back(JoinFields(fields));
+    std::string line = FormatDistanceField(SamplePosition(axis, static_cast<std::int64_t>(r) + 1, geometry.StepSize,
+                                                          geometry.KpStart, geometry.KpSign));
+    for (const PointColumn& column : columns) {
+      if (r < column.Values.size()) AppendField(line, column.Values[r], kValueDecimals);
+      else line += ", ";
+    }
+    lines.push_back(std::move(line));
   }
   return lines;
 }
@@ -72,12 +84,15 @@ std::vector<std::string> SectionCsvLines(const PositionAxis& axis, const Profile
     if (axis.Mode == PositionMode::ZeroBased) return (km - originKm) * 1000.0 * direction;
     return axis.Unit == KpUnit::Km ? km : km * 1000.0;
   };
-  std::vector<std::string> lines{std::move(head)};
+  std::vector<std::string> lines;
+  lines.reserve(rows.size() + 1);
+  lines.push_back(std::move(head));
   for (const auto& row : rows) {
-    std::vector<std::string> fields{FormatDistanceField(place(row.KpFrom)), FormatDistanceField(place(row.KpTo)),
-                                    FormatDistanceField(place((row.KpFrom + row.KpTo) / 2.0))};
-    for (double value : row.Values) fields.push_back(FormatValueField(value));
-    lines.push_back(JoinFields(fields));
+    std::string line = FormatDistanceField(place(row.KpFrom));
+    AppendField(line, place(row.KpTo), kDistanceDecimals);
+    AppendField(line, place((row.KpFrom + row.KpTo) / 2.0), kDistanceDecimals);
+    for (double value : row.Values) AppendField(line, value, kValueDecimals);
+    lines.push_back(std::move(line));
   }
   return lines;
 }

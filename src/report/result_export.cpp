@@ -289,6 +289,7 @@ std::vector<std::string> IriContinuousLines(const ProfileRecord& record, const P
     return i <= series.Values.size() ? series.Values[i] : kNoValue;
   };
   std::vector<SectionRow> rows;
+  rows.reserve(static_cast<std::size_t>(std::max(iri.IriWindowCount, 0)));
   for (std::int32_t i = 1; i <= iri.IriWindowCount; ++i) {
     SectionRow row{kp0 + (i - 1) * kmPerSample, kp0 + (i - 1 + windowSamples) * kmPerSample, {at(iri.IriWindowWave, i)}};
     if (withBands) {

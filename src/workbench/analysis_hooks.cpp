@@ -159,19 +159,20 @@ void InstallIri(Workbench& bench) {
     return true;
   };
   c.InputKey = [&bench] {
-    return IriKey(bench.Session().CurrentConditions.Iri) + fmt::format("|{}|{}", bench.Iri.SkipPartialSections, bench.Octave.Converge);
+    return IriKey(bench.Session().CurrentConditions.Iri) + fmt::format("|{}|{}|{}", bench.Iri.SkipPartialSections, bench.Octave.Converge, bench.Iri.Bands);
   };
   c.ComputeRows = [&bench](const std::vector<ProfileRecord*>& rows) {
     // The band IRIs need the octave split of each profile first.
     for (ProfileRecord* record : rows) {
       EnsurePrepared(bench.Session(), *record);
-      if (!DecomposeProfile(bench.Session(), *record, bench.Octave.Converge, Limits(bench))) return false;
+      if (bench.Iri.Bands && !DecomposeProfile(bench.Session(), *record, bench.Octave.Converge, Limits(bench))) return false;
     }
     IriRunRequest request;
     request.LengthText = bench.Iri.EvalLength;
     request.Params = bench.Session().CurrentConditions.Iri;
     request.SkipPartialSections = bench.Iri.SkipPartialSections;
     request.Limits = Limits(bench);
+    request.WithBands = bench.Iri.Bands;
     double lastLength = kNoValue;  // the workbench has decided these rows need computing
     const std::vector<ProfileRecord*> all = AllRecords(bench);
     return RunIri(bench.Session(), all, rows, request, lastLength);

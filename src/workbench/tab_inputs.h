@@ -47,6 +47,7 @@ struct PsdTabInputs {
 struct IriTabInputs {
   std::string EvalLength = "10";     // m, the sliding window and section evaluation length
   bool SkipPartialSections = false;  // opt_IRI算出区間条件 "しない"
+  bool Bands = true;                 // the band IRIs too (the tab shows them; a batch run may not need them)
   friend bool operator==(const IriTabInputs&, const IriTabInputs&) = default;
 };
 
