@@ -177,15 +177,56 @@ void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_vie
 }
 
 void WriteSystemTextFile(const std::filesystem::path& path, const std::vector<std::string>& lines) {
-  std::size_t size = 0;
-  for (const auto& line : lines) size += line.size() + 2;
-  std::string bytes;
-  bytes.reserve(size);
-  for (const auto& line : lines) {
-    AppendSystemCodePage(line, bytes);
-    bytes += "\r\n";
+  SystemTextWriter file(path);
+  for (const auto& line : lines) file.Line(line);
+  file.Commit();
+}
+
+namespace {
+constexpr std::size_t kWriteBuffer = 1 << 16;
+}
+
+SystemTextWriter::SystemTextWriter(std::filesystem::path path)
+    : path_(std::move(path)), temp_(TempNameBeside(path_)), file_(std::fopen(temp_.c_str(), "wb")) {
+  if (!file_) RaiseFileError(ErrorNumber::PathNotFound, path_.string(), std::strerror(errno));
+  buffer_.reserve(kWriteBuffer + 256);
+}
+
+SystemTextWriter::~SystemTextWriter() {
+  if (!file_) return;
+  std::fclose(file_);
+  std::remove(temp_.c_str());
+}
+
+void SystemTextWriter::Line(std::string_view utf8) {
+  AppendSystemCodePage(utf8, buffer_);
+  buffer_ += "\r\n";
+  if (buffer_.size() >= kWriteBuffer) Flush();
+}
+
+void SystemTextWriter::Flush() {
+  if (!failed_ && std::fwrite(buffer_.data(), 1, buffer_.size(), file_) != buffer_.size()) {
+    failed_ = true;
+    error_ = errno;
   }
-  WriteFileBytesAtomically(path, bytes);
+  buffer_.clear();
+}
+
+void SystemTextWriter::Commit() {
+  Flush();
+  bool ok = !failed_ && std::fflush(file_) == 0 && ::fsync(::fileno(file_)) == 0;
+  const int saved = failed_ ? error_ : errno;
+  ok = (std::fclose(file_) == 0) && ok;
+  file_ = nullptr;
+  if (!ok) {
+    std::remove(temp_.c_str());
+    RaiseFileError(ErrorNumber::DiskFull, path_.string(), std::strerror(saved));
+  }
+  if (std::rename(temp_.c_str(), path_.c_str()) != 0) {
+    const int err = errno;
+    std::remove(temp_.c_str());
+    RaiseFileError(ErrorNumber::PermissionDenied, path_.string(), std::strerror(err));
+  }
 }
 
 void AppendSystemTextLine(const std::filesystem::path& path, std::string_view line) {

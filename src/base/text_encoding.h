@@ -1,6 +1,7 @@
 #pragma once
 // Text inside the program is UTF-8. Files in the "system code page" are Shift-JIS (CP932) with CR LF;
 // these functions are the only place where the two meet.
+#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -24,6 +25,30 @@ std::vector<std::string> ReadSystemTextLines(const std::filesystem::path& path);
 // Writes the lines, each followed by CR LF, in CP932. The file is written beside its target and then
 // renamed over it, so a failure never leaves a half-written file in place of the old one.
 void WriteSystemTextFile(const std::filesystem::path& path, const std::vector<std::string>& lines);
+
+// The same line by line, for tables too long to hold as lines: each line is converted into a buffer
+// that goes to the file beside the target as it fills. Commit renames it over the target; a writer
+// destroyed without Commit (an error on the way) removes it, and the old target stays whole.
+class SystemTextWriter {
+ public:
+  explicit SystemTextWriter(std::filesystem::path path);
+  ~SystemTextWriter();
+  SystemTextWriter(const SystemTextWriter&) = delete;
+  SystemTextWriter& operator=(const SystemTextWriter&) = delete;
+
+  void Line(std::string_view utf8);
+  void Commit();
+
+ private:
+  void Flush();
+
+  std::filesystem::path path_;
+  std::string temp_;
+  std::FILE* file_;
+  std::string buffer_;
+  bool failed_ = false;
+  int error_ = 0;
+};
 
 // Appends one line + CR LF (log files: opened and closed for every line).
 void AppendSystemTextLine(const std::filesystem::path& path, std::string_view line);

@@ -25,6 +25,10 @@ void AppendField(std::string& line, double value, int decimals) {
   if (!IsNoValue(value)) AppendFixedDecimals(line, value, decimals);
 }
 constexpr int kDistanceDecimals = 5, kValueDecimals = 8;
+// The position that opens a row.
+void AppendFirstField(std::string& line, double position) {
+  if (!IsNoValue(position)) AppendFixedDecimals(line, position, kDistanceDecimals);
+}
 
 }  // namespace
 
@@ -46,8 +50,25 @@ std::string JoinFields(const std::vector<std::string>& fields) {
   return line;
 }
 
+std::vector<std::string> CollectLines(const std::function<void(const LineOut&)>& write) {
+  std::vector<std::string> lines;
+  write([&lines](std::string_view line) { lines.emplace_back(line); });
+  return lines;
+}
+
 std::vector<std::string> PointCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
                                          const std::vector<PointColumn>& columns) {
+  return CollectLines([&](const LineOut& out) { WritePointCsv(out, axis, geometry, columns); });
+}
+
+std::vector<std::string> SectionCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
+                                           const std::vector<std::string>& heads,
+                                           const std::vector<SectionRow>& rows) {
+  return CollectLines([&](const LineOut& out) { WriteSectionCsv(out, axis, geometry, heads, rows); });
+}
+
+void WritePointCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
+                   const std::vector<PointColumn>& columns) {
   std::string head;
   WriteDistanceHeader(head, axis, false);
   std::size_t rows = 0;
@@ -57,24 +78,22 @@ std::vector<std::string> PointCsvLines(const PositionAxis& axis, const ProfileGe
     rows = std::max(rows, column.Values.size());
   }
   head += JoinFields(heads);
-  std::vector<std::string> lines;
-  lines.reserve(rows + 1);
-  lines.push_back(std::move(head));
+  out(head);
+  std::string line;  // one buffer for every row
   for (std::size_t r = 0; r < rows; ++r) {
-    std::string line = FormatDistanceField(SamplePosition(axis, static_cast<std::int64_t>(r) + 1, geometry.StepSize,
-                                                          geometry.KpStart, geometry.KpSign));
+    line.clear();
+    AppendFirstField(line, SamplePosition(axis, static_cast<std::int64_t>(r) + 1, geometry.StepSize, geometry.KpStart,
+                                          geometry.KpSign));
     for (const PointColumn& column : columns) {
       if (r < column.Values.size()) AppendField(line, column.Values[r], kValueDecimals);
       else line += ", ";
     }
-    lines.push_back(std::move(line));
+    out(line);
   }
-  return lines;
 }
 
-std::vector<std::string> SectionCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
-                                           const std::vector<std::string>& heads,
-                                           const std::vector<SectionRow>& rows) {
+void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
+                     const std::vector<std::string>& heads, const std::vector<SectionRow>& rows) {
   std::string head;
   WriteSectionHeader(head, axis);
   head += JoinFields(heads);
@@ -84,17 +103,16 @@ std::vector<std::string> SectionCsvLines(const PositionAxis& axis, const Profile
     if (axis.Mode == PositionMode::ZeroBased) return (km - originKm) * 1000.0 * direction;
     return axis.Unit == KpUnit::Km ? km : km * 1000.0;
   };
-  std::vector<std::string> lines;
-  lines.reserve(rows.size() + 1);
-  lines.push_back(std::move(head));
+  out(head);
+  std::string line;
   for (const auto& row : rows) {
-    std::string line = FormatDistanceField(place(row.KpFrom));
+    line.clear();
+    AppendFirstField(line, place(row.KpFrom));
     AppendField(line, place(row.KpTo), kDistanceDecimals);
     AppendField(line, place((row.KpFrom + row.KpTo) / 2.0), kDistanceDecimals);
     for (double value : row.Values) AppendField(line, value, kValueDecimals);
-    lines.push_back(std::move(line));
+    out(line);
   }
-  return lines;
 }
 
 }  // namespace velmora

@@ -3,6 +3,7 @@
 // ", ". Distances in "0.00000", values in "0.00000000", PSD numbers in "0.0000000000E+00"; the no
 // value (-99999) is an empty field. Lines are UTF-8 here; the file is written in the system code page.
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -37,8 +38,15 @@ struct PointColumn {
   std::span<const double> Values;  // element 0 is sample 1
 };
 
+// Where the lines of a table go, one at a time: a file being written, or a list.
+using LineOut = std::function<void(std::string_view)>;
+// The lines `write` gives, as a list.
+std::vector<std::string> CollectLines(const std::function<void(const LineOut&)>& write);
+
 // Head line: distance head + the column heads joined by ", ". Then one line per sample up to the
 // longest column: position of the sample by the axis, then the values.
+void WritePointCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
+                   const std::vector<PointColumn>& columns);
 std::vector<std::string> PointCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
                                          const std::vector<PointColumn>& columns);
 
@@ -51,6 +59,8 @@ struct SectionRow {
 
 // Head line: section head + `heads` joined by ", ". Rows: start, end and middle by the axis (KP in km
 // or m; zero-based: metres from the profile's first sample along its direction), then the values.
+void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
+                     const std::vector<std::string>& heads, const std::vector<SectionRow>& rows);
 std::vector<std::string> SectionCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
                                            const std::vector<std::string>& heads,
                                            const std::vector<SectionRow>& rows);

@@ -175,8 +175,8 @@ Array1<double> PointKindValues(ExportKind kind, const ProfileRecord& record, int
   }
 }
 
-std::vector<std::string> PointKindLines(ExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
-                                        int octave) {
+void WritePointKindCsv(const LineOut& out, ExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
+                       int octave) {
   const std::string name = ProfileList::NameOf(record);
   const ProfileGeometry geometry = GeometryOf(record);
   if (kind == ExportKind::OctaveAll) {
@@ -189,7 +189,7 @@ std::vector<std::string> PointKindLines(ExportKind kind, const ProfileRecord& re
     columns.push_back({"OCT-合算(mm)", waves[9]});
     columns.push_back({"OCT-長波長(mm)", octaveSet.LongSum.Values.span()});
     columns.push_back({"OCT-短波長(mm)", octaveSet.ShortSum.Values.span()});
-    return PointCsvLines(axis, geometry, columns);
+    return WritePointCsv(out, axis, geometry, columns);
   }
   if (kind == ExportKind::BandAll) {
     const BandReductionBlock& band = record.Analysis.BandReduction;
@@ -200,7 +200,7 @@ std::vector<std::string> PointKindLines(ExportKind kind, const ProfileRecord& re
     columns.push_back({"OCT-合算(mm)", band.Result.Total.Values.span()});
     columns.push_back({"OCT-長波長(mm)", band.LongSum.Values.span()});
     columns.push_back({"OCT-短波長(mm)", band.ShortSum.Values.span()});
-    return PointCsvLines(axis, geometry, columns);
+    return WritePointCsv(out, axis, geometry, columns);
   }
   const Array1<double> values = PointKindValues(kind, record, octave);
   std::string head;
@@ -218,7 +218,12 @@ std::vector<std::string> PointKindLines(ExportKind kind, const ProfileRecord& re
     case ExportKind::BandShort: head = name + " バンド別低減(短波長)(mm)"; break;
     default: head = name + " Octave 短波長(mm)"; break;
   }
-  return PointCsvLines(axis, geometry, {{head, values.span()}});
+  WritePointCsv(out, axis, geometry, {{head, values.span()}});
+}
+
+std::vector<std::string> PointKindLines(ExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
+                                        int octave) {
+  return CollectLines([&](const LineOut& out) { WritePointKindCsv(out, kind, record, axis, octave); });
 }
 
 std::vector<std::string> PsdRawLines(const ProfileRecord& record) {
@@ -272,8 +277,8 @@ std::vector<std::string> IriWholeLines(const std::vector<const ProfileRecord*>& 
   return lines;
 }
 
-std::vector<std::string> IriContinuousLines(const ProfileRecord& record, const PositionAxis& axis, double evalLength,
-                                           bool withBands) {
+void WriteIriContinuousCsv(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis, double evalLength,
+                           bool withBands) {
   const IriResults& iri = record.Analysis.Iri;
   const ProfileGeometry geometry = GeometryOf(record);
   const double dx = geometry.StepSize;
@@ -298,7 +303,7 @@ std::vector<std::string> IriContinuousLines(const ProfileRecord& record, const P
     }
     rows.push_back(std::move(row));
   }
-  return SectionCsvLines(axis, geometry, heads, rows);
+  WriteSectionCsv(out, axis, geometry, heads, rows);
 }
 
 std::vector<std::string> IriFixedLines(const ProfileRecord& record, const PositionAxis& axis, int interval) {

@@ -63,6 +63,8 @@ ProfileGeometry GeometryOf(const ProfileRecord& record);
 
 // The lines of one profile's file of a point kind (Profile, OctaveAll, OctaveSum/Long/Short, and
 // OctaveBand for `octave`, the band-reduction kinds alike). Values in mm; the no value stays an empty field.
+void WritePointKindCsv(const LineOut& out, ExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
+                       int octave = 0);
 std::vector<std::string> PointKindLines(ExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
                                         int octave = 0);
 // The values of a one-column point kind (for ERD output), 1..n.
@@ -79,8 +81,8 @@ std::vector<std::string> PsdRatioLines(Session& session, const ProfileRecord& ba
 // IRI files. Whole: one line per profile with its name, "全区間IRI(<length>m)" and the value.
 std::vector<std::string> IriWholeLines(const std::vector<const ProfileRecord*>& profiles);
 // Continuous: one row per window position, from its first sample over `evalLength` m.
-std::vector<std::string> IriContinuousLines(const ProfileRecord& record, const PositionAxis& axis, double evalLength,
-                                           bool withBands);
+void WriteIriContinuousCsv(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis, double evalLength,
+                           bool withBands);
 // The sections of one interval (section head and "IRI(mm/m)"), then the block tables of all three.
 std::vector<std::string> IriFixedLines(const ProfileRecord& record, const PositionAxis& axis, int interval);
 

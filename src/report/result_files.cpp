@@ -1,5 +1,6 @@
 #include "report/result_files.h"
 
+#include <functional>
 #include <string>
 
 #include "base/file_export_name.h"
@@ -27,10 +28,18 @@ class Writer {
     return FileExportName(pattern_, BuiltInExportPattern(request_.Kind), profileName, macros, now_);
   }
 
-  void Csv(const std::string& name, const std::vector<std::string>& lines) {
+  // The lines `write` gives go straight into the file, which replaces its target when complete.
+  void Csv(const std::string& name, const std::function<void(const LineOut&)>& write) {
     const std::string path = flAddDirSep(folder_) + name + ".CSV";
-    WriteSystemTextFile(path, lines);
+    SystemTextWriter file(path);
+    write([&file](std::string_view line) { file.Line(line); });
+    file.Commit();
     files_.push_back(path);
+  }
+  void Csv(const std::string& name, const std::vector<std::string>& lines) {
+    Csv(name, [&lines](const LineOut& out) {
+      for (const std::string& line : lines) out(line);
+    });
   }
 
   void Erd(const std::string& name, const ProfileRecord& record, Array1<double> values) {
@@ -76,7 +85,7 @@ void WriteAll(Session& session, const ResultFileRequest& request, const Position
         if (request.Erd)
           writer.Erd(writer.Name(name, macros), *record, PointKindValues(kind, *record));
         else
-          writer.Csv(writer.Name(name, macros), PointKindLines(kind, *record, axis));
+          writer.Csv(writer.Name(name, macros), [&](const LineOut& out) { WritePointKindCsv(out, kind, *record, axis); });
         break;
       }
       case ExportKind::OctaveBand:
@@ -86,7 +95,7 @@ void WriteAll(Session& session, const ResultFileRequest& request, const Position
           if (request.Erd)
             writer.Erd(file, *record, PointKindValues(kind, *record, octave));
           else
-            writer.Csv(file, PointKindLines(kind, *record, axis, octave));
+            writer.Csv(file, [&](const LineOut& out) { WritePointKindCsv(out, kind, *record, axis, octave); });
         }
         break;
       case ExportKind::OctaveAll:
@@ -100,13 +109,15 @@ void WriteAll(Session& session, const ResultFileRequest& request, const Position
         if (request.Erd)
           writer.Erd(writer.Name(name, {}), *record, PointKindValues(kind, *record));
         else
-          writer.Csv(writer.Name(name, {}), PointKindLines(kind, *record, axis));
+          writer.Csv(writer.Name(name, {}), [&](const LineOut& out) { WritePointKindCsv(out, kind, *record, axis); });
         break;
       case ExportKind::PsdRaw: writer.Csv(writer.Name(name, {}), PsdRawLines(*record)); break;
       case ExportKind::PsdSmoothed: writer.Csv(writer.Name(name, {}), PsdSmoothedLines(session, *record, request.Options)); break;
       case ExportKind::IriContinuous:
         writer.Csv(writer.Name(name, {{"$(IRI種別)$", IriKindWord(kind, evalLength, 0)}}),
-                   IriContinuousLines(*record, axis, evalLength, request.Options.WithBands));
+                   [&](const LineOut& out) {
+                     WriteIriContinuousCsv(out, *record, axis, evalLength, request.Options.WithBands);
+                   });
         break;
       case ExportKind::IriFixed:
         writer.Csv(writer.Name(name, {{"$(IRI種別)$", IriKindWord(kind, evalLength, request.Options.Interval)}}),

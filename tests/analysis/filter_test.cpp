@@ -211,8 +211,9 @@ TEST_F(FilterTest, SlopeAndIriTypesAndAnErrorThatLeavesThePreviousResult) {
   EXPECT_EQ(iri.Analysis.Filter.FilterCount, 395);
   EXPECT_EQ(iri.Analysis.Filter.FilterWave.Values.size(), 395);
 
-  // Too long for the slope filter: logged with the file's name, the stored wave stays.
-  ProfileRecord longOne = Prepared("long", std::vector<double>(40000), 0.1);
+  // A count beyond its samples (a damaged record): logged with the file's name, the stored wave stays.
+  ProfileRecord longOne = Prepared("long", std::vector<double>(400), 0.1);
+  longOne.Analysis.Count = 401;
   longOne.Analysis.Filter.FilterWave.Values = A({42});
   slope.Analysis.Filter.FilterWave = WaveSeries{};
   ui_.Log.clear();
