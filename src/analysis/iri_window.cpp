@@ -10,7 +10,13 @@ namespace velmora {
 namespace {
 
 // |v|^p by the general power operation, as every IRI figure of the program takes it.
-double PowerTerm(double v, int power) { return std::pow(std::fabs(v), static_cast<double>(power)); }
+// |v| to the power of the weighting. The ARS power 1 and the RMS power 2 are exact without pow(),
+// which is the larger part of a band pass; any other power goes through pow() as ever.
+double PowerTerm(double v, int power) {
+  if (power == 1) return std::fabs(v);
+  if (power == 2) return v * v;
+  return std::pow(std::fabs(v), static_cast<double>(power));
+}
 
 double Root(double meanOfPowers, int power) {
   return std::pow(meanOfPowers, 1.0 / static_cast<double>(power));
