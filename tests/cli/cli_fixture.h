@@ -15,7 +15,7 @@
 #include "base/session.h"
 #include "base/text_encoding.h"
 #include "profile/erd_file.h"
-#include "support/readback.h"
+#include "support/checks.h"
 
 namespace velmora::testing {
 

@@ -7,7 +7,7 @@
 #include <regex>
 #include <string>
 
-#include "support/readback.h"
+#include "support/checks.h"
 
 namespace velmora {
 namespace {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "profile/profile_list.h"
-#include "support/session_fixture.h"
 #include "support/test_support.h"
 
 namespace velmora::testing {

@@ -1,7 +1,8 @@
 #pragma once
 // A registered profile built in memory: one channel of `samples` (mm) at `pitch` (m), its working copy
-// filled as reading an ERD file would fill it.
+// filled as reading an ERD file would fill it; and the sample profiles the tests build them from.
 #include <cmath>
+#include <numbers>
 #include <string>
 #include <utility>
 #include <vector>
@@ -41,6 +42,14 @@ inline std::vector<double> Ramp(int n, bool falling = false) {
 inline std::vector<double> Road(int n, int from = 0) {
   std::vector<double> v;
   for (int i = from; i < from + n; ++i) v.push_back(3 * std::sin(0.21 * i) + std::sin(1.3 * i + 0.4 * std::cos(0.05 * i)));
+  return v;
+}
+
+// 1024 samples at 0.05 m (51.2 m) of a sine of 2 mm amplitude and 11 cycles: wavelength 51.2/11 =
+// 4.6545 m, inside octave 5 (3.2 to 6.4 m), and exactly on bin 11 of a 1024-point transform.
+inline std::vector<double> OctaveFiveSine() {
+  std::vector<double> v(1024);
+  for (std::size_t i = 0; i < v.size(); ++i) v[i] = 2.0 * std::sin(2 * std::numbers::pi * 11.0 * static_cast<double>(i) / 1024.0);
   return v;
 }
 

@@ -1,5 +1,9 @@
 #pragma once
-// Shared test helpers: a scripted user interaction that records every text, and a temporary folder.
+// Shared test helpers: a scripted user interaction that records every text, a temporary folder, and the
+// one fixture for tests that need the program's common state: a fresh session per test whose interaction
+// is a scripted one, with TempPath and DebugPath in a temporary folder ("Temp", "Debug").
+#include <gtest/gtest.h>
+
 #include <ctime>
 #include <deque>
 #include <filesystem>
@@ -82,5 +86,18 @@ void WriteBytes(const std::filesystem::path& path, const std::string& bytes);
 // The repository's folders, for fixtures and example data.
 std::filesystem::path SourceDir();
 std::filesystem::path SharedDataDir();  // measured road profiles beside the repository, may be absent
+
+class SessionTest : public ::testing::Test {
+ protected:
+  SessionTest() {
+    session.Paths.TempPath = (dir_ / "Temp").string();
+    session.Paths.DebugPath = (dir_ / "Debug").string();
+    std::filesystem::create_directories(session.Paths.TempPath);
+  }
+
+  TempDir dir_;
+  ScriptedUi ui_;
+  Session session{ui_};
+};
 
 }  // namespace velmora::testing

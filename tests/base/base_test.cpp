@@ -3,27 +3,37 @@
 #include "base/startup.h"
 
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <limits>
+#include <map>
+#include <random>
+#include <regex>
+#include <set>
+#include <sstream>
 #include <sys/wait.h>
+#include <tuple>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <optional>
-#include <regex>
-#include <string>
-#include <tuple>
-
+#include "base/app_paths.h"
 #include "base/colour.h"
+#include "base/common.h"
 #include "base/conditions_dialog.h"
 #include "base/error_log.h"
+#include "base/file_export_name.h"
+#include "base/file_helpers.h"
+#include "base/folders.h"
 #include "base/ini_file.h"
-#include "base/legacy_error.h"
-#include "base/session.h"
+#include "base/legacy_format.h"
+#include "base/legacy_math.h"
+#include "base/macros.h"
+#include "base/number_helpers.h"
+#include "base/path_helpers.h"
 #include "base/settings_io.h"
 #include "base/text_encoding.h"
 #include "support/checks.h"
-#include "support/session_fixture.h"
-#include "support/test_support.h"
 
 namespace velmora {
 namespace {
@@ -333,8 +343,6 @@ TEST_F(ErrorLogTest, GuardedReportsAndSaysWhetherTheOperationEndedNormally) {
   EXPECT_NE(lines[0].find("[ basIRI : RunIri ]  ERROR : "), std::string::npos);
   EXPECT_NE(lines[0].find("(dx)"), std::string::npos);
 }
-
-
 
 // The settings functions with AppPath and UserLocalPath in the sandbox, without a full start.
 class SettingsTest : public FrameSandbox {
@@ -662,5 +670,514 @@ TEST_F(ConditionsDialogTest, SaveThatCannotWriteIsReportedNamingTheFile) {
   EXPECT_NE(messages[1].Text.find("Default.ini"), std::string::npos);
 }
 
+// The text, number, path and name helpers of the base layer: tokens, lenient numbers, the legacy
+// number and date formats, Shift-JIS files, path pieces and the macros of file names.
+using std::pair;
+using testing::ExpectEach;
+using testing::ReadBytes;
+using testing::WriteBytes;
+using Texts = std::vector<std::string>;
+
+TEST(Token, QuotesKeepDelimitersAndDoubledQuotesAMinimumSizePads) {
+  EXPECT_EQ(uToken("a,\"b,c\",d", ","), (Texts{"a", "b,c", "d"}));
+  EXPECT_EQ(uToken("\"say \"\"hi\"\"\",x", ","), (Texts{"say \"hi\"", "x"}));
+  EXPECT_EQ(uToken("a,,", ","), (Texts{"a", "", ""}));
+  EXPECT_TRUE(uToken("", ",").empty());
+  EXPECT_EQ(uTokenCount("", ","), 0u);
+  // A minimum size pads, but the count stays real.
+  EXPECT_EQ(uToken("a", ",", 20), [] { Texts padded(20); padded[0] = "a"; return padded; }());
+  EXPECT_EQ(uTokenCount("a", ","), 1u);
+  EXPECT_EQ(uTokenSpace("velmora\t swdebug  x.prj "), (Texts{"velmora", "swdebug", "x.prj"}));
+  EXPECT_TRUE(uTokenSpace(" \t ").empty());
+  ExpectEach(uQuote, {pair{"a,b", "\"a,b\""}, {"", "\"\""}});
+}
+
+TEST(Numeric, LenientTestsNoValueConversionsAndRoundingRules) {
+  ExpectEach(IsNumeric, {pair{" 1,000.5 ", true}, {"-1.5E+03", true}, {"１２．５", true}, {"&H1F", true}, {"", false},
+                         {"1.2.3", false}, {"12 3", false}, {"E5", false}});
+  ExpectEach(uDblVal, {pair{"１２．５", 12.5}, {"abc", 0.0}});
+  ExpectEach(uLongVal, {pair{"2.5", 2}, {"3.5", 4}});  // half to even
+  EXPECT_TRUE(IsNoValue(uTextToDbl("   ")));
+  EXPECT_EQ(std::pair(uTextToLong(""), uTextToLong("x")), std::pair(kNoValueLong, 0));
+  EXPECT_THROW(uLongVal("3000000000"), LegacyError);
+  ExpectEach(CLng, {pair{-2.5, -2}, {1.5, 2}});
+  ExpectEach(RoundHalfAway, {pair{2.5, 3}, {-2.5, -3}});
+  EXPECT_EQ(IntLong(-0.5), -1);
+  EXPECT_EQ(CInt(32767.4), 32767);
+  EXPECT_THROW(CInt(32767.5), LegacyError);
+  EXPECT_THROW(CheckedI16(40000), LegacyError);
+}
+
+TEST(Text, EqualityTrimsAndIgnoresCaseOnlyAndPiecesCountCharacters) {
+  EXPECT_TRUE(uStrEqual(" rElev ", "RELEV"));
+  EXPECT_FALSE(uStrEqual(" rElev ", "RElev."));
+  EXPECT_EQ(CharLength("｜ab"), 3u);
+  EXPECT_EQ((Texts{CharLeft("路線｜12", 2), CharMid("路線｜12", 4), CharRight("123.45+-", 2)}), (Texts{"路線", "12", "+-"}));
+}
+
+TEST(NumberText, NoValueIsEmptyWidthIsThePatternsNeverCutTrailingZerosDropped) {
+  ExpectEach([](double v) { return uDblToText(v, "0.00"); }, {pair{kNoValue, ""}, {-99999.01, "-99999.01"}, {1.5, "1.50"}});
+  ExpectEach(uLongToText, {pair{kNoValueLong, ""}, {-99998, "-99998"}});
+  ExpectEach(uDblZero, {pair{kNoValue, 0.0}, {-3.25, -3.25}});
+  ExpectEach([](double v) { return uFormatRight(v, "######0"); }, {pair{42.0, "     42"}, {-7.0, "     -7"}, {12345678.0, "12345678"}});
+  // "##0.00" less its '#' is "0.00": 3.14 in six columns.
+  EXPECT_EQ(uFormatRight(3.14159, "##0.00"), "  3.14");
+  // Ten decimals at most: the eleventh (5) of 0.12345678905 rounds the tenth up.
+  ExpectEach(uTrimZero, {pair{1.5, "1.5"}, {2.0, "2"}, {0.0, "0"}, {-0.25, "-0.25"}, {1.0 / 3.0, "0.3333333333"},
+                         {0.12345678905, "0.1234567891"}, {100.0, "100"}});
+}
+
+TEST(Tolerances, NearlyEqualSqrtAndKiriage) {
+  EXPECT_TRUE(uNearlyEqual(0.1 + 0.2, 0.3));
+  EXPECT_TRUE(uNearlyEqual(-1.0, -1.0 + 0.9e-9));
+  EXPECT_FALSE(uNearlyEqual(1.0, 1.0 + 2e-9));
+  ExpectEach(uSqrt, {pair{9.0, 3.0}, {-4.0, 0.0}, {std::numeric_limits<double>::quiet_NaN(), 0.0}});
+  // 300 m of 10 m sections computed with noise stays 30 sections; 0.3 / 0.1 is 2.9999999999999996.
+  ExpectEach(Kiriage, {pair{2.0, 2.0}, {2.1, 3.0}, {0.0, 0.0}, {0.001, 1.0}, {-2.5, -2.0}, {30.000000000004, 30.0},
+                       {0.3 / 0.1, 3.0}});
+}
+
+TEST(MinMax, FirstArgumentKeptUnlessStrictlyBeatenAbsentValuesNeverWin) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(uMin(2.0, nan), 2.0);
+  EXPECT_TRUE(std::isnan(uMin(nan, 2.0)));  // 2 < NaN is false: the first stays
+  EXPECT_EQ(std::pair(uMax(3, 5), uMin(3, 5)), std::pair(5, 3));
+  // -0.0 and 0.0 compare equal: the first one is returned, sign included.
+  EXPECT_TRUE(std::signbit(uMin(-0.0, 0.0)));
+  EXPECT_FALSE(std::signbit(uMax(0.0, -0.0)));
+  EXPECT_EQ(uMin(std::nullopt, std::optional<double>(5.0)), 5.0);
+  EXPECT_EQ(uMax(std::optional<double>(-5.0), std::nullopt), -5.0);
+  EXPECT_FALSE(uMin(std::optional<double>(), std::optional<double>()).has_value());
+  const std::vector<double> values{3.0, -1.5, 7.25, -1.5};
+  EXPECT_EQ(uMin(std::span<const double>(values)), -1.5);
+  EXPECT_EQ(uMax(std::span<const double>(values)), 7.25);
+  EXPECT_FALSE(uMax(std::span<const double>()).has_value());
+}
+
+TEST(Colours, SplitJoinAndMissingComponentsAre255) {
+  // 0xBBGGRR: 0x123456 is red 0x56, green 0x34, blue 0x12.
+  EXPECT_EQ(uColourSplit(0x123456), (ColourParts{0x56, 0x34, 0x12}));
+  EXPECT_EQ(MakeColour(0x56, 0x34, 0x12), 0x123456u);
+  // "10,20" has blue 255, green 20, red 10.
+  ExpectEach(ParseColourText, {pair{"10,20", Colour{0xFF140A}}, {" 255, 0, 255 ", 0xFF00FF}, {"", 0xFFFFFF},
+                               {"0,x,300", MakeColour(0, 255, 255)}});
+  EXPECT_EQ(ColourText(0xFF00FF, ", ") + "|" + ColourText(0x00FF00, ","), "255, 0, 255|0,255,0");
+}
+
+TEST(FormatNumber, FixedOptionalGroupedAndScientificPatterns) {
+  const struct {
+    double value;
+    const char* pattern;
+    const char* text;
+  } cases[] = {
+      {0.01, "0.000000", "0.010000"}, {123.45, "0.00000", "123.45000"}, {0, "0.00000", "0.00000"},
+      // 0.125 and 2.675 are not exact in binary; 15 significant digits make them ties, rounded away.
+      {0.125, "0.00", "0.13"}, {2.675, "0.00", "2.68"}, {-2.5, "0", "-3"}, {0.5, "0", "1"},
+      {9.9999996, "0.000000", "10.000000"}, {-1.234567891, "0.00000000", "-1.23456789"},
+      {1000, "######0", "1000"}, {-1, "######0", "-1"}, {0.5, "#.##", ".5"}, {3, "0.##", "3."},
+      {1234567.891, "#,##0.0", "1,234,567.9"},
+      {12345.678, "0.0000000000E+00", "1.2345678000E+04"}, {0.00012, "0.0000000000E+00", "1.2000000000E-04"},
+      {0, "0.0000000000E+00", "0.0000000000E+00"}, {-9.99999999999, "0.00E+00", "-1.00E+01"},
+      {5e-300, "0.0E+00", "5.0E-300"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(FormatNumber(c.value, c.pattern), c.text) << c.value << " " << c.pattern;
+  EXPECT_THROW(FormatNumber(1, "0.0x"), LegacyError);
+  EXPECT_THROW(FormatNumber(1.0 / 0.0 * 0.0, "0"), LegacyError);
+}
+
+TEST(FormatNumber, PlainDecimalsGiveWhatThePatternInterpreterGives) {
+  // The result files' "0.00000" and "0.00000000" take a faster route: it must agree everywhere,
+  // also at ties, carries into a new digit, values that round to zero, and the extremes.
+  std::mt19937_64 random(11);
+  std::uniform_real_distribution<double> mantissa(-10, 10);
+  std::uniform_int_distribution<int> exponent(-12, 12);
+  std::vector<double> values = {0.0, -0.0, 0.5, -0.5, 9.999995, 0.000005, -0.000004999, 0.125, 2.675, 99999.999995,
+                                1e15, 1e-300, -1e300, 123456789.123456789, std::numeric_limits<double>::denorm_min()};
+  for (int k = 0; k < 20000; ++k) values.push_back(mantissa(random) * std::pow(10.0, exponent(random)));
+  for (const char* pattern : {"0.0", "0.00000", "0.00000000", "0.000000"})
+    for (double v : values) ASSERT_EQ(FormatNumber(v, pattern), FormatNumberByPattern(v, pattern)) << v << " " << pattern;
+}
+
+TEST(ToSystemCodePage, AsciiRunsPassAndEverythingElseIsConverted) {
+  // "距" is 0x8B 0x97 and "離" 0x97 0xA3 in Shift-JIS; "€" has no Shift-JIS form and becomes "?".
+  EXPECT_EQ(ToSystemCodePage("a,1.5\r\n距離(m), x€y"), "a,1.5\r\n\x8B\x97\x97\xA3(m), x?y");
+  EXPECT_EQ(ToSystemCodePage(""), "");
+}
+
+TEST(FormatDateTime, PatternsOfStampsAndNamesMinutesAfterTheHour) {
+  const std::tm t = testing::At(2026, 11, 2, 7, 5, 9);
+  ExpectEach([&](const char* pattern) { return FormatDateTime(t, pattern); },
+             {pair{"YYYYMMDDHHNNSS", "20261102070509"}, {"YYYY/MM/DD HH:MM:SS", "2026/11/02 07:05:09"}, {"yyyymm", "202611"},
+              {"MM", "11"}});
+}
+
+TEST(SystemCodePage, FullWidthBarIs8162UnmappableBecomesQuestionMarkInvalidBytesNameTheFile) {
+  EXPECT_EQ(ToSystemCodePage("｜"), "\x81\x62");
+  EXPECT_EQ(FromSystemCodePage("\x81\x62"), "｜");
+  const std::string key = "長波長合算Octave";
+  EXPECT_EQ(FromSystemCodePage(ToSystemCodePage(key)), key);
+  EXPECT_EQ(ToSystemCodePage("a😀b"), "a?b");
+  EXPECT_NE(testing::WhatOf([] { FromSystemCodePage("ab\x81", "road.erd"); }).find("road.erd"), std::string::npos);
+}
+
+TEST(SystemTextFile, WritesCrLfReadsAnyLineEndAndAFailedWriteLeavesNothingBehind) {
+  testing::TempDir dir;
+  WriteSystemTextFile(dir / "a.txt", {"ERDFILEV2.00", "TITLE   路線｜1.00000++"});
+  EXPECT_EQ(ReadBytes(dir / "a.txt"), "ERDFILEV2.00\r\nTITLE   \x98\x48\x90\xfc\x81\x62" "1.00000++\r\n");
+  WriteBytes(dir / "b.txt", "x\ny\r\nz\r\r\nw");
+  EXPECT_EQ(ReadSystemTextLines(dir / "b.txt"), (Texts{"x", "y", "z", "", "w"}));
+  EXPECT_THROW(ReadSystemTextLines(dir / "none.txt"), LegacyError);
+  // A folder in the target's place cannot be replaced: other files are untouched, no temporary is left.
+  std::filesystem::create_directory(dir / "folder");
+  EXPECT_THROW(WriteSystemTextFile(dir / "folder", {"new"}), LegacyError);
+  EXPECT_EQ(ReadBytes(dir / "b.txt"), "x\ny\r\nz\r\r\nw");
+  EXPECT_EQ(testing::EntryNames(dir.path()), (Texts{"a.txt", "b.txt", "folder"}));
+}
+
+TEST(PathText, EitherSeparatorIsAddedOnceSearchesCountCharactersAndOnlyFilesAreFound) {
+  ExpectEach(flGetFileName, {pair{"C:\\data\\road.erd", "road.erd"}, {"/home/u/road.erd", "road.erd"},
+                             {"a/b\\路線.txt", "路線.txt"}, {"road", "road"}, {"/home/u/", ""}});
+  ExpectEach(flGetFileNameNonExt, {pair{"/x/a.b.erd", "a.b"}, {"/x.y/name", "name"}});
+  ExpectEach(flGetPathName, {pair{"/home/u/road.erd", "/home/u"}, {"C:\\data\\road.erd", "C:\\data"}, {"road.erd", ""}});
+  // Where the only "." stands in a folder name there is no extension.
+  ExpectEach(flGetExtension, {pair{"a.b.ERD", "ERD"}, {"/x.y/name", ""}, {"C:\\x.y\\name", ""}, {"name.", ""}});
+  ExpectEach(flAddDirSep, {pair{"/a", "/a/"}, {"/a/", "/a/"}, {"C:\\a\\", "C:\\a\\"}});
+  // 路 線 / 路: the last "路線" starts at character 4, not at byte 8.
+  EXPECT_EQ(std::pair(flInStrRev("路線/路線.erd", "路線"), flInStrRev("abc", "x")), std::pair(std::size_t{4}, std::size_t{0}));
+  EXPECT_EQ(flStrRev("abc路"), "路cba");
+  testing::TempDir dir;
+  WriteBytes(dir / "a.ini", "x");
+  ExpectEach(flSearchPath, {pair{(dir / "a.ini").string(), true}, {dir.path().string(), false},
+                            {(dir / "b.ini").string(), false}, {std::string(), false}});
+}
+
+TEST(NameMacros, FirstOccurrenceOnlyWhateverTheCaseMonthIsMmMinuteIsNn) {
+  EXPECT_EQ(uReplaceMacro("x_$(profilename)$_y", "$(PROFILENAME)$", "R1"), "x_R1_y");
+  EXPECT_EQ(uReplaceMacro("$(IRI種別)$.csv", "$(IRI種別)$", "10m"), "10m.csv");
+  EXPECT_EQ(uReplaceMacro("plain", "$(X)$", "v"), "plain");
+  const std::tm t = testing::At(2024, 3, 7, 9, 5, 2);
+  EXPECT_EQ(uExpandDate("$(YYYYMMDDHHNNSS)$", t), "20240307090502");
+  EXPECT_EQ(uExpandDate("$(yyyymmdd)$_$(HH)$$(NN)$", t), "20240307_0905");
+  EXPECT_EQ(uExpandDate("$(YYYYMMDDHHNN)$|$(YYYYMMDDHH)$|$(YYYYMM)$|$(YYYY)$", t), "202403070905|2024030709|202403|2024");
+  EXPECT_EQ(uExpandDate("$(DD)$.$(SS)$", t), "07.02");
+  EXPECT_EQ(uExpandDate("$(MM)$-$(NN)$-$(MM)$", t), "03-05-$(MM)$");
+  // The name and the kind's macros once each too; a blank pattern takes the built-in one.
+  EXPECT_EQ(FileExportName("$(profilename)$_$(CutOff)$_$(yyyymmdd)$+$(PROFILENAME)$", "unused", "road1",
+                           {{"$(CUTOFF)$", "MAHP_50m"}}, t),
+            "road1_MAHP_50m_20240307+$(PROFILENAME)$");
+  EXPECT_EQ(FileExportName("  ", "$(PROFILENAME)$_Octave$(OctaveNum)$_$(YYYYMMDDHHNNSS)$", "r", {{"$(OctaveNum)$", "3"}}, t),
+            "r_Octave3_20240307090502");
+}
+
+TEST(PathMacros, AppPathFirstAndOnlyAtAFolderBoundaryAndAStoredPathFollowsAMovedFolder) {
+  AppPaths paths;
+  paths.AppPath = "/opt/velmora/bin";
+  paths.UserLocalPath = "/home/u/.local/share/Velmora";
+  testing::ExpectEach([&](const char* path) { return uAbbreviatePathMacro(paths, path); },
+                      {std::pair{"/opt/velmora/bin/Default.ini", "$(AppPath)/Default.ini"}, {"/OPT/Velmora/BIN/a", "$(AppPath)/a"},
+                       {"/home/u/.local/share/Velmora/Resource/x", "$(UserLocalPath)/Resource/x"},
+                       {"/home/u/.local/share/Velmora", "$(UserLocalPath)"},
+                       {"/opt/velmora/binary/x", "/opt/velmora/binary/x"}, {"/data/road.erd", "/data/road.erd"}});
+  EXPECT_EQ(uExpandPathMacro(paths, "$(apppath)/a"), "/opt/velmora/bin/a");
+  EXPECT_EQ(uExpandPathMacro(paths, "$(AppPath)/$(UserLocalPath)"), "/opt/velmora/bin/$(UserLocalPath)");
+  EXPECT_EQ(uExpandPathMacro(paths, "/no/macro"), "/no/macro");
+  const std::string stored = uAbbreviatePathMacro(paths, "/home/u/.local/share/Velmora/Project/p.prj");
+  paths.UserLocalPath = "/mnt/other/Velmora";
+  EXPECT_EQ(uExpandPathMacro(paths, stored), "/mnt/other/Velmora/Project/p.prj");
+  // A user-local tree inside the program's folder is still abbreviated by AppPath, which is tried first.
+  paths.UserLocalPath = "/opt/velmora/bin/local";
+  EXPECT_EQ(uAbbreviatePathMacro(paths, "/opt/velmora/bin/local/x"), "$(AppPath)/local/x");
+}
+
+// The file-system helpers of the base layer: patterns, deletion, copies and free names; ini files
+// read and written byte for byte in Shift-JIS; the user's folders from the environment.
+namespace fs = std::filesystem;
+using testing::ReadBytes;
+using testing::WriteBytes;
+using Names = std::vector<std::string>;
+
+// A scratch folder, its paths as the helpers take them and files in it written byte for byte, folders
+// made as needed.
+class Scratch : public ::testing::Test {
+ protected:
+  std::string At(const std::string& name = "") const { return name.empty() ? dir_.path().string() : (dir_ / name).string(); }
+  fs::path Put(const std::string& name, const std::string& bytes = "x") const {
+    fs::create_directories((dir_ / name).parent_path());
+    WriteBytes(dir_ / name, bytes);
+    return dir_ / name;
+  }
+  testing::TempDir dir_;
+};
+using FileHelpers = Scratch;
+using Ini = Scratch;
+
+TEST(FilePattern, WildcardsIgnoreCaseAndStarDotStarTakesAll) {
+  // "?" is one character, not one byte.
+  const std::tuple<const char*, const char*, bool> cases[] = {
+      {"README", "*.*", true},       {"A.ERD", "*.erd", true},      {"a.erd.bak", "*.erd", false}, {"路.txt", "?.txt", true},
+      {"路線.txt", "?.txt", false},  {"axxbyyc", "a*b*c", true},    {"axxbyy", "a*b*c", false},    {"", "*", true}};
+  for (const auto& [name, pattern, match] : cases) EXPECT_EQ(MatchFilePattern(name, pattern), match) << name << " " << pattern;
+}
+
+TEST_F(FileHelpers, APatternDeletesOnlyMatchingFilesOfThatFolderAndDeletionsAreSilentWhenAbsent) {
+  for (const char* name : {"a.erd", "b.ERD", "c.txt", "sub.erd/d.erd", "tree/deep/g.txt"}) Put(name);
+  DeletePath(At(), "*.erd");
+  EXPECT_EQ(testing::EntryNames(dir_.path()), (Names{"c.txt", "sub.erd", "tree"}));
+  EXPECT_TRUE(fs::exists(dir_ / "sub.erd" / "d.erd"));
+  EXPECT_NO_THROW(DeletePath(At("absent"), "*.*"));
+
+  EXPECT_NO_THROW(DeleteFile(At("none.txt")));
+  DeleteFile(At("c.txt"));
+  DeleteFolder(At("tree"));
+  EXPECT_EQ(testing::EntryNames(dir_.path()), (Names{"sub.erd"}));
+  EXPECT_NO_THROW(DeleteFolder(At("tree")));
+  // A folder is not deleted as a file.
+  EXPECT_NE(testing::WhatOf([&] { DeleteFile(At()); }).find(At()), std::string::npos);
+}
+
+TEST_F(FileHelpers, CopyAndMoveOverwriteAndSkipAMissingSourceOrAnEmptyTarget) {
+  Put("src.txt", "new");
+  Put("dst.txt", "old");
+  uFileCopy_A(At("src.txt"), At("dst.txt"));
+  EXPECT_EQ(ReadBytes(dir_ / "dst.txt"), "new");
+  EXPECT_EQ(ReadBytes(dir_ / "src.txt"), "new");
+  uFileCopy_A(At("missing.txt"), At("dst.txt"));
+  uFileCopy_A(At("src.txt"), "");
+  EXPECT_EQ(ReadBytes(dir_ / "dst.txt"), "new");
+
+  Put("target.txt", "older");
+  uFileMove(At("src.txt"), At("target.txt"));
+  EXPECT_NO_THROW(uFileMove(At("src.txt"), At("target.txt")));
+  EXPECT_EQ(ReadBytes(dir_ / "target.txt"), "new");
+  EXPECT_EQ(testing::EntryNames(dir_.path()), (Names{"dst.txt", "target.txt"}));
+}
+
+TEST_F(FileHelpers, FailedCopyNamesTheTargetAndLeavesNothing) {
+  Put("src.txt");
+  EXPECT_NE(testing::WhatOf([&] { uFileCopy_A(At("src.txt"), At("no/dst.txt")); }).find(At("no/dst.txt")),
+            std::string::npos);
+  // A folder in the target's place is kept whole.
+  Put("busy/inside.txt", "keep");
+  EXPECT_THROW(uFileCopy_A(At("src.txt"), At("busy")), LegacyError);
+  EXPECT_EQ(ReadBytes(dir_ / "busy" / "inside.txt"), "keep");
+  EXPECT_EQ(testing::EntryNames(dir_.path()), (Names{"busy", "src.txt"}));  // no temporary left, no "no"
+}
+
+TEST_F(FileHelpers, FindAllListsTheFilesOfAFolderFirstThenItsSubFoldersInNameOrder) {
+  for (const char* name : {"b.erd", "a.erd", "z/c.erd", "m/d.ERD", "m/e.txt"}) Put(name);
+  EXPECT_EQ(uFileFindAll(At(), "*.erd"), (Names{At("a.erd"), At("b.erd"), At("m/d.ERD"), At("z/c.erd")}));
+  EXPECT_TRUE(uFileFindAll(At("none"), "*.*").empty());
+}
+
+TEST_F(FileHelpers, FreeNameNumbersFromOneUpToNineHundredNinetyNine) {
+  EXPECT_EQ(uFreeName(At(), "road", "ERD"), "road.ERD");
+  Put("road.ERD");
+  EXPECT_EQ(uFreeName(At(), "road", "ERD"), "road(001).ERD");
+  Put("road(001).ERD");
+  EXPECT_EQ(uFreeName(At(), "road", "ERD"), "road(002).ERD");
+  EXPECT_EQ(uFreeName(At(), "road", ""), "road");
+  for (int i = 2; i <= 999; ++i) Put(fmt::format("road({:03}).ERD", i));
+  EXPECT_THROW(uFreeName(At(), "road", "ERD"), LegacyError);
+}
+
+TEST_F(Ini, NamesIgnoreCaseValuesAreTrimmedTheFirstWinsAndAReplacedKeyChangesOnlyItsLine) {
+  // Comments, odd blanks, a LF-only line, a section appearing twice.
+  const std::string mixed = "; comment=not a key\r\n[General]\r\n  DebugLevel =  1  \r\nQuoted=\"  spaced  \"\r\nEmpty=\r\n"
+                            "debuglevel=2\r\nno equals sign here\n\r\n[ Other ]\r\nKey=other\r\n[general]\r\nLate=ignored\r\n";
+  const fs::path path = Put("a.ini", mixed);
+  const IniDocument ini = IniDocument::Load(path);
+  EXPECT_EQ(ini.Get("GENERAL", "debugLevel"), "1");
+  EXPECT_EQ(ini.Get("General", "Quoted"), "  spaced  ");
+  EXPECT_EQ(ini.Get("General", "Empty"), "");
+  EXPECT_EQ(ini.Get("other", "KEY"), "other");
+  EXPECT_EQ(ini.Get("General", "Late"), std::nullopt);  // only the first [General] counts
+  EXPECT_EQ(ini.Get("General", "; comment"), std::nullopt);
+  EXPECT_EQ(ini.Get("Missing", "Key"), std::nullopt);
+  EXPECT_EQ(ReadIniValue(dir_ / "absent.ini", "General", "DebugLevel"), std::nullopt);
+
+  WriteIniValue(path, "general", "DEBUGLEVEL", "5");
+  std::string expected = mixed;
+  EXPECT_EQ(ReadBytes(path), expected.replace(expected.find("  DebugLevel =  1  "), 19, "DEBUGLEVEL=5"));
+}
+
+TEST_F(Ini, NewKeyGoesBehindTheLastLineOfItsSectionNewSectionAtTheEnd) {
+  const fs::path path = Put("a.ini", "[A]\r\nx=1\r\n\r\n[B]\r\ny=2");  // no line end at the very end
+  WriteIniValue(path, "A", "z", "3");
+  WriteIniValue(path, "B", "w", "4");
+  WriteIniValue(path, "C", "v", "");
+  EXPECT_EQ(ReadBytes(path), "[A]\r\nx=1\r\nz=3\r\n\r\n[B]\r\ny=2\r\nw=4\r\n[C]\r\nv=\r\n");
+  WriteIniValue(dir_ / "new.ini", "S", "k", "v");
+  EXPECT_EQ(ReadBytes(dir_ / "new.ini"), "[S]\r\nk=v\r\n");
+}
+
+TEST_F(Ini, JapaneseNamesRoundTripInShiftJis) {
+  // "ゾーン" holds the bytes 0x5D and 0x5B (']' and '[') as trail bytes, "表示" holds 0x5C.
+  WriteIniValue(dir_ / "j.ini", "ゾーン", "表示", "値");
+  EXPECT_EQ(ReadBytes(dir_ / "j.ini"), "[\x83\x5d\x81\x5b\x83\x93]\r\n\x95\x5c\x8e\xa6=\x92\x6c\r\n");
+  EXPECT_EQ(ReadIniValue(dir_ / "j.ini", "ゾーン", "表示"), "値");
+  WriteIniValue(dir_ / "j.ini", "ゾーン", "表示", "長");
+  EXPECT_EQ(ReadBytes(dir_ / "j.ini"), "[\x83\x5d\x81\x5b\x83\x93]\r\n\x95\x5c\x8e\xa6=\x92\xb7\r\n");
+}
+
+TEST_F(Ini, BytesThatAreNotShiftJisNameFileAndLineAndWritingKeepsTheFile) {
+  const std::string broken = "[A]\r\nx=\x81\r\n";  // a lead byte with no trail byte
+  const fs::path path = Put("bad.ini", broken);
+  const std::string what = testing::WhatOf([&] { IniDocument::Load(path); });
+  EXPECT_NE(what.find("bad.ini: 2 行目"), std::string::npos) << what;
+  EXPECT_THROW(WriteIniValue(path, "A", "y", "1"), LegacyError);
+  EXPECT_EQ(ReadBytes(path), broken);
+}
+
+TEST_F(Ini, FolderInPlaceOfTheFileAndUnwritableTextsAreRefused) {
+  fs::create_directory(dir_ / "dir.ini");
+  EXPECT_THROW(ReadIniValue(dir_ / "dir.ini", "A", "x"), LegacyError);
+  const fs::path path = Put("a.ini", "[A]\r\nx=1\r\n");
+  const std::tuple<const char*, const char*, const char*> refused[] = {
+      {"A", "x", "1\r\n[B]"}, {"A", "k=v", "1"}, {"A]", "x", "1"}, {"", "x", "1"}};
+  for (const auto& [section, key, value] : refused)
+    EXPECT_THROW(WriteIniValue(path, section, key, value), LegacyError) << section << " " << key << " " << value;
+  EXPECT_EQ(ReadBytes(path), "[A]\r\nx=1\r\n");
+  EXPECT_THROW(WriteIniValue(dir_ / "no" / "a.ini", "A", "x", "1"), LegacyError);
+}
+
+TEST_F(Ini, MalformedLinesAreIgnoredAndANulEndsTheValue) {
+  using namespace std::string_literals;
+  const IniDocument ini =
+      IniDocument::Load(Put("m.ini", "orphan=before any section\r\n[broken\r\nk=1\r\n[A]\r\nv=ab\0cd\r\n=nokey\r\n"s));
+  EXPECT_EQ(ini.Get("A", "v"), "ab");
+  EXPECT_EQ(ini.Get("broken", "k"), std::nullopt);
+  EXPECT_EQ(ini.Get("A", ""), std::nullopt);
+}
+
+// Lines of a byte string without their endings, for comparing files line by line.
+std::multiset<std::string> LineSet(const std::string& bytes) {
+  std::multiset<std::string> lines;
+  std::istringstream in(bytes);
+  for (std::string line; std::getline(in, line);) {
+    if (line.ends_with('\r')) line.pop_back();
+    lines.insert(line);
+  }
+  return lines;
+}
+
+TEST_F(Ini, OneWriteChangesOneKeyAndAtMostOneExistingLine) {
+  const std::vector<std::string> sections{"General", "ゾーン", "表示", "a"};
+  const std::vector<std::string> keys{"k", "K2", "長波側境界値", "x"};
+  const std::vector<std::string> values{"1", "", "51.2", "$(AppPath)/値", "a=b"};
+  std::mt19937 random(20240307);
+  auto pick = [&](const std::vector<std::string>& pool) { return pool[random() % pool.size()]; };
+  for (int round = 0; round < 300; ++round) {
+    std::string text;
+    const int lineCount = static_cast<int>(random() % 12);
+    for (int i = 0; i < lineCount; ++i) {
+      switch (random() % 5) {
+        case 0: text += "[" + pick(sections) + "]"; break;
+        case 1: text += " " + pick(keys) + " = " + pick(values); break;
+        case 2: text += "; " + pick(keys) + "=comment"; break;
+        case 3: text += "no key here"; break;
+        default: break;  // blank line
+      }
+      if (i + 1 < lineCount || random() % 2) text += random() % 2 ? "\r\n" : "\n";
+    }
+    const fs::path path = Put("p.ini", ToSystemCodePage(text));
+    const IniDocument before = IniDocument::Load(path);
+    const std::string section = pick(sections), key = pick(keys), value = pick(values);
+    WriteIniValue(path, section, key, value);
+    const IniDocument after = IniDocument::Load(path);
+    ASSERT_EQ(after.Get(section, key), value) << text;
+    for (const auto& s : sections)
+      for (const auto& k : keys)
+        if (!(UCase(s) == UCase(section) && k == key)) {
+          ASSERT_EQ(after.Get(s, k), before.Get(s, k)) << text;
+        }
+    // Every old line is still there except, at most, the one that held the key.
+    auto newLines = LineSet(ReadBytes(path));
+    int lost = 0;
+    for (const auto& line : LineSet(ToSystemCodePage(text))) {
+      if (const auto at = newLines.find(line); at != newLines.end()) newLines.erase(at);
+      else ++lost;
+    }
+    ASSERT_LE(lost, 1) << text;
+  }
+}
+
+// Sets environment variables for one test and puts the old values back afterwards.
+class Environment : public Scratch {
+ protected:
+  void Set(const char* name, const std::optional<std::string>& value) {
+    if (!saved_.count(name)) {
+      const char* old = std::getenv(name);
+      saved_[name] = old ? std::optional<std::string>(old) : std::nullopt;
+    }
+    if (value) ::setenv(name, value->c_str(), 1);
+    else ::unsetenv(name);
+  }
+  void TearDown() override {
+    for (const auto& [name, value] : saved_) {
+      if (value) ::setenv(name.c_str(), value->c_str(), 1);
+      else ::unsetenv(name.c_str());
+    }
+  }
+  // A plain XDG environment with the home in the temporary folder.
+  void PlainHome() {
+    Set("VELMORA_HOME", std::nullopt);
+    Set("HOME", (dir_ / "h").string());
+    for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_DOCUMENTS_DIR", "XDG_PICTURES_DIR"})
+      Set(name, std::nullopt);
+  }
+  // Data home, documents and pictures as read from the environment now.
+  static std::vector<std::string> Folders() {
+    const FolderEnvironment env = ReadFolderEnvironment();
+    return {env.DataHome, env.Documents, env.Pictures};
+  }
+
+ private:
+  std::map<std::string, std::optional<std::string>> saved_;
+};
+
+TEST_F(Environment, XdgDefaultsFallBackToTheHomeFolder) {
+  PlainHome();
+  const std::string home = (dir_ / "h").string();
+  EXPECT_EQ(Folders(), (std::vector<std::string>{home + "/.local/share", home, home}));
+  const FolderEnvironment env = ReadFolderEnvironment();
+  EXPECT_EQ(ResolveFolderPath(kFolderLocalAppDataCreate, env), home + "/.local/share");
+  EXPECT_EQ(ResolveFolderPath(kFolderCommonDocuments, env), home + "/.local/share");
+}
+
+TEST_F(Environment, UserDirsFileAndVariablesNameDocumentsAndPictures) {
+  PlainHome();
+  fs::create_directories(dir_ / "h" / ".config");
+  WriteBytes(dir_ / "h" / ".config" / "user-dirs.dirs",
+                      "# written by xdg-user-dirs-update\nXDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n"
+                      "XDG_PICTURES_DIR=\"/srv/pictures\"\nXDG_MUSIC_DIR=\"relative\"\n");
+  EXPECT_EQ(Folders(), (std::vector<std::string>{(dir_ / "h").string() + "/.local/share",
+                                                 (dir_ / "h").string() + "/Dokumente", "/srv/pictures"}));
+  Set("XDG_DOCUMENTS_DIR", "/var/docs");
+  Set("XDG_DATA_HOME", "/var/data");
+  EXPECT_EQ(Folders(), (std::vector<std::string>{"/var/data", "/var/docs", "/srv/pictures"}));
+}
+
+TEST_F(Environment, VelmoraHomeMovesEverythingAndIgnoresXdg) {
+  PlainHome();
+  Set("XDG_DATA_HOME", "/var/data");
+  Set("XDG_DOCUMENTS_DIR", "/var/docs");
+  Set("VELMORA_HOME", (dir_ / "v").string());
+  EXPECT_EQ(Folders(), (std::vector<std::string>{dir_ / "v", dir_ / "v" / "Documents", dir_ / "v" / "Pictures"}));
+  // The create flag of local application data makes the folder.
+  EXPECT_EQ(GetFolderPath("/opt/velmora", kFolderLocalAppDataCreate), (dir_ / "v").string());
+  EXPECT_TRUE(fs::is_directory(dir_ / "v"));
+}
+
+TEST_F(Environment, FoldersWithoutACounterpartOrValueResolveToAppPath) {
+  PlainHome();
+  Set("HOME", std::nullopt);
+  // kFolderPersonal has no home at all.
+  for (int folder : {int{kFolderWindows}, int{kFolderSystem}, int{kFolderPersonal}, 12345})
+    EXPECT_EQ(GetFolderPath("/opt/velmora", folder), "/opt/velmora") << folder;
+}
+
+TEST(ProgramFolder, IsTheFolderOfTheRunningBinary) {
+  EXPECT_EQ(fs::canonical(ProgramFolder()), fs::canonical(VELMORA_BIN_DIR));
+}
 }  // namespace
 }  // namespace velmora
