@@ -73,7 +73,9 @@ TEST_F(ThreeWave, OneSplitAndTheConvergentSumAddUpToTheProfileAndEachSineLandsIn
     ASSERT_TRUE(converge ? Cal_収束計算による波形分解(session, 51.2, 4.0, road.WorkCount, 0.25, road.WorkProfile, 5, L, M, S)
                          : Cal_補修形状3波分解_SUB(session, 51.2, 4.0, road.WorkCount, 0.25, road.WorkProfile, L, M, S));
     ASSERT_EQ(L.Values.size(), road.WorkCount);
-    if (converge) EXPECT_EQ(ui_.Log.front().Text, "収束計算中  1 / 5 ・・・・");
+    if (converge) {
+      EXPECT_EQ(ui_.Log.front().Text, "収束計算中  1 / 5 ・・・・");
+    }
     // The three masks split the spectrum without gap or overlap, so the parts rebuild the profile.
     for (std::int32_t i = 1; i <= road.WorkCount; ++i)
       ASSERT_NEAR(L.Values[i] + M.Values[i] + S.Values[i], road.WorkProfile[i], 1e-9) << i;
