@@ -94,6 +94,11 @@ void WritePointCsv(const LineOut& out, const PositionAxis& axis, const ProfileGe
 
 void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
                      const std::vector<std::string>& heads, const std::vector<SectionRow>& rows) {
+  WriteSectionCsv(out, axis, geometry, heads, rows.size(), [&rows](std::size_t r, SectionRow& row) { row = rows[r]; });
+}
+
+void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
+                     const std::vector<std::string>& heads, std::size_t count, const SectionRowAt& rowAt) {
   std::string head;
   WriteSectionHeader(head, axis);
   head += JoinFields(heads);
@@ -105,7 +110,9 @@ void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const Profile
   };
   out(head);
   std::string line;
-  for (const auto& row : rows) {
+  SectionRow row;  // filled anew for every row, its storage kept
+  for (std::size_t r = 0; r < count; ++r) {
+    rowAt(r, row);
     line.clear();
     AppendFirstField(line, place(row.KpFrom));
     AppendField(line, place(row.KpTo), kDistanceDecimals);

@@ -61,6 +61,11 @@ struct SectionRow {
 // or m; zero-based: metres from the profile's first sample along its direction), then the values.
 void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
                      const std::vector<std::string>& heads, const std::vector<SectionRow>& rows);
+// The same with the rows made one at a time by `rowAt(r, row)`, r = 0 .. count-1, for tables of a
+// row per sample that are too long to hold as rows.
+using SectionRowAt = std::function<void(std::size_t, SectionRow&)>;
+void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
+                     const std::vector<std::string>& heads, std::size_t count, const SectionRowAt& rowAt);
 std::vector<std::string> SectionCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
                                            const std::vector<std::string>& heads,
                                            const std::vector<SectionRow>& rows);

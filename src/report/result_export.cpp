@@ -293,17 +293,17 @@ void WriteIriContinuousCsv(const LineOut& out, const ProfileRecord& record, cons
   auto at = [](const WaveSeries& series, std::int32_t i) {
     return i <= series.Values.size() ? series.Values[i] : kNoValue;
   };
-  std::vector<SectionRow> rows;
-  rows.reserve(static_cast<std::size_t>(std::max(iri.IriWindowCount, 0)));
-  for (std::int32_t i = 1; i <= iri.IriWindowCount; ++i) {
-    SectionRow row{kp0 + (i - 1) * kmPerSample, kp0 + (i - 1 + windowSamples) * kmPerSample, {at(iri.IriWindowWave, i)}};
+  const auto count = static_cast<std::size_t>(std::max(iri.IriWindowCount, 0));
+  WriteSectionCsv(out, axis, geometry, heads, count, [&](std::size_t r, SectionRow& row) {
+    const auto i = static_cast<std::int32_t>(r) + 1;
+    row.KpFrom = kp0 + (i - 1) * kmPerSample;
+    row.KpTo = kp0 + (i - 1 + windowSamples) * kmPerSample;
+    row.Values.assign(1, at(iri.IriWindowWave, i));
     if (withBands) {
       for (int k = 1; k <= 9; ++k) row.Values.push_back(at(iri.IriWindowBand[static_cast<std::size_t>(k)], i));
       row.Values.insert(row.Values.end(), {at(iri.IriWindowRss, i), at(iri.IriWindowLong, i), at(iri.IriWindowShort, i)});
     }
-    rows.push_back(std::move(row));
-  }
-  WriteSectionCsv(out, axis, geometry, heads, rows);
+  });
 }
 
 std::vector<std::string> IriFixedLines(const ProfileRecord& record, const PositionAxis& axis, int interval) {
