@@ -181,12 +181,11 @@ void WritePointKindCsv(const LineOut& out, ExportKind kind, const ProfileRecord&
   const ProfileGeometry geometry = GeometryOf(record);
   if (kind == ExportKind::OctaveAll) {
     const OctaveBandSet& octaveSet = record.Analysis.Octave;
-    std::vector<std::vector<double>> waves;
-    for (int k = 1; k <= 9; ++k) waves.push_back(octaveSet.Band[static_cast<std::size_t>(k)].Values.vector());
-    waves.push_back(NineBandSum(octaveSet));
+    const std::vector<double> sum = NineBandSum(octaveSet);
     std::vector<PointColumn> columns;
-    for (int k = 1; k <= 9; ++k) columns.push_back({fmt::format("OCT-{}(mm)", k), waves[static_cast<std::size_t>(k - 1)]});
-    columns.push_back({"OCT-合算(mm)", waves[9]});
+    for (int k = 1; k <= 9; ++k)
+      columns.push_back({fmt::format("OCT-{}(mm)", k), octaveSet.Band[static_cast<std::size_t>(k)].Values.span()});
+    columns.push_back({"OCT-合算(mm)", sum});
     columns.push_back({"OCT-長波長(mm)", octaveSet.LongSum.Values.span()});
     columns.push_back({"OCT-短波長(mm)", octaveSet.ShortSum.Values.span()});
     return WritePointCsv(out, axis, geometry, columns);
