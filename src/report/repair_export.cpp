@@ -31,9 +31,9 @@ void AddBandColumns(std::vector<PointColumn>& columns, const std::array<std::vec
   for (std::size_t k = 1; k <= 9; ++k) columns.push_back({fmt::format("{}-OCT({})", k, mark), waves[k]});
 }
 
-std::vector<std::string> ThreeWaveProfileLines(const ProfileRecord& record, const PositionAxis& axis) {
+void ThreeWaveProfileLines(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis) {
   const ThreeWaveSplit& split = record.ThreeWave;
-  return PointCsvLines(axis, GeometryOf(record),
+  WritePointCsv(out, axis, GeometryOf(record),
                        {{"Profile", record.WorkProfile.span()},
                         {"L波", split.LongWave.Values.span()},
                         {"M波", split.MiddleWave.Values.span()},
@@ -62,7 +62,7 @@ IriResults WindowIriWithBands(Session& session, const ProfileRecord& record, con
 
 // One row per window position, as the IRI tab's continuous file: from the window's first sample over
 // the base length; `columns` are window series of equal length.
-std::vector<std::string> WindowLines(const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri,
+void WindowLines(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri,
                                      const std::vector<std::string>& heads,
                                      const std::vector<const WaveSeries*>& columns) {
   const ProfileGeometry geometry = GeometryOf(record);
@@ -78,19 +78,19 @@ std::vector<std::string> WindowLines(const ProfileRecord& record, const Position
     for (const WaveSeries* column : columns) row.Values.push_back(i <= column->Values.size() ? column->Values[i] : kNoValue);
     rows.push_back(std::move(row));
   }
-  return SectionCsvLines(axis, geometry, heads, rows);
+  WriteSectionCsv(out, axis, geometry, heads, rows);
 }
 
-std::vector<std::string> ThreeWaveIriLines(Session& session, const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
+void ThreeWaveIriLines(const LineOut& out, Session& session, const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
   const ThreeWaveSplit& split = record.ThreeWave;
   const IriResults l = WindowIri(session, record, split.LongWave.Values, iri);
   const IriResults m = WindowIri(session, record, split.MiddleWave.Values, iri);
   const IriResults s = WindowIri(session, record, split.ShortWave.Values, iri);
-  return WindowLines(record, axis, iri, {"L波-IRI(mm/m)", "M波-IRI(mm/m)", "S波-IRI(mm/m)"},
+  WindowLines(out, record, axis, iri, {"L波-IRI(mm/m)", "M波-IRI(mm/m)", "S波-IRI(mm/m)"},
                      {&l.IriWindowWave, &m.IriWindowWave, &s.IriWindowWave});
 }
 
-std::vector<std::string> ShortWaveIriLines(Session& session, const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
+void ShortWaveIriLines(const LineOut& out, Session& session, const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
   const IriResults profile = WindowIri(session, record, record.WorkProfile, iri);
   const IriResults shortWave = WindowIriWithBands(session, record, record.ThreeWave.ShortWave.Values, iri);
   const IriResults reduced = WindowIri(session, record, record.RepairStudy.ShortReduced.Values, iri);
@@ -104,20 +104,20 @@ std::vector<std::string> ShortWaveIriLines(Session& session, const ProfileRecord
   // What the reduction achieves, beside what it started from.
   heads.push_back("S'波" + window);
   columns.push_back(&reduced.IriWindowWave);
-  return WindowLines(record, axis, iri, heads, columns);
+  WindowLines(out, record, axis, iri, heads, columns);
 }
 
-std::vector<std::string> ShortWaveLines(const ProfileRecord& record, const PositionAxis& axis) {
+void ShortWaveLines(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis) {
   const RepairStudyData& study = record.RepairStudy;
   std::vector<PointColumn> columns{{"Profile", record.WorkProfile.span()},
                                    {"S波Profile", record.ThreeWave.ShortWave.Values.span()},
                                    {"S'波Profile", study.ShortReduced.Values.span()}};
   for (std::size_t k = 1; k <= 9; ++k)
     columns.push_back({fmt::format("{}-OCT(S'波)", k), study.ShortReducedBands[k].Values.span()});
-  return PointCsvLines(axis, GeometryOf(record), columns);
+  WritePointCsv(out, axis, GeometryOf(record), columns);
 }
 
-std::vector<std::string> IdealShapeLines(const ProfileRecord& record, const PositionAxis& axis) {
+void IdealShapeLines(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis) {
   const RepairStudyData& study = record.RepairStudy;
   const MWaveOutcome& outcome = ChosenOutcome(record);
   const Array1<double>& m = record.ThreeWave.MiddleWave.Values;
@@ -137,7 +137,7 @@ std::vector<std::string> IdealShapeLines(const ProfileRecord& record, const Posi
   // The ideal shape itself, which this file is named after.
   columns.push_back({"L+M'+S'", study.IdealShape.Wave.Values.span()});
   columns.push_back({"M-M'(厚さ変化)", thickness});
-  return PointCsvLines(axis, GeometryOf(record), columns);
+  WritePointCsv(out, axis, GeometryOf(record), columns);
 }
 
 }  // namespace
@@ -175,16 +175,15 @@ bool IsRepairErdKind(RepairExportKind kind) {
   return kind == RepairExportKind::ShortWave || kind == RepairExportKind::IdealShape;
 }
 
-std::vector<std::string> RepairKindLines(Session& session, RepairExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
-                                         const IriParams& iri) {
+void WriteRepairKindCsv(const LineOut& out, Session& session, RepairExportKind kind, const ProfileRecord& record,
+                        const PositionAxis& axis, const IriParams& iri) {
   switch (kind) {
-    case RepairExportKind::ThreeWaveProfile: return ThreeWaveProfileLines(record, axis);
-    case RepairExportKind::ThreeWaveIri: return ThreeWaveIriLines(session, record, axis, iri);
-    case RepairExportKind::ShortWave: return ShortWaveLines(record, axis);
-    case RepairExportKind::ShortWaveIri: return ShortWaveIriLines(session, record, axis, iri);
-    case RepairExportKind::IdealShape: return IdealShapeLines(record, axis);
+    case RepairExportKind::ThreeWaveProfile: return ThreeWaveProfileLines(out, record, axis);
+    case RepairExportKind::ThreeWaveIri: return ThreeWaveIriLines(out, session, record, axis, iri);
+    case RepairExportKind::ShortWave: return ShortWaveLines(out, record, axis);
+    case RepairExportKind::ShortWaveIri: return ShortWaveIriLines(out, session, record, axis, iri);
+    case RepairExportKind::IdealShape: return IdealShapeLines(out, record, axis);
   }
-  return {};
 }
 
 const Array1<double>& RepairKindValues(RepairExportKind kind, const ProfileRecord& record) {

@@ -9,6 +9,7 @@
 #include "base/session.h"
 #include "profile/profile_record.h"
 #include "report/position_axis.h"
+#include "report/result_csv.h"
 #include "results/iri_types.h"
 
 namespace velmora {
@@ -36,10 +37,10 @@ bool HasRepairResult(RepairExportKind kind, const ProfileRecord& record);
 // Whether the kind is one wave and so may be written as an ERD file (S' and the ideal shape).
 bool IsRepairErdKind(RepairExportKind kind);
 
-// The CSV lines of one profile's file: the distance head, then the kind's columns joined by ", ".
-// `iri` (the study's IRI parameters with their base length in m) is used by the IRI kinds only.
-std::vector<std::string> RepairKindLines(Session& session, RepairExportKind kind, const ProfileRecord& record, const PositionAxis& axis,
-                                         const IriParams& iri);
+// The CSV lines of one profile's file, into `out`: the distance head, then the kind's columns joined
+// by ", ". `iri` (the study's IRI parameters with their base length in m) is used by the IRI kinds only.
+void WriteRepairKindCsv(const LineOut& out, Session& session, RepairExportKind kind, const ProfileRecord& record,
+                        const PositionAxis& axis, const IriParams& iri);
 // The one wave of an ERD kind, mm, 1..n: S' for ShortWave, L + M' + S' for IdealShape.
 const Array1<double>& RepairKindValues(RepairExportKind kind, const ProfileRecord& record);
 

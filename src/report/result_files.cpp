@@ -152,7 +152,9 @@ void WriteRepairResultFiles(Session& session, RepairExportKind kind, bool erd, c
       copy.NumSamplesHeader = copy.NumSamples;
       if (!WriteERD(path, copy)) RaiseFileError(ErrorNumber::PermissionDenied, path, "ERDファイルを書き込めません");
     } else {
-      WriteSystemTextFile(path, RepairKindLines(session, kind, *record, axis, iri));
+      SystemTextWriter file(path);
+      WriteRepairKindCsv([&file](std::string_view line) { file.Line(line); }, session, kind, *record, axis, iri);
+      file.Commit();
     }
     written.push_back(path);
   }
