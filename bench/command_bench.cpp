@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "profile/erd_file.h"
+#include "synthetic_erd.h"
 
 extern char** environ;
 
@@ -28,18 +29,11 @@ const fs::path& Folder() {
   static const fs::path folder = [] {
     const fs::path f = fs::temp_directory_path() / "velmora_command_bench";
     fs::create_directories(f / "home");
-    velmora::ErdRecord rec;
-    rec.NumChannels = 1;
-    rec.NumSamples = kSamples;
-    rec.FormatCode = 5;
-    rec.StepSize = 0.01;
-    rec.Title = "bench";
-    rec.ShortName[1] = "LElev.";
-    rec.Elevation.resize(kSamples);
     std::mt19937_64 random(3);
     std::normal_distribution<double> step(0.0, 0.05);
     double walk = 0;
-    for (std::int32_t i = 1; i <= kSamples; ++i) rec.Elevation[i] = (walk += step(random)) + 2 * std::sin(0.0007 * i);
+    const velmora::ErdRecord rec = velmora::bench::SyntheticErd(
+        kSamples, 0.01, [&](std::int32_t i) { return (walk += step(random)) + 2 * std::sin(0.0007 * i); });
     velmora::WriteERD((f / "road.erd").string(), rec);
     return f;
   }();

@@ -8,6 +8,7 @@
 #include "base/session.h"
 #include "base/user_interaction.h"
 #include "profile/erd_file.h"
+#include "synthetic_erd.h"
 
 namespace {
 
@@ -17,16 +18,8 @@ velmora::Session session;
 constexpr std::int32_t kSamples = 1'000'000;
 
 velmora::ErdRecord SyntheticRecord() {
-  velmora::ErdRecord rec;
-  rec.NumChannels = 1;
-  rec.NumSamples = kSamples;
-  rec.FormatCode = 5;
-  rec.StepSize = 0.1;
-  rec.Title = "bench";
-  rec.ShortName[1] = "LElev.";
-  rec.Elevation.resize(kSamples);
-  for (std::int32_t i = 1; i <= kSamples; ++i) rec.Elevation[i] = 5.0 * std::sin(0.001 * i) + 0.3 * std::sin(0.37 * i);
-  return rec;
+  return velmora::bench::SyntheticErd(kSamples, 0.1,
+                                      [](std::int32_t i) { return 5.0 * std::sin(0.001 * i) + 0.3 * std::sin(0.37 * i); });
 }
 
 const std::string& BenchFile() {

@@ -112,13 +112,9 @@ std::vector<std::string> CliUi::OpenFiles(const FileDialogRequest&) { return {};
 
 // Save and folder dialogs answer with the staging folder: the run's files move to -o when it succeeds.
 std::string CliUi::SaveFile(const FileDialogRequest& request) {
-  std::error_code ec;
-  std::filesystem::create_directories(run_.Staging(), ec);
   return (run_.Staging() / (request.DefaultName.empty() ? "result" : request.DefaultName)).string();
 }
 std::string CliUi::ChooseFolder(const FileDialogRequest&) {
-  std::error_code ec;
-  std::filesystem::create_directories(run_.Staging(), ec);
   return run_.Staging().string();
 }
 

@@ -81,8 +81,6 @@ int RunConvert(const std::vector<std::string>& files, const std::string& output,
   for (const ProfileRecord& profile : session->Bench.List().Items) records.push_back(&profile.Erd);
   std::string name;
   SetCsvTarget(session->Run, output, name);
-  std::error_code ec;
-  std::filesystem::create_directories(session->Run.Staging(), ec);
   WriteProfileCsv(session->Engine, (session->Run.Staging() / name).string(), records);
   return kExitOk;
 }

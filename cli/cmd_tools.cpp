@@ -32,8 +32,6 @@ int WriteOutputs(const CommonOptions& common, const std::optional<std::vector<To
     PrintProblem(run, "", Tr("nothing to write: the range lies outside every profile"));
     return kExitFailed;
   }
-  std::error_code ec;
-  std::filesystem::create_directories(run.Staging(), ec);
   for (const ToolOutput& output : *outputs) {
     WriteERD((run.Staging() / output.FileName).string(), output.Erd);
     run.Result({{"file", output.FileName}, {"samples", output.Erd.NumSamples}});
@@ -76,8 +74,6 @@ int RunImport(const CommonOptions& common, const ImportArgs& args) {
     PrintProblem(session->Run, fmt::format("{}:{}:{}", args.File, cell.Line, cell.Column),
                  Tr(args.Strict ? "\"{}\" is not a number" : "\"{}\" is not a number; read as 0", cell.Text));
   if (args.Strict && !problems.empty()) return kExitFailed;
-  std::error_code ec;
-  std::filesystem::create_directories(session->Run.Staging(), ec);
   // The import writes into the scratch tree's Temp: a move within the tree.
   for (const std::string& file : written)
     std::filesystem::rename(file, session->Run.Staging() / flGetFileName(file));

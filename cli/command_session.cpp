@@ -136,7 +136,6 @@ bool StageProjectProfile(CommandSession& session, const std::string& fileName) {
   namespace fs = std::filesystem;
   const fs::path source = fs::path(ProjectProfileFolder(session.Engine)) / fileName;
   std::error_code ec;
-  fs::create_directories(session.Run.Staging(), ec);
   fs::copy_file(source, session.Run.Staging() / fileName, fs::copy_options::overwrite_existing, ec);
   if (ec) PrintProblem(session.Run, source.string(), ec.message());
   return !ec;

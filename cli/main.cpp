@@ -141,6 +141,7 @@ int main(int argc, char** argv) {
   }
   try {
     run.Scratch = MakeScratchTree();
+    std::filesystem::create_directory(run.Staging());
   } catch (const std::exception& error) {
     PrintProblem(run, "", error.what());
     return kExitFailed;

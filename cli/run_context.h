@@ -34,7 +34,8 @@ struct RunContext {
   nlohmann::json Results = nlohmann::json::array();
   std::vector<std::string> Written;  // final paths, in order
 
-  // Where the engine's save and folder dialogs point: files wait here until the run has succeeded.
+  // Where the engine's save and folder dialogs point (made with the scratch tree): files wait here
+  // until the run has succeeded.
   std::filesystem::path Staging() const { return Scratch / "Output"; }
   // A line of the command's text output on stdout (none with --json, which prints one object).
   void Say(const std::string& line) const;

@@ -1,6 +1,5 @@
 #include "run_files.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,31 +21,19 @@ std::runtime_error Failure(const fs::path& path, const std::string& why) {
   return std::runtime_error(path.string() + ": " + why);
 }
 
-// Copies `file` into a new hidden file in `folder`; its path.
+// Copies `file` into a new hidden file in `folder` (its name taken with mkstemp); its path.
 fs::path CopyBeside(const fs::path& file, const fs::path& folder) {
   std::string pattern = (folder / ".velmora-XXXXXX").string();
-  const int out = ::mkstemp(pattern.data());
-  if (out < 0) throw Failure(folder, std::strerror(errno));
-  const fs::path temp(pattern);
-  std::ifstream in(file, std::ios::binary);
-  char buffer[1 << 16];
-  bool ok = static_cast<bool>(in);
-  while (ok && in) {
-    in.read(buffer, sizeof buffer);
-    for (std::streamsize done = 0, n = in.gcount(); ok && done < n;) {
-      const ssize_t wrote = ::write(out, buffer + done, static_cast<std::size_t>(n - done));
-      if (wrote < 0 && errno != EINTR) ok = false;
-      if (wrote > 0) done += wrote;
-    }
+  const int reserved = ::mkstemp(pattern.data());
+  if (reserved < 0) throw Failure(folder, std::strerror(errno));
+  ::close(reserved);
+  std::error_code ec;
+  fs::copy_file(file, pattern, fs::copy_options::overwrite_existing, ec);
+  if (ec) {
+    ::unlink(pattern.c_str());
+    throw Failure(folder / file.filename(), ec.message());
   }
-  const int error = errno;
-  ok = ok && ::fsync(out) == 0;
-  ::close(out);
-  if (!ok) {
-    ::unlink(temp.c_str());
-    throw Failure(temp.parent_path() / file.filename(), std::strerror(error ? error : EIO));
-  }
-  return temp;
+  return pattern;
 }
 
 fs::path Numbered(const fs::path& target, int k) {

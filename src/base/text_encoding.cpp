@@ -157,23 +157,9 @@ std::vector<std::string> ReadSystemTextLines(const std::filesystem::path& path) 
 }
 
 void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_view bytes) {
-  const std::string temp = TempNameBeside(path);
-  std::FILE* file = std::fopen(temp.c_str(), "wb");
-  if (!file) RaiseFileError(ErrorNumber::PathNotFound, path.string(), std::strerror(errno));
-  bool ok = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-  ok = (std::fflush(file) == 0) && ok;
-  ok = (::fsync(::fileno(file)) == 0) && ok;
-  const int saved = errno;
-  ok = (std::fclose(file) == 0) && ok;
-  if (!ok) {
-    std::remove(temp.c_str());
-    RaiseFileError(ErrorNumber::DiskFull, path.string(), std::strerror(saved));
-  }
-  if (std::rename(temp.c_str(), path.c_str()) != 0) {
-    const int err = errno;
-    std::remove(temp.c_str());
-    RaiseFileError(ErrorNumber::PermissionDenied, path.string(), std::strerror(err));
-  }
+  SystemTextWriter file(path);
+  file.Bytes(bytes);
+  file.Commit();
 }
 
 void WriteSystemTextFile(const std::filesystem::path& path, const std::vector<std::string>& lines) {
@@ -202,6 +188,14 @@ void SystemTextWriter::Line(std::string_view utf8) {
   AppendSystemCodePage(utf8, buffer_);
   buffer_ += "\r\n";
   if (buffer_.size() >= kWriteBuffer) Flush();
+}
+
+void SystemTextWriter::Bytes(std::string_view bytes) {
+  Flush();
+  if (!failed_ && std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) {
+    failed_ = true;
+    error_ = errno;
+  }
 }
 
 void SystemTextWriter::Flush() {

@@ -37,6 +37,7 @@ class SystemTextWriter {
   SystemTextWriter& operator=(const SystemTextWriter&) = delete;
 
   void Line(std::string_view utf8);
+  void Bytes(std::string_view bytes);  // as they are, for files that are not text (ERD writes)
   void Commit();
 
  private:

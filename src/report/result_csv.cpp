@@ -56,11 +56,6 @@ std::vector<std::string> CollectLines(const std::function<void(const LineOut&)>&
   return lines;
 }
 
-std::vector<std::string> PointCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
-                                         const std::vector<PointColumn>& columns) {
-  return CollectLines([&](const LineOut& out) { WritePointCsv(out, axis, geometry, columns); });
-}
-
 std::vector<std::string> SectionCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
                                            const std::vector<std::string>& heads,
                                            const std::vector<SectionRow>& rows) {

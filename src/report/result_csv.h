@@ -47,8 +47,6 @@ std::vector<std::string> CollectLines(const std::function<void(const LineOut&)>&
 // longest column: position of the sample by the axis, then the values.
 void WritePointCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
                    const std::vector<PointColumn>& columns);
-std::vector<std::string> PointCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry,
-                                         const std::vector<PointColumn>& columns);
 
 // One section of a section table: its ends in km (KP) and its values.
 struct SectionRow {

@@ -23,6 +23,11 @@ namespace velmora {
 namespace {
 
 using Lines = std::vector<std::string>;
+
+Lines PointCsvLines(const PositionAxis& axis, const ProfileGeometry& geometry, const std::vector<PointColumn>& columns) {
+  return CollectLines([&](const LineOut& out) { WritePointCsv(out, axis, geometry, columns); });
+}
+
 const PositionAxis kZero, kKpKm{PositionMode::Kp, KpUnit::Km, false}, kKpM{PositionMode::Kp, KpUnit::M, false};
 
 TEST(PositionAxis, ZeroBasedAndKpForwardAndBackward) {
