@@ -44,8 +44,10 @@ const char* AnswerWord(MsgAnswer answer) {
 CliUi::CliUi(const CommonOptions& options, RunContext& run)
     : options_(options), run_(run), terminal_(::isatty(STDERR_FILENO) != 0) {}
 
-void CliUi::Problem(const std::string& text) {
-  std::string what, why;
+namespace {
+
+// A message box's text as one line: the file its "ファイル名：" line names, and the rest translated.
+void FileAndReason(const std::string& text, std::string& what, std::string& why) {
   for (const std::string& line : LinesOf(text)) {
     bool file = false;
     for (const char* label : kFileLabels)
@@ -56,6 +58,13 @@ void CliUi::Problem(const std::string& text) {
       }
     if (!file) why += (why.empty() ? "" : " ") + TrEngine(line);
   }
+}
+
+}  // namespace
+
+void CliUi::Problem(const std::string& text) {
+  std::string what, why;
+  FileAndReason(text, what, why);
   // Inside a flag check, the flag whose caption comes first in the text is the one at fault.
   const FlagCaption* flag = nullptr;
   std::size_t first = std::string::npos;
@@ -63,7 +72,8 @@ void CliUi::Problem(const std::string& text) {
     const std::size_t at = candidate.Caption.empty() ? text.size() : text.find(candidate.Caption);
     if (at != std::string::npos && (flag == nullptr || at < first)) flag = &candidate, first = at;
   }
-  if (flag) {
+  // A text that names a file is about the file, not about a flag.
+  if (flag && what.empty()) {
     what = flag->Unit.empty() ? flag->Flag : flag->Flag + " (" + flag->Unit + ")";
     run_.UsageError = true;
   }
@@ -79,7 +89,9 @@ MsgAnswer CliUi::Message(const std::string& text, const std::string& title, MsgI
     if (icon == MsgIcon::Information || icon == MsgIcon::None) {
       if (!options_.Quiet) {
         EndBar();
-        PrintProblem(run_, "", TrEngine(text));
+        std::string what, why;
+        FileAndReason(text, what, why);
+        PrintProblem(run_, what, why);
       }
       return MsgAnswer::Ok;
     }

@@ -16,6 +16,7 @@ constexpr const char* kDomain = "velmora";
 
 // Engine lines that carry values; the English catalogue translates each pattern as a whole.
 constexpr const char* kEnginePatterns[] = {
+    "{}: {}",  // a file error: the file, then what is wrong with it
     "{} 以上で指定して下さい。",
     "{} 以下で指定して下さい。",
     "０ < [最大ずらし量] <= {}　の範囲で指定してください",
@@ -26,6 +27,14 @@ constexpr const char* kEnginePatterns[] = {
     "データ開始列（終了位置）は {} 以上で指定してください",
     "CSV出力は {} プロファイルまでです。",
     "先頭の {} プロファイルを出力します。",
+    "{} 行目の Shift-JIS として読めないバイトを � に置き換えました。",
+    "{} 行目の値 \"{}\" は mm にすると扱える範囲を超えます。",
+    "ピッチ {} m は使えません (0.000001 m 以上の有限の数が必要です)。",
+    "{} 行目 {} 列の値 \"{}\" は有限の数ではありません。",
+    "{} 行目が長すぎます ({} バイトを超えています)。",
+    "サンプルが {} 個を超えています。",
+    "オーバーフローしました。 (2 行目 \"{}\")",
+    "プロファイルが短すぎて IRI を計算できません ({} サンプル)。",
     "{} ： {}",
 };
 

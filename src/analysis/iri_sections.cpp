@@ -108,10 +108,12 @@ void AppendUnitTable(const Array1<SectionEntry>& units, std::vector<std::string>
 bool CheckIriLength(Session& session, std::string_view text, std::span<ProfileRecord* const> list, double& value) {
   double largestPitch = 0, lastPitch = 0;
   std::int32_t smallestUsable = std::numeric_limits<std::int32_t>::max();
+  const ProfileRecord* shortest = nullptr;
   for (const ProfileRecord* profile : list) {
     const double pitch = 1.0 / profile->SamplesPerMetre;
     const std::int32_t usable = profile->WorkCount - IriBaseSamples(kIriSlopeBaseLength, pitch);
     largestPitch = std::max(largestPitch, pitch);
+    if (usable < smallestUsable) shortest = profile;
     smallestUsable = std::min(smallestUsable, usable);
     lastPitch = pitch;
   }
@@ -131,6 +133,12 @@ bool CheckIriLength(Session& session, std::string_view text, std::span<ProfileRe
   }
   // The shortest profile's count times the last profile's pitch: only differs with mixed pitches.
   const double limit = (static_cast<double>(smallestUsable) - 1) * lastPitch;
+  if (shortest && limit < largestPitch) {
+    // No length would do: say which profile is too short rather than ask for a negative length.
+    Warn(session, fmt::format("プロファイルが短すぎて IRI を計算できません ({} サンプル)。\r\n\r\nファイル名：{}",
+                              shortest->WorkCount, shortest->FileName));
+    return false;
+  }
   if (!list.empty() && *parsed > limit) {
     Warn(session, NumberText(limit) + " 以下で指定して下さい。");
     return false;

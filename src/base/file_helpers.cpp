@@ -1,12 +1,15 @@
 #include "base/file_helpers.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
 #include <fmt/format.h>
 
 #include "base/legacy_error.h"
+#include "base/line_reader.h"
+#include "base/text_encoding.h"
 #include "base/path_helpers.h"
 
 namespace velmora {
@@ -49,19 +52,23 @@ bool Match(std::string_view name, std::string_view pattern) {
   RaiseFileError(number, path.string(), fmt::format("{} ({})", what, ec.message()));
 }
 
+// Through the one atomic writer: a copy that fails midway leaves the old target whole.
 void CopyOver(const fs::path& from, const fs::path& to) {
-  const fs::path temp = to.string() + ".copying";
-  std::error_code ec;
-  if (!fs::copy_file(from, temp, fs::copy_options::overwrite_existing, ec)) {
-    fs::remove(temp, ec);
-    Fail(ErrorNumber::PathNotFound, to, "ファイルをコピーできません。", ec);
+  CheckReadableFile(from);
+  std::FILE* in = std::fopen(from.c_str(), "rb");
+  if (!in) RaiseFileError(ErrorNumber::PermissionDenied, from.string(), "ファイルを開けません。");
+  try {
+    SystemTextWriter out(to);
+    std::string chunk(std::size_t{1} << 16, '\0');
+    for (std::size_t got; (got = std::fread(chunk.data(), 1, chunk.size(), in)) > 0;)
+      out.Bytes(std::string_view(chunk.data(), got));
+    if (std::ferror(in)) RaiseFileError(ErrorNumber::InvalidData, from.string(), "ファイルを読めません。");
+    out.Commit();
+  } catch (...) {
+    std::fclose(in);
+    throw;
   }
-  fs::rename(temp, to, ec);
-  if (ec) {
-    std::error_code ignored;
-    fs::remove(temp, ignored);
-    Fail(ErrorNumber::PermissionDenied, to, "ファイルを置き換えられません。", ec);
-  }
+  std::fclose(in);
 }
 
 void FindAll(const fs::path& folder, std::string_view pattern, std::vector<std::string>& found) {

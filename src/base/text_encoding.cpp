@@ -1,5 +1,6 @@
 #include "base/text_encoding.h"
 
+#include <fcntl.h>
 #include <iconv.h>
 #include <unistd.h>
 
@@ -14,6 +15,7 @@
 #include <fmt/format.h>
 
 #include "base/legacy_error.h"
+#include "base/line_reader.h"
 
 namespace velmora {
 namespace {
@@ -67,9 +69,17 @@ std::size_t Utf8SequenceLength(unsigned char lead) {
   return 1;
 }
 
-std::string TempNameBeside(const std::filesystem::path& path) {
+// A new file beside `path` under a name no other file has, created exclusively so that two writers
+// can never share it; the name is returned in `name`.
+std::FILE* CreateTempBeside(const std::filesystem::path& path, std::string& name) {
   static thread_local std::mt19937_64 random{std::random_device{}()};
-  return path.string() + fmt::format(".tmp{:08x}", static_cast<unsigned>(random()));
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    name = path.string() + fmt::format(".tmp{:08x}", static_cast<unsigned>(random()));
+    const int fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd >= 0) return ::fdopen(fd, "wb");
+    if (errno != EEXIST) break;
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -116,11 +126,24 @@ std::string ToSystemCodePage(std::string_view utf8) {
   return result;
 }
 
+namespace {
+
+bool IsAscii(std::string_view bytes) {
+  return std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+Converter& FromCp932() {
+  static thread_local Converter converter("UTF-8", "CP932");
+  return converter;
+}
+
+}  // namespace
+
 std::string FromSystemCodePage(std::string_view cp932, std::string_view source) {
-  Converter converter("UTF-8", "CP932");
+  if (IsAscii(cp932)) return std::string(cp932);
   std::string result;
   std::size_t consumed = 0;
-  if (!converter.Convert(cp932, result, consumed)) {
+  if (!FromCp932().Convert(cp932, result, consumed)) {
     throw LegacyError(ErrorNumber::InvalidData,
                       fmt::format("{}: Shift-JIS として読めないバイトがあります (オフセット {}: 0x{:02X})",
                                   source.empty() ? "(text)" : source, consumed,
@@ -129,30 +152,35 @@ std::string FromSystemCodePage(std::string_view cp932, std::string_view source) 
   return result;
 }
 
-std::string ReadFileBytes(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) {
-    std::error_code ec;
-    bool exists = std::filesystem::exists(path, ec);
-    RaiseFileError(exists ? ErrorNumber::PermissionDenied : ErrorNumber::FileNotFound, path.string(),
-                   exists ? "ファイルを開けません。" : "ファイルが見つかりません。");
+std::string FromSystemCodePageReplacing(std::string_view cp932, bool& replaced) {
+  replaced = false;
+  if (IsAscii(cp932)) return std::string(cp932);
+  std::string result, part;
+  while (!cp932.empty()) {
+    std::size_t consumed = 0;
+    const bool whole = FromCp932().Convert(cp932, part, consumed);
+    result += part;
+    if (whole) break;
+    result += "\xEF\xBF\xBD";  // U+FFFD REPLACEMENT CHARACTER
+    replaced = true;
+    cp932.remove_prefix(consumed + 1);
   }
+  return result;
+}
+
+std::string ReadFileBytes(const std::filesystem::path& path) {
+  CheckReadableFile(path);
+  std::ifstream in(path, std::ios::binary);
+  if (!in) RaiseFileError(ErrorNumber::PermissionDenied, path.string(), "ファイルを開けません。");
   std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   if (in.bad()) RaiseFileError(ErrorNumber::InvalidData, path.string(), "ファイルを読めません。");
   return bytes;
 }
 
 std::vector<std::string> ReadSystemTextLines(const std::filesystem::path& path) {
-  const std::string text = FromSystemCodePage(ReadFileBytes(path), path.string());
+  LineReader reader(path);
   std::vector<std::string> lines;
-  std::size_t start = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '\r' && text[i] != '\n') continue;
-    lines.emplace_back(text, start, i - start);
-    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
-    start = i + 1;
-  }
-  if (start < text.size()) lines.emplace_back(text, start);
+  while (const auto line = reader.Next()) lines.push_back(FromSystemCodePage(*line, path.string()));
   return lines;
 }
 
@@ -173,7 +201,7 @@ constexpr std::size_t kWriteBuffer = 1 << 16;
 }
 
 SystemTextWriter::SystemTextWriter(std::filesystem::path path)
-    : path_(std::move(path)), temp_(TempNameBeside(path_)), file_(std::fopen(temp_.c_str(), "wb")) {
+    : path_(std::move(path)), file_(CreateTempBeside(path_, temp_)) {
   if (!file_) RaiseFileError(ErrorNumber::PathNotFound, path_.string(), std::strerror(errno));
   buffer_.reserve(kWriteBuffer + 256);
 }

@@ -16,10 +16,13 @@ void AppendSystemCodePage(std::string_view utf8, std::string& out);
 // CP932 → UTF-8. Invalid bytes raise LegacyError(InvalidData) naming `source` (a file name) and the
 // byte offset.
 std::string FromSystemCodePage(std::string_view cp932, std::string_view source = {});
+// The same for texts where a stray byte must not cost the whole file (header lines, titles): a byte
+// that is not Shift-JIS becomes U+FFFD, and `replaced` tells whether any did.
+std::string FromSystemCodePageReplacing(std::string_view cp932, bool& replaced);
 
-// The whole file as UTF-8 lines. Lines end at CR LF, LF or a lone CR; the ending is not kept, and a
-// final line ending does not make an extra empty line. A missing or unreadable file raises
-// LegacyError naming the file.
+// The whole file as UTF-8 lines, read line by line. Lines end at CR LF, LF or a lone CR; the ending is
+// not kept, and a final line ending does not make an extra empty line. A missing, unreadable or folder
+// path, or a line longer than kMaxLineBytes, raises LegacyError naming the file.
 std::vector<std::string> ReadSystemTextLines(const std::filesystem::path& path);
 
 // Writes the lines, each followed by CR LF, in CP932. The file is written beside its target and then

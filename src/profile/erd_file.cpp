@@ -8,6 +8,7 @@
 
 #include "base/legacy_format.h"
 #include "base/legacy_math.h"
+#include "base/line_reader.h"
 #include "base/number_helpers.h"
 #include "base/session.h"
 #include "base/text_encoding.h"
@@ -17,31 +18,9 @@ namespace velmora {
 namespace {
 
 constexpr int kMaxHeaderLines = 100;
+// The signature line must end within this many bytes, or the file is not an ERD file.
+constexpr std::size_t kSignatureWithin = 64 * 1024;
 constexpr std::string_view kCrLf = "\r\n";
-
-// Walks a byte buffer line by line. Lines end at CR LF, LF or a lone CR; a final line end does not
-// make an extra empty line, as the legacy Line Input saw the file.
-class LineCursor {
- public:
-  explicit LineCursor(std::string_view bytes) : bytes_(bytes) {}
-  bool AtEnd() const { return pos_ >= bytes_.size(); }
-  long LineNumber() const { return line_; }  // 1-based number of the line last returned
-  std::string_view Next() {
-    const std::size_t start = pos_;
-    std::size_t i = start;
-    while (i < bytes_.size() && bytes_[i] != '\r' && bytes_[i] != '\n') ++i;
-    const std::string_view line = bytes_.substr(start, i - start);
-    if (i < bytes_.size()) i += (bytes_[i] == '\r' && i + 1 < bytes_.size() && bytes_[i + 1] == '\n') ? 2 : 1;
-    pos_ = i;
-    ++line_;
-    return line;
-  }
-
- private:
-  std::string_view bytes_;
-  std::size_t pos_ = 0;
-  long line_ = 0;
-};
 
 std::string_view TrimBlanks(std::string_view text) {
   while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
@@ -153,27 +132,53 @@ double HeightFactor(const std::string& unitsName) {
   return 1.0;
 }
 
+// A count of the second header line. A value outside 32 bits overflows as the legacy CLng did, but
+// the message names the file.
+std::int32_t HeaderLong(const std::string& token, const std::string& path) {
+  const auto value = ParseNumber(token);
+  if (value && !(std::fabs(*value) < 2147483647.5))
+    RaiseFileError(ErrorNumber::Overflow, path, fmt::format("オーバーフローしました。 (2 行目 \"{}\")", Trim(token)));
+  return uLongVal(token);
+}
+
 // "######0": the integer right-aligned in seven columns.
 std::string Right7(double value) { return uFormatRight(value, "######0"); }
 
 }  // namespace
 
 bool ReadERD(Session& session, const std::string& path, ErdRecord& rec) {
-  std::error_code ec;
-  if (std::filesystem::is_directory(path, ec))
-    RaiseFileError(ErrorNumber::PermissionDenied, path, "ファイルではなくフォルダです。");
-  const std::string bytes = ReadFileBytes(path);
-  LineCursor lines(bytes);
-  auto nextText = [&] { return lines.AtEnd() ? std::string() : FromSystemCodePage(lines.Next(), path); };
-
-  if (Trim(nextText()) != kErdSignature) {
+  LineReader lines(path);
+  // The signature is ASCII and compared on the bytes, so that a binary file, a byte-order mark or a
+  // file without a line end in its first 64 KB gets the format's own message.
+  std::optional<std::string_view> first;
+  try {
+    first = lines.Next(kSignatureWithin);
+  } catch (const LineTooLong&) {
+    first.reset();
+  }
+  if (!first || TrimBlanks(*first) != kErdSignature) {
     ShowReadError(session, "指定されたファイルは ERD フォマットではありません。", path);
     return false;
   }
-  const std::vector<std::string> tokens = uToken(nextText(), ",", 7);
-  rec.NumChannels = uLongVal(tokens[0]);
-  rec.NumSamplesHeader = uLongVal(tokens[1]);
-  rec.FormatCode = uLongVal(tokens[4]);
+  bool warned = false;
+  auto nextText = [&]() -> std::optional<std::string> {
+    const auto line = lines.Next();
+    if (!line) return std::nullopt;
+    bool replaced = false;
+    std::string text = FromSystemCodePageReplacing(*line, replaced);
+    if (replaced && !warned) {
+      warned = true;
+      session.Ui().Inform(fmt::format("{} 行目の Shift-JIS として読めないバイトを \uFFFD に置き換えました。\r\n\r\nファイル名：{}",
+                                      lines.LineNumber(), path),
+                          "読み込み警告", MsgIcon::Information);
+    }
+    return text;
+  };
+
+  const std::vector<std::string> tokens = uToken(nextText().value_or(""), ",", 7);
+  rec.NumChannels = HeaderLong(tokens[0], path);
+  rec.NumSamplesHeader = HeaderLong(tokens[1], path);
+  rec.FormatCode = HeaderLong(tokens[4], path);
   rec.StepSize = uDblVal(tokens[5]);
   if (rec.FormatCode != 5) {
     ShowReadError(session, "Data not stored in correct format.", path);
@@ -188,9 +193,11 @@ bool ReadERD(Session& session, const std::string& path, ErdRecord& rec) {
     return false;
   }
 
-  for (int n = 0; n < kMaxHeaderLines && !lines.AtEnd(); ++n) {
+  for (int n = 0; n < kMaxHeaderLines; ++n) {
+    const auto text = nextText();
+    if (!text) break;
     std::string key, value;
-    SplitHeaderLine(nextText(), key, value);
+    SplitHeaderLine(*text, key, value);
     if (key == "END") break;
     const std::string upperKey = UCase(key);
     if (upperKey == "TITLE") ReadTitle(value, rec);
@@ -202,19 +209,35 @@ bool ReadERD(Session& session, const std::string& path, ErdRecord& rec) {
   }
 
   rec.StepSize *= DistanceFactor(rec.DistanceUnit);
+  if (!IsWritablePitch(rec.StepSize)) {
+    ShowReadError(session, fmt::format("ピッチ {} m は使えません (0.000001 m 以上の有限の数が必要です)。", rec.StepSize), path);
+    return false;
+  }
   const double heightFactor = HeightFactor(rec.UnitsName[1]);
 
-  // One pass over the rest of the buffer. The legacy array grew by 1,000 at a time; a vector sized
-  // from the bytes left gives the same contents without the copies.
+  // One pass over the rest of the file. The legacy array grew by 1,000 at a time; the vector is
+  // sized from the declared count, bounded by what the file's bytes can hold.
   std::vector<double>& samples = rec.Elevation.vector();
   samples.clear();
-  samples.reserve((bytes.size() / 12) + 1);
-  while (!lines.AtEnd()) {
-    const std::string_view trimmed = TrimBlanks(lines.Next());
+  const std::uintmax_t fits = lines.FileSize() / 2 + 1;
+  samples.reserve(static_cast<std::size_t>(std::min<std::uintmax_t>(
+      {static_cast<std::uintmax_t>(std::max(rec.NumSamplesHeader, 0)), fits, kMaxProfileSamples})));
+  while (const auto line = lines.Next()) {
+    const std::string_view trimmed = TrimBlanks(*line);
     if (trimmed.empty()) continue;
-    samples.push_back(ParseSample(trimmed, path, lines.LineNumber()) * heightFactor);
+    if (samples.size() == kMaxProfileSamples) {
+      RaiseFileError(ErrorNumber::InvalidData, path,
+                     fmt::format("サンプルが {} 個を超えています。", FormatNumber(kMaxProfileSamples, "#,##0")));
+    }
+    const double value = ParseSample(trimmed, path, lines.LineNumber()) * heightFactor;
+    if (!IsWritableElevation(value)) {
+      RaiseFileError(ErrorNumber::InvalidData, path,
+                     fmt::format("{} 行目の値 \"{}\" は mm にすると扱える範囲を超えます。", lines.LineNumber(),
+                                 std::string(trimmed.substr(0, 60))));
+    }
+    samples.push_back(value);
   }
-  samples.shrink_to_fit();
+  if (samples.capacity() > samples.size() + samples.size() / 8) samples.shrink_to_fit();
   rec.NumSamples = CheckedI32(static_cast<long long>(samples.size()));
 
   const std::string unit = UCase(rec.DistanceUnit);
@@ -271,7 +294,16 @@ std::vector<std::string> ErdHeaderLines(const ErdRecord& rec) {
 
 std::string ErdSampleText(double elevation) { return FormatNumber(elevation, "0.00000000") + " "; }
 
+bool IsWritablePitch(double pitch) { return std::isfinite(pitch) && pitch >= 0.0000005; }
+
+// The writer keeps 15 significant digits, as the legacy format did: the largest such number below the
+// largest double is the largest elevation that reads back.
+bool IsWritableElevation(double elevation) { return std::fabs(elevation) <= 1.79769313486231e308; }
+
 bool WriteERD(const std::string& path, const ErdRecord& rec) {
+  // Nothing is written that the reader would refuse.
+  if (!IsWritablePitch(rec.StepSize))
+    RaiseFileError(ErrorNumber::InvalidData, path, fmt::format("ピッチ {} m は書き込めません。", rec.StepSize));
   std::string header;
   for (const std::string& line : ErdHeaderLines(rec)) {
     header += line;
@@ -283,6 +315,8 @@ bool WriteERD(const std::string& path, const ErdRecord& rec) {
     RaiseSubscriptOutOfRange(fmt::format("{}: {} / {}", path, rec.NumSamples, rec.Elevation.size()));
   bytes.reserve(bytes.size() + static_cast<std::size_t>(count) * 16);
   for (std::ptrdiff_t i = 1; i <= count; ++i) {
+    if (!IsWritableElevation(rec.Elevation[i]))
+      RaiseFileError(ErrorNumber::InvalidData, path, fmt::format("{} 番目の標高 {} は書き込めません。", i, rec.Elevation[i]));
     bytes += ErdSampleText(rec.Elevation[i]);
     bytes += kCrLf;
   }
@@ -298,19 +332,20 @@ bool UpdateERD(Session& session, const std::string& path, const std::string& new
     return false;
   }
   try {
-    const std::string bytes = ReadFileBytes(path);
     const std::string titleLine = ToSystemCodePage("TITLE   " + newTitle);
-    std::string updated;
-    updated.reserve(bytes.size() + titleLine.size());
-    LineCursor lines(bytes);
-    while (!lines.AtEnd()) {
-      const std::string_view line = lines.Next();
+    // Read line by line and written beside the file, then renamed over it: a failure leaves the
+    // original in place.
+    LineReader lines(path);
+    SystemTextWriter out(path);
+    std::string chunk;
+    while (const auto line = lines.Next()) {
       // The key is ASCII, so its first eight bytes decide as the first eight characters would.
-      updated += TrimBlanks(line.substr(0, 8)) == "TITLE" ? std::string_view(titleLine) : line;
-      updated += kCrLf;
+      chunk += TrimBlanks(line->substr(0, 8)) == "TITLE" ? std::string_view(titleLine) : *line;
+      chunk += kCrLf;
+      if (chunk.size() >= (1 << 16)) out.Bytes(chunk), chunk.clear();
     }
-    // Written beside the file and renamed over it: a failure leaves the original in place.
-    WriteFileBytesAtomically(path, updated);
+    out.Bytes(chunk);
+    out.Commit();
   } catch (const std::exception& error) {
     session.Ui().Message(fmt::format("{}\r\nUpdateERD", error.what()), "", MsgIcon::Critical, MsgButtons::Ok, MsgAnswer::Ok);
     return false;

@@ -16,14 +16,26 @@ namespace velmora {
 // The separator of the TITLE fields (full-width vertical bar, 0x8162 in Shift-JIS).
 inline constexpr std::string_view kTitleSeparator = "｜";
 inline constexpr std::string_view kErdSignature = "ERDFILEV2.00";
+// More samples than this is not a road profile but a broken or hostile file.
+inline constexpr std::size_t kMaxProfileSamples = 100'000'000;
 
-// Reads an ERD file into `rec`. Header errors (signature, format code, channel count, step size) are
-// shown as "読み込みエラー" messages and give false, leaving `rec` partly filled. An unreadable file
-// or a data line that is not one number raises LegacyError naming the file (and the line).
+// Reads an ERD file into `rec`, line by line (memory: the samples and one line buffer). Header errors
+// (signature, format code, channel count, step size, a pitch the writer could not write back) are shown
+// as "読み込みエラー" messages and give false, leaving `rec` partly filled. Header bytes that are not
+// Shift-JIS become U+FFFD with one warning. An unreadable file, a data line that is not one number or
+// not finite in mm, a line over kMaxLineBytes or more than kMaxProfileSamples samples raise LegacyError
+// naming the file (and the line).
 bool ReadERD(Session& session, const std::string& path, ErdRecord& rec);
 
+// A pitch (m) that WriteERD's "0.000000" writes as a positive number that reads back.
+bool IsWritablePitch(double pitch);
+// An elevation (mm) that WriteERD writes as a number that reads back: finite, and within what its 15
+// significant digits can carry.
+bool IsWritableElevation(double elevation);
+
 // Writes `rec` in the program's layout: NumSamples elevations of `Elevation` (mm, 1-based), pitch in m.
-// The file is replaced atomically; failure raises LegacyError naming the file. Returns true.
+// The file is replaced atomically; failure, a pitch that is not writable or an elevation that is not
+// finite raises LegacyError naming the file, and the old file stays. Returns true.
 bool WriteERD(const std::string& path, const ErdRecord& rec);
 
 // Replaces the TITLE line of an existing ERD file by "TITLE   " + newTitle; the other lines are kept.

@@ -1,12 +1,16 @@
 #include "profile/text_import.h"
 
-#include <tuple>
-
 #include <algorithm>
+#include <cmath>
+#include <tuple>
+#include <unordered_set>
+
+#include <fmt/format.h>
 
 #include "base/app_paths.h"
 #include "base/common.h"
 #include "base/error_log.h"
+#include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/path_helpers.h"
 #include "base/settings_io.h"
@@ -92,6 +96,8 @@ ImportPreview BuildImportPreview(const std::string& path, const ImportOptions& o
 std::int32_t CheckImport(Session& session, const ImportPreview& preview, const ImportOptions& options) {
   if (Trim(options.Pitch).empty()) return Fail(session, "ピッチが指定されていません。"), 0;
   if (!IsNumeric(options.Pitch)) return Fail(session, "数値で指定してください。"), 0;
+  // A pitch the ERD file could not hold would only fail later, on a scratch file.
+  if (!IsWritablePitch(uDblVal(options.Pitch))) return Fail(session, "ピッチは 0.000001 m 以上の数で指定してください。"), 0;
   const ImportRange r = RangeOf(preview, options);
   if (r.FirstRow < 1) return Fail(session, "データ開始行（開始位置）は１以上で指定してください"), 1;
   if (r.FirstColumn < 1) return Fail(session, "データ開始列（開始位置）は１以上で指定してください"), 3;
@@ -143,7 +149,8 @@ std::vector<std::string> WriteImportedProfiles(Session& session, const std::stri
   const ImportRange r = RangeOf(preview, options);
   const std::string base = flGetFileNameNonExt(path);
   const bool several = r.LastColumn > r.FirstColumn;
-  std::vector<std::string> written, names;
+  std::vector<std::string> written;
+  std::unordered_set<std::string> names;  // made by this run, upper case
   for (std::int32_t c = r.FirstColumn; c <= r.LastColumn; ++c) {
     ErdRecord rec;
     rec.NumChannels = 1;
@@ -161,7 +168,15 @@ std::vector<std::string> WriteImportedProfiles(Session& session, const std::stri
                     : flGetFileName(path);
 
     std::vector<double> samples;
-    ForEachSampleCell(preview, r, c, [&](std::int32_t, const std::string& cell) { samples.push_back(uDblVal(cell)); });
+    ForEachSampleCell(preview, r, c, [&](std::int32_t row, const std::string& cell) {
+      const double value = uDblVal(cell);
+      if (!IsWritableElevation(value)) {
+        RaiseFileError(ErrorNumber::InvalidData, path,
+                       fmt::format("{} 行目 {} 列の値 \"{}\" は有限の数ではありません。", row + (options.Header ? 1 : 0), c,
+                                   cell.substr(0, 60)));
+      }
+      samples.push_back(value);
+    });
     rec.Elevation = Array1<double>(std::move(samples));
     rec.NumSamples = static_cast<std::int32_t>(rec.Elevation.size());
     rec.NumSamplesHeader = rec.NumSamples;
@@ -172,10 +187,10 @@ std::vector<std::string> WriteImportedProfiles(Session& session, const std::stri
       // number is used.
       for (std::int32_t n = c, tries = 0; tries < 999; ++n, ++tries) {
         name = base + "(" + FormatNumber(n, "000") + ")";
-        if (list.Find(name) == 0 && std::find(names.begin(), names.end(), UCase(name)) == names.end()) break;
+        if (list.Find(name) == 0 && !names.contains(UCase(name))) break;
       }
     }
-    names.push_back(UCase(name));
+    names.insert(UCase(name));
     const std::string file = flAddDirSep(session.Paths.TempPath) + name + ".ERD";
     WriteERD(file, rec);
     written.push_back(file);
