@@ -126,7 +126,11 @@ ChannelFormat DetectChannelFormat(const std::string& path) {
   if (lines.empty()) return ChannelFormat::None;
   const std::string first = TrimAll(lines[0]);
   if (first == kErdSignature) return ChannelFormat::Erd;
-  if (first.starts_with("HEAD") && first.find(',') != std::string::npos) return ChannelFormat::Pro;
+  // "HEAD3,<date>,...": the record name HEAD with its version number.
+  const std::string_view record = std::string_view(first).substr(0, first.find(','));
+  if (record.size() > 4 && record.starts_with("HEAD") &&
+      record.find_first_not_of("0123456789", 4) == std::string_view::npos)
+    return ChannelFormat::Pro;
   return ChannelFormat::None;
 }
 

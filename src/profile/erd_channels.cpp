@@ -91,7 +91,7 @@ ChannelFile ReadErdChannels(const std::string& path, std::string_view bytes) {
   file.Path = path;
   file.Format = "ERD";
   file.ChannelLine = 2;
-  if (lines.size() < 2) throw ChannelFileError(path, LineNumber(lines.size()), "ヘッダーが途中で終わっています");
+  if (lines.size() < 2) throw ChannelFileError(path, static_cast<std::int32_t>(lines.size()), "ヘッダーが途中で終わっています");
   ErdHeader header;
   ReadCountsLine(lines[1], path, header);
   header.Scale.assign(header.Channels, 1.0);
@@ -99,7 +99,7 @@ ChannelFile ReadErdChannels(const std::string& path, std::string_view bytes) {
 
   std::size_t i = 2;
   for (;; ++i) {
-    if (i >= lines.size()) throw ChannelFileError(path, LineNumber(lines.size()), "END の行がありません");
+    if (i >= lines.size()) throw ChannelFileError(path, static_cast<std::int32_t>(lines.size()), "END の行がありません");
     const HeaderLine line = SplitHeader(TrimAll(lines[i]).empty() ? std::string_view{} : lines[i]);
     const std::int32_t number = LineNumber(i);
     if (line.Key == "END") break;
