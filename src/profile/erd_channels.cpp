@@ -71,7 +71,7 @@ void ReadCountsLine(std::string_view line, const std::string& path, ErdHeader& h
     if (comma == std::string_view::npos) break;
     start = comma + 1;
   }
-  if (fields.size() < 6) throw ChannelFileError(path, 2, fmt::format("項目が {} 個しかありません（6 個以上必要）", fields.size()));
+  if (fields.size() < 6) throw ChannelFileError(path, 2, fmt::format("項目が {} 個しかありません（{} 個以上必要）", fields.size(), 6));
   header.Channels = WholeNumber(fields[0], path, 2);
   header.DeclaredSamples = WholeNumber(fields[1], path, 2);
   const std::int32_t formatCode = WholeNumber(fields[4], path, 2);

@@ -46,7 +46,7 @@ ChannelFile ReadProFile(const std::string& path, std::string_view bytes) {
   // maker, height unit, channel letters, interval, interval unit
   const std::vector<std::string> units = CommaFields(lines[kUnitsLine - 1]);
   if (units.size() < 5)
-    throw ChannelFileError(path, kUnitsLine, fmt::format("項目が {} 個しかありません（5 個以上必要）", units.size()));
+    throw ChannelFileError(path, kUnitsLine, fmt::format("項目が {} 個しかありません（{} 個以上必要）", units.size(), 5));
   const std::string& letters = units[2];
   if (letters.empty() || letters.size() > kMaxChannels)
     throw ChannelFileError(path, kUnitsLine, fmt::format("チャンネル数 {} は読めません（1 から 3）", letters.size()));
