@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <set>
 
 #include <fmt/format.h>
@@ -37,6 +38,27 @@ const UnitFactor* FindUnit(std::string_view unit) {
   for (const UnitFactor& factor : kUnits)
     if (factor.Name == key) return &factor;
   return nullptr;
+}
+
+// A field as an error shows it: its start, in UTF-8.
+std::string Shown(std::string_view field, const std::string& path) {
+  try {
+    return FromSystemCodePage(field.substr(0, 40), path);
+  } catch (const LegacyError&) {
+    return "?";  // bytes that are not Shift-JIS
+  }
+}
+
+// The format by the first line of the content.
+ChannelFormat FormatOf(std::string_view head) {
+  const std::string first = TrimAll(head.substr(0, head.find_first_of("\r\n")));
+  if (first == kErdSignature) return ChannelFormat::Erd;
+  // "HEAD3,<date>,...": the record name HEAD with its version number.
+  const std::string_view record = std::string_view(first).substr(0, first.find(','));
+  if (record.size() > 4 && record.starts_with("HEAD") &&
+      record.find_first_not_of("0123456789", 4) == std::string_view::npos)
+    return ChannelFormat::Pro;
+  return ChannelFormat::None;
 }
 
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
@@ -108,35 +130,24 @@ double ParseField(std::string_view field, const std::string& path, std::int32_t 
   if (digits.starts_with('+')) digits.remove_prefix(1);  // from_chars takes no plus sign
   double value = 0;
   const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  const std::string shown = FromSystemCodePage(field.substr(0, 40), path);
   if (ec != std::errc() || end != digits.data() + digits.size() || digits.empty())
-    throw ChannelFileError(path, line, fmt::format("\"{}\" は数値ではありません", shown));
-  if (!std::isfinite(value)) throw ChannelFileError(path, line, fmt::format("\"{}\" は有限の数ではありません", shown));
+    throw ChannelFileError(path, line, fmt::format("\"{}\" は数値ではありません", Shown(field, path)));
+  if (!std::isfinite(value))
+    throw ChannelFileError(path, line, fmt::format("\"{}\" は有限の数ではありません", Shown(field, path)));
   return value;
 }
 
 ChannelFormat DetectChannelFormat(const std::string& path) {
-  std::string bytes;
-  try {
-    bytes = ReadFileBytes(path);
-  } catch (const LegacyError&) {
-    return ChannelFormat::None;
-  }
-  const std::vector<std::string_view> lines = FileLines(std::string_view(bytes).substr(0, 4096));
-  if (lines.empty()) return ChannelFormat::None;
-  const std::string first = TrimAll(lines[0]);
-  if (first == kErdSignature) return ChannelFormat::Erd;
-  // "HEAD3,<date>,...": the record name HEAD with its version number.
-  const std::string_view record = std::string_view(first).substr(0, first.find(','));
-  if (record.size() > 4 && record.starts_with("HEAD") &&
-      record.find_first_not_of("0123456789", 4) == std::string_view::npos)
-    return ChannelFormat::Pro;
-  return ChannelFormat::None;
+  std::ifstream in(path, std::ios::binary);
+  std::string head(4096, '\0');
+  in.read(head.data(), static_cast<std::streamsize>(head.size()));
+  head.resize(static_cast<std::size_t>(in.gcount()));
+  return FormatOf(head);
 }
 
 ChannelFile ReadChannelFile(const std::string& path) {
   const std::string bytes = ReadFileBytes(path);
-  switch (DetectChannelFormat(path)) {
+  switch (FormatOf(bytes)) {
     case ChannelFormat::Erd: return ReadErdChannels(path, bytes);
     case ChannelFormat::Pro: return ReadProFile(path, bytes);
     case ChannelFormat::None: break;
