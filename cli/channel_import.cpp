@@ -96,14 +96,18 @@ int RunChannelImport(const CommonOptions& common, const std::string& argument, c
 
   auto session = OpenSession(common, {}, workbench::tab::Profile);
   if (!session) return kExitFailed;
+  run.Inputs = paths;  // again: the session set the inputs to the files it registered, none
   const std::vector<std::string> written = WriteChannelProfiles(session->Engine, files, channels, session->Bench.List());
   if (!session->Bench.RegisterFiles(written, false)) return kExitFailed;
   std::size_t next = 0;
   for (std::size_t f = 0; f < files.size(); ++f)
     for (std::int32_t c : channels[f]) {
       const std::string& file = written[next++];
+      nlohmann::json header = nlohmann::json::object();
+      for (const auto& [key, value] : files[f].Info) header[key] = value;
       run.Result({{"file", flGetFileName(file)}, {"source", files[f].Path}, {"channel", c},
-                  {"samples", files[f].SampleCount()}, {"pitch_m", files[f].Pitch}});
+                  {"channel_name", files[f].ChannelNames[c - 1]}, {"samples", files[f].SampleCount()},
+                  {"pitch_m", files[f].Pitch}, {"header", header}});
       // The profiles were written into the scratch tree's Temp: a move within the tree.
       fs::rename(file, run.Staging() / flGetFileName(file));
     }

@@ -33,30 +33,30 @@ class ChannelFileTest : public testing::SessionTest {
   }
 };
 
+// The value 100 written in each height unit, in mm by hand; a step of 3 in each distance unit, in m.
+const struct { const char* name; double millimetres; } kHeightUnits[] = {
+    {"ft", 30480.0}, {"FEET", 30480.0}, {"in", 2540.0}, {"mil", 2.54}, {"mm", 100.0}, {"cm", 1000.0}, {"m", 100000.0}};
+const struct { const char* name; double metres; } kDistanceUnits[] = {
+    {"ft", 0.9144}, {"FT", 0.9144}, {"in", 0.0762}, {"i", 0.0762}, {"m", 3.0}};
+
+// Rows "0 0" and "100 -50": the second sample in mm, the pitch and the length in m.
+void ExpectConverted(const ChannelFile& file, double millimetres, double metres) {
+  ASSERT_EQ(file.ChannelCount(), 2);
+  ASSERT_EQ(file.SampleCount(), 2);
+  EXPECT_EQ(file.Heights[0][0], 0.0);
+  EXPECT_NEAR(file.Heights[0][1], millimetres, 1e-13 * millimetres);
+  EXPECT_NEAR(file.Heights[1][1], -millimetres / 2, 1e-13 * millimetres);
+  EXPECT_NEAR(file.Pitch, metres, 1e-15);
+  EXPECT_NEAR(file.Length(), metres, 1e-15);
+}
+
 TEST_F(ChannelFileTest, ErdHeightsAndPitchComeOutInMillimetresAndMetresForEveryUnit) {
-  const struct {
-    const char* height;
-    const char* distance;
-    const char* value;     // as written
-    double millimetres;    // by hand
-    const char* step;
-    double metres;
-  } cases[] = {
-      {"ft", "ft", "1.5", 457.2, "0.5", 0.1524},   {"in", "ft", "2", 50.8, "0.25", 0.0762},
-      {"mm", "m", "3.25", 3.25, "0.1", 0.1},       {"m", "m", "0.004", 4.0, "0.025", 0.025},
-      {"cm", "m", "-1.2", -12.0, "0.25", 0.25},    {"FT", "FEET", "-2", -609.6, "1", 0.3048},
-      {"mil", "in", "100", 2.54, "3", 0.0762},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.height) + " / " + c.distance);
-    const ChannelFile file = ReadChannelFile(Erd(c.height, c.distance, c.step, std::string("0 0\r\n") + c.value + " 1\r\n"));
-    ASSERT_EQ(file.ChannelCount(), 2);
-    ASSERT_EQ(file.SampleCount(), 2);
-    EXPECT_NEAR(file.Heights[0][1], c.millimetres, 1e-12 * std::abs(c.millimetres));
-    EXPECT_NEAR(file.Heights[1][1], *MillimetresPer(c.height), 1e-15);
-    EXPECT_NEAR(file.Pitch, c.metres, 1e-15);
-    EXPECT_NEAR(file.Length(), c.metres, 1e-15);
-  }
+  for (const auto& height : kHeightUnits)
+    for (const auto& distance : kDistanceUnits) {
+      SCOPED_TRACE(std::string(height.name) + " / " + distance.name);
+      ExpectConverted(ReadChannelFile(Erd(height.name, distance.name, "3", "0 0\r\n100 -50\r\n")), height.millimetres,
+                      distance.metres);
+    }
 }
 
 TEST_F(ChannelFileTest, ThreeChannelsTakeTheirOwnUnitsScaleFactorsAndWheelPaths) {
@@ -106,25 +106,17 @@ TEST_F(ChannelFileTest, ChannelsWithoutWheelPathsAreNumbered) {
 }
 
 TEST_F(ChannelFileTest, ProPitchAndUnitsComeFromItsHeader) {
-  const struct {
-    const char* units;  // the third header line
-    double millimetres; // of the value 100
-    double pitch;
-  } cases[] = {{"Dynatest,mil,LR,3,i", 2.54, 0.0762}, {"Dynatest,in,LR,0.5,ft", 2540.0, 0.1524},
-               {"X,mm,LR,0.1,m", 100.0, 0.1}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.units);
-    const ChannelFile file = ReadChannelFile(Write("run.PRO", std::string("HEAD3,12182015,14\r\nCMET3,RSP\r\n") + c.units +
-                                                                  "\r\n30.4,-97.5\r\nComment\r\n100,-100,0,30.4,-97.5\r\n0,50,0\r\n"));
-    EXPECT_EQ(file.Format, "PRO");
-    ASSERT_EQ(file.ChannelCount(), 2);
-    EXPECT_EQ(file.SampleCount(), 2);
-    EXPECT_NEAR(file.Heights[0][0], c.millimetres, 1e-12 * c.millimetres);
-    EXPECT_NEAR(file.Heights[1][0], -c.millimetres, 1e-12 * c.millimetres);
-    EXPECT_NEAR(file.Heights[1][1], c.millimetres / 2, 1e-12 * c.millimetres);
-    EXPECT_NEAR(file.Pitch, c.pitch, 1e-15);
-    EXPECT_EQ(ChannelProfileName(file, 2), "run_R");
-  }
+  for (const auto& height : kHeightUnits)
+    for (const auto& distance : kDistanceUnits) {
+      SCOPED_TRACE(std::string(height.name) + " / " + distance.name);
+      // The first row carries GPS fields behind the flag, as the profiler writes it.
+      const ChannelFile file = ReadChannelFile(
+          Write("run.PRO", std::string("HEAD3,12182015,14\r\nCMET3,RSP\r\nDynatest,") + height.name + ",LR,3," +
+                               distance.name + "\r\n30.4,-97.5\r\nComment\r\n0,0,0,30.4,-97.5\r\n100,-50,0\r\n"));
+      EXPECT_EQ(file.Format, "PRO");
+      ExpectConverted(file, height.millimetres, distance.metres);
+      EXPECT_EQ(ChannelProfileName(file, 2), "run_R");
+    }
 }
 
 // Each fault: the file, the line and what is wrong.
