@@ -126,6 +126,7 @@ std::vector<std::string_view> DataFields(std::string_view line) {
 }
 
 double ParseField(std::string_view field, const std::string& path, std::int32_t line) {
+  if (field.empty()) throw ChannelFileError(path, line, "値が空です");
   std::string_view digits = field;
   if (digits.starts_with('+')) digits.remove_prefix(1);  // from_chars takes no plus sign
   double value = 0;

@@ -153,6 +153,7 @@ TEST_F(ChannelFileTest, BrokenFilesNameTheLineAndTheFault) {
       {"ProUnknownIntervalUnit", proHead + "D,mil,LR,3,yd" + proTail + "1,2\r\n", 3, "単位 \"yd\" は知られていません"},
       {"ProNegativeInterval", proHead + "D,mil,LR,-3,i" + proTail + "1,2\r\n", 3, "ピッチ -3 が正の数ではありません"},
       {"ProFourChannels", proHead + "D,mil,LRCX,3,i" + proTail + "1,2,3,4\r\n", 3, "チャンネル数 4 は読めません（1 から 3）"},
+      {"ProEmptyValue", proHead + "D,mil,LR,3,i" + proTail + "1,2\r\n,2\r\n", 7, "値が空です"},
       {"ProInfinite", proHead + "D,mil,LR,3,i" + proTail + "1,2\r\ninf,2\r\n", 7, "\"inf\" は有限の数ではありません"},
       {"ProShortHeader", "HEAD3,1\r\nCMET3,2\r\n", 2, "ヘッダーが途中で終わっています"},
   };
