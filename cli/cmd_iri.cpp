@@ -1,5 +1,7 @@
 // velmora iri: the IRI tab's Go over the files, the whole-profile IRI printed, the IRI files written;
 // with --pair also the MRI and HRI of two wheel paths.
+#include <optional>
+
 #include <fmt/format.h>
 
 #include "base/common.h"
@@ -30,6 +32,9 @@ int RunIriCommand(const CommonOptions& common, const IriOptions& o) {
   }
   auto session = OpenSession(common, WithPairFiles(o.Files, o.Pair), workbench::tab::Iri);
   if (!session) return 1;
+  int pairStatus = kExitOk;
+  std::optional<PairRows> pair;
+  if (!o.Pair.empty() && !(pair = FindIriPair(*session, o.Pair, pairStatus))) return pairStatus;
   IriParams& params = session->Engine.CurrentConditions.Iri;
   if (o.Speed > 0) params.Speed = o.Speed;
   if (o.Init > 0) params.InitFilter = o.Init;
@@ -59,10 +64,7 @@ int RunIriCommand(const CommonOptions& common, const IriOptions& o) {
     request.Options.Interval = interval;
     ok = Export(*session, request) && ok;
   }
-  if (!o.Pair.empty()) {
-    const int pairStatus = ReportIriPair(*session, o.Pair, ParseNumber(o.Length).value_or(0), o.SkipPartial);
-    if (pairStatus != kExitOk) return pairStatus;
-  }
+  if (pair) ReportIriPair(*session, *pair, ParseNumber(o.Length).value_or(0), o.SkipPartial);
   return ok ? 0 : 1;
 }
 
