@@ -1,8 +1,14 @@
-// velmora iri: the IRI tab's Go over the files, the whole-profile IRI printed, the IRI files written.
+// velmora iri: the IRI tab's Go over the files, the whole-profile IRI printed, the IRI files written;
+// with --pair also the MRI and HRI of two wheel paths.
+#include <optional>
+
 #include <fmt/format.h>
 
+#include "base/common.h"
 #include "base/settings.h"
 #include "command_session.h"
+#include "iri_pair.h"
+#include "messages.h"
 #include "profile/profile_list.h"
 
 namespace velmora::cli {
@@ -10,6 +16,7 @@ namespace {
 
 struct IriOptions {
   std::vector<std::string> Files;
+  std::vector<std::string> Pair;  // left, right: files or names of profiles among Files
   std::string Length = "10";
   bool Bands = false;
   bool SkipPartial = false;
@@ -19,8 +26,15 @@ struct IriOptions {
 };
 
 int RunIriCommand(const CommonOptions& common, const IriOptions& o) {
-  auto session = OpenSession(common, o.Files, workbench::tab::Iri);
+  if (o.Files.empty() && o.Pair.empty()) {
+    PrintProblem(*common.Run, "FILE", Tr("is required (see --help)"));
+    return kExitUsage;
+  }
+  auto session = OpenSession(common, WithPairFiles(o.Files, o.Pair), workbench::tab::Iri);
   if (!session) return 1;
+  int pairStatus = kExitOk;
+  std::optional<PairRows> pair;
+  if (!o.Pair.empty() && !(pair = FindIriPair(*session, o.Pair, pairStatus))) return pairStatus;
   IriParams& params = session->Engine.CurrentConditions.Iri;
   if (o.Speed > 0) params.Speed = o.Speed;
   if (o.Init > 0) params.InitFilter = o.Init;
@@ -50,6 +64,7 @@ int RunIriCommand(const CommonOptions& common, const IriOptions& o) {
     request.Options.Interval = interval;
     ok = Export(*session, request) && ok;
   }
+  if (pair) ReportIriPair(*session, *pair, ParseNumber(o.Length).value_or(0), o.SkipPartial);
   return ok ? 0 : 1;
 }
 
@@ -59,6 +74,11 @@ VELMORA_COMMAND("iri", "IRI (mm/m) of profiles: whole profile, continuous window
                 [](CLI::App& cmd, const CommonOptions& common) -> std::function<int()> {
                   auto o = std::make_shared<IriOptions>();
                   AddFilesArgument(cmd, o->Files);
+                  cmd.get_option("FILE")->required(false);  // --pair may name the files alone
+                  cmd.add_option("--pair", o->Pair,
+                                 "two wheel paths of equal pitch (files or profile names): MRI and HRI (mm/m), "
+                                 "whole and per section")
+                      ->expected(2);
                   cmd.add_option("--length", o->Length, "evaluation length of windows and sections, m")
                       ->capture_default_str();
                   cmd.add_flag("--bands", o->Bands, "write the nine octave bands' IRI (mm/m) beside the profile's");

@@ -1,5 +1,6 @@
-// velmora import and velmora tool: delimited text columns into ERD profiles, and the four profile
-// tools (reverse, shift, cut, composite). The new ERD files land in -o.
+// velmora import and velmora tool: delimited text columns (or the channels of a profiler's file)
+// into ERD profiles, and the four profile tools (reverse, shift, cut, composite). The new ERD files
+// land in -o.
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -8,6 +9,7 @@
 #include "base/path_helpers.h"
 #include <fmt/format.h>
 
+#include "channel_import.h"
 #include "command_session.h"
 #include "messages.h"
 #include "profile/erd_file.h"
@@ -40,11 +42,13 @@ int WriteOutputs(const CommonOptions& common, const std::optional<std::vector<To
 }
 
 struct ImportArgs {
-  std::string File, Delimiters = ",", Rows, Columns, Pitch;
+  std::string File, Delimiters = ",", Rows, Columns, Pitch, Channel = "all";
   bool Header = false, TitleFromHeader = false, Strict = false;
 };
 
 int RunImport(const CommonOptions& common, const ImportArgs& args) {
+  // A profiler's file carries its own pitch and units; the text import is for everything else.
+  if (IsChannelImport(args.File)) return RunChannelImport(common, args.File, args.Channel);
   ImportOptions options;
   options.Comma = args.Delimiters.find(',') != std::string::npos;
   options.Tab = args.Delimiters.find("tab") != std::string::npos || args.Delimiters.find('\t') != std::string::npos;
@@ -142,11 +146,17 @@ int RunTool(const CommonOptions& common, const std::string& tool, const ToolArgs
   return WriteOutputs(common, CompositeProfiles(session->Engine, items, input));
 }
 
-VELMORA_COMMAND("import", "delimited text columns into ERD profiles (one per column) in -o; pitch in m",
+VELMORA_COMMAND("import",
+                "profiles into ERD files in -o: delimited text (one per column; pitch in m), or the channels of "
+                "profiler files (multi-channel ERD, .PRO; one per wheel path; a folder of them at once)",
                 [](CLI::App& command, const CommonOptions& common) -> std::function<int()> {
                   auto args = std::make_shared<ImportArgs>();
-                  command.add_option("FILE", args->File, "delimited text file (Shift-JIS)")->required();
-                  command.add_option("--pitch", args->Pitch, "sampling pitch, m")->required();
+                  command.add_option("FILE", args->File,
+                                     "delimited text file (Shift-JIS), profiler file (ERD, .PRO) or a folder of them")
+                      ->required();
+                  command.add_option("--pitch", args->Pitch, "sampling pitch of delimited text, m");
+                  command.add_option("--channel", args->Channel, "channels of a profiler file: all, or a number from 1")
+                      ->capture_default_str();
                   command.add_option("--delimiter", args->Delimiters,
                                      "delimiters in force: any of , ; and the words tab, space")
                       ->capture_default_str();
