@@ -47,6 +47,16 @@ struct ImportArgs {
 };
 
 int RunImport(const CommonOptions& common, const ImportArgs& args) {
+  // The same messages as every command for a file that is missing or not a file; an empty one has
+  // nothing to import.
+  if (!std::filesystem::is_directory(args.File)) {
+    if (InputFiles(*common.Run, {args.File}).empty()) return kExitFailed;
+    std::error_code ec;
+    if (std::filesystem::file_size(args.File, ec) == 0) {
+      PrintProblem(*common.Run, args.File, Tr("empty file"));
+      return kExitFailed;
+    }
+  }
   // A profiler's file carries its own pitch and units; the text import is for everything else.
   if (IsChannelImport(args.File)) return RunChannelImport(common, args.File, args.Channel);
   ImportOptions options;

@@ -143,7 +143,7 @@ int main(int argc, char** argv) {
     run.Scratch = MakeScratchTree();
     std::filesystem::create_directory(run.Staging());
   } catch (const std::exception& error) {
-    PrintProblem(run, "", error.what());
+    PrintProblem(run, "", TrEngine(error.what()));
     return kExitFailed;
   }
 
@@ -154,7 +154,7 @@ int main(int argc, char** argv) {
       for (auto& [command, runner] : runners)
         if (command->parsed()) status = runner();
     } catch (const std::exception& error) {
-      PrintProblem(run, "", error.what());
+      PrintProblem(run, "", TrEngine(error.what()));
       status = kExitFailed;
     }
     // Only a run that did its work leaves files: all of them, each complete.
@@ -165,7 +165,7 @@ int main(int argc, char** argv) {
           run.Say(path);
         }
       } catch (const std::exception& error) {
-        PrintProblem(run, "", error.what());
+        PrintProblem(run, "", TrEngine(error.what()));
         status = kExitFailed;
       }
     }

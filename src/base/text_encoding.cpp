@@ -180,7 +180,20 @@ std::string ReadFileBytes(const std::filesystem::path& path) {
 std::vector<std::string> ReadSystemTextLines(const std::filesystem::path& path) {
   LineReader reader(path);
   std::vector<std::string> lines;
-  while (const auto line = reader.Next()) lines.push_back(FromSystemCodePage(*line, path.string()));
+  while (const auto line = reader.Next()) {
+    if (IsAscii(*line)) {
+      lines.emplace_back(*line);
+      continue;
+    }
+    std::string text;
+    std::size_t consumed = 0;
+    if (!FromCp932().Convert(*line, text, consumed)) {
+      throw LegacyError(ErrorNumber::InvalidData,
+                        fmt::format("{}: {} 行目に Shift-JIS として読めないバイトがあります (0x{:02X})。", path.string(),
+                                    reader.LineNumber(), static_cast<unsigned char>((*line)[consumed])));
+    }
+    lines.push_back(std::move(text));
+  }
   return lines;
 }
 

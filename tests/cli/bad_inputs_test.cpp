@@ -62,6 +62,26 @@ TEST_F(CliTest, EveryCommandNamesTheBadFileAndWritesNothing) {
   ::unsetenv("TMPDIR");
 }
 
+TEST_F(CliTest, ImportNamesTheBadTextFileAndWritesNothing) {
+  const struct {
+    const char* name;
+    std::string bytes;
+    const char* message;
+  } cases[] = {
+      {"missing.csv", "<missing>", "no such file"},
+      {"empty.csv", "", "empty file"},
+      // 0xFF is no Shift-JIS byte; the first line is plain.
+      {"binary.csv", "1,2\r\n\x7F\xFF\x00\x01\r\n", "line 2: bytes that are not Shift-JIS text (0xFF)"},
+  };
+  for (const auto& c : cases) {
+    const std::filesystem::path file = temp / c.name;
+    if (c.bytes != "<missing>") testing::WriteBytes(file, c.bytes);
+    EXPECT_EQ(Run("import '" + file.string() + "' --pitch 0.1", "out", "en"), 1) << c.name << "\n" << Stderr();
+    EXPECT_NE(Stderr().find(file.string() + ": " + c.message), std::string::npos) << Stderr();
+    EXPECT_TRUE(Written().empty()) << c.name;
+  }
+}
+
 // The run's files are made in its scratch tree and only then put in place: when the disk fills up,
 // the results of the run before stay as they were.
 TEST_F(CliTest, ADiskThatFillsUpMidRunLeavesThePreviousResults) {
