@@ -173,7 +173,7 @@ constexpr std::size_t kWriteBuffer = 1 << 16;
 }
 
 SystemTextWriter::SystemTextWriter(std::filesystem::path path)
-    : path_(std::move(path)), temp_(TempNameBeside(path_)), file_(std::fopen(temp_.c_str(), "wb")) {
+    : path_(std::move(path)), temp_(TempNameBeside(path_)), file_(std::fopen(temp_.c_str(), "wbx")) {
   if (!file_) RaiseFileError(ErrorNumber::PathNotFound, path_.string(), std::strerror(errno));
   buffer_.reserve(kWriteBuffer + 256);
 }
