@@ -41,7 +41,7 @@ class Reader {
       const std::string line = Trim(cursor_.Lines[cursor_.Next++]);
       if (line.empty() || line[0] == ';' || line[0] == '*') continue;
       const std::string head = UCase(line);
-      expectHead = true;
+      const bool known = head.front() == '[';
       if (head == "[VER]") ReadVersion(project);
       else if (head == "[USER]") project.User = uLineInput(cursor_);
       else if (head == "[PROFILE_NUM]") ReadCount(project);
@@ -50,8 +50,15 @@ class Reader {
       else if (head == "[IRI]") ReadIri(conditions.Iri);
       else if (head == "[補修形状検討_IRI]") ReadIri(conditions.RepairIri);
       else if (head == "[M波検討データ]") ReadStudies(project.Profiles);
-      else if (head.front() == '[') expectHead = false;  // [DATE], [M波補修計画データ] and newer sections
-      else if (expectHead && line[0] != '\'') throw Error(number, "件数より多い行があります。");
+      else if (known) {
+        expectHead = false;  // [DATE], [M波補修計画データ] and sections of later revisions: passed over
+        continue;
+      } else if (expectHead && line[0] != '\'') {
+        throw Error(number, "件数より多い行があります。");
+      } else {
+        continue;
+      }
+      expectHead = true;
     }
   }
 
