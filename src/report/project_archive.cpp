@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <set>
 #include <string>
@@ -144,6 +145,12 @@ struct Entry {
   zip_uint64_t Size = 0;
 };
 
+bool BeginsAsArchive(const fs::path& archive) {
+  std::ifstream in(archive, std::ios::binary);
+  char head[4] = {};
+  return in.read(head, sizeof head) && std::string_view(head, sizeof head) == std::string_view("PK\x03\x04", 4);
+}
+
 ZipHandle OpenArchive(const fs::path& archive) {
   std::error_code ec;
   const auto size = fs::file_size(archive, ec);
@@ -155,7 +162,10 @@ ZipHandle OpenArchive(const fs::path& archive) {
   if (opened == nullptr && code == ZIP_ER_EXISTS) opened = zip_open(archive.c_str(), ZIP_RDONLY, &code);
   if (opened != nullptr) return ZipHandle(opened);
   switch (code) {
-    case ZIP_ER_NOZIP: Refuse("ZIP 形式のファイルではありません。");
+    case ZIP_ER_NOZIP:
+      // A file that begins as an archive does and has lost its end was cut short.
+      if (BeginsAsArchive(archive)) Refuse("ZIP 書庫が途中で切れています。");
+      Refuse("ZIP 形式のファイルではありません。");
     case ZIP_ER_INCONS:
     case ZIP_ER_EOF:
     case ZIP_ER_READ:
@@ -245,7 +255,10 @@ void Extract(zip_t* archive, const Entry& entry, const fs::path& destination) {
   const int closed = zip_fclose(in);
   if (failure.empty() && closed == ZIP_ER_CRC) failure = fmt::format("エントリー {} の CRC が合いません。", entry.Name);
   ::close(out);
-  if (!failure.empty()) Refuse(failure);
+  if (!failure.empty()) {
+    fs::remove(path);  // no file that failed its check is left for anyone to take
+    Refuse(failure);
+  }
 }
 
 }  // namespace

@@ -28,7 +28,8 @@ void PackProjectFolder(const std::filesystem::path& projectFolder, const std::fi
 // MaxUnpackedBytes in all or an entry packed more than MaxRatio to one are refused. A file that is
 // empty, not a ZIP archive, cut short, or whose entry fails its CRC is refused as well. Each refusal
 // raises LegacyError(InvalidData) whose text names the entry and the reason (without the archive's
-// name, which the caller's message carries); what was written by then stays in `destination`.
+// name, which the caller's message carries). A file that fails its CRC is removed; the folders made
+// by then stay in `destination`.
 void UnpackProjectArchive(const std::filesystem::path& archive, const std::filesystem::path& destination,
                           const ArchiveLimits& limits = {});
 
