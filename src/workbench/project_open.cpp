@@ -62,9 +62,9 @@ bool ReadUserDataEntry(Session& session, const std::string& archive, const fs::p
     return true;
   } catch (const UserDataError& error) {
     if (error.NewerVersion()) session.Ui().Inform(error.what(), "プロジェクトの読込", MsgIcon::Exclamation);
-    else ReadFailure(session, archive, std::string(kUserDataEntry) + " " + error.what());
+    else ReadFailure(session, archive, "エントリー " + std::string(kUserDataEntry) + " の " + error.what());
   } catch (const LegacyError& error) {
-    ReadFailure(session, archive, std::string(kUserDataEntry) + " " + error.what());
+    ReadFailure(session, archive, "エントリー " + std::string(kUserDataEntry) + " : " + error.what());
   }
   return false;
 }

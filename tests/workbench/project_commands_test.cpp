@@ -246,12 +246,12 @@ INSTANTIATE_TEST_SUITE_P(
                 [](const fs::path&, const fs::path& project) {
                   return WithUserData(project, [](Lines& l) { l[IndexOf(l, "    0, a.erd")] += ", extra"; });
                 },
-                "Project/User.dat 24 行目：項目の数が 7 個です（6 個のはずです）。"},
+                "エントリー Project/User.dat の 24 行目：項目の数が 7 個です（6 個のはずです）。"},
         BadFile{"CountAboveTheProfiles",
                 [](const fs::path&, const fs::path& project) {
                   return WithUserData(project, [](Lines& l) { l[IndexOf(l, "         2")] = "3"; });
                 },
-                "Project/User.dat 32 行目：項目の数が 1 個です（6 個のはずです）。"},
+                "エントリー Project/User.dat の 32 行目：項目の数が 1 個です（6 個のはずです）。"},
         BadFile{"NamedErdMissing",
                 [](const fs::path&, const fs::path& project) {
                   return WithUserData(project, [&](Lines&) { fs::remove(project.parent_path() / "Changed" / "Project" / "Profile" / "b.erd"); });
