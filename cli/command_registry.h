@@ -24,6 +24,7 @@ struct CommonOptions {
   std::string Lang;              // --lang ja|en (else from the locale)
   bool NoTimestamp = false;      // --no-timestamp: stable names, replaced in one step
   bool Json = false;             // --json: one JSON object on stdout
+  std::string Project;           // --project P.prj: its profiles and conditions in place of FILE
   RunContext* Run = nullptr;     // set by main before the command runs
 };
 

@@ -7,6 +7,7 @@
 #include "base/common.h"
 #include "base/file_helpers.h"
 #include "messages.h"
+#include "workbench/project_commands.h"
 
 #include "base/legacy_format.h"
 #include "base/settings.h"
@@ -67,9 +68,16 @@ std::unique_ptr<CommandSession> OpenSession(const CommonOptions& common, const s
   bench.FormLoad();
   bench.Axis.Mode = common.Position == "kp" ? PositionMode::Kp : PositionMode::ZeroBased;
   bench.Axis.Unit = common.Unit == "km" ? KpUnit::Km : KpUnit::M;
-  // The tab is entered before the files come: entering a tab with profiles computes it with the
-  // inputs in force, and the command has yet to set its own; Go computes once with them.
+  if (!common.Project.empty()) {
+    run.Inputs = {common.Project};
+    if (!workbench::ReadProjectData(bench, common.Project)) return nullptr;
+  }
+  // The tab is entered before it is computed: entering a tab with dirty results computes it with
+  // the inputs in force, and the command has yet to set its own; Go computes once with them.
+  const bool dirty = bench.TabDirty[static_cast<std::size_t>(tab)];
+  bench.TabDirty[static_cast<std::size_t>(tab)] = false;
   bench.TabClick(tab);
+  bench.TabDirty[static_cast<std::size_t>(tab)] = dirty;
   if (!bench.RegisterFiles(files, false)) return nullptr;
   bench.SelectAll(tab);
   return session;
@@ -152,8 +160,9 @@ CLI::Validator WholeNumberFrom(int least) {
 }
 
 void AddFilesArgument(CLI::App& command, std::vector<std::string>& files) {
-  command.add_option("FILE", files, "ERD profile files (elevations in mm), folders of them, or - for a list on stdin")
-      ->required();
+  // Required unless --project is given: main checks the two together.
+  command.add_option("FILE", files,
+                     "ERD profile files (elevations in mm), folders of them, or - for a list on stdin; or --project");
 }
 
 }  // namespace velmora::cli

@@ -28,7 +28,8 @@ struct CommandSession {
 };
 
 // Start-up in the run's private scratch tree (settings from --settings or the program's folder,
-// SWDEBUG and DebugLevel 1 with --debug), then the files registered in order and selected on `tab`,
+// SWDEBUG and DebugLevel 1 with --debug), the project of --project opened (its profiles and
+// conditions), then the files registered in order and all profiles selected on `tab`,
 // and the position axis from --position/--unit. Null when start-up or a file failed; the reason has
 // been shown on stderr.
 std::unique_ptr<CommandSession> OpenSession(const CommonOptions& common, const std::vector<std::string>& files, int tab);
@@ -68,7 +69,8 @@ CLI::Validator WholeNumberFrom(int least);
 // the problem said as a usage error, when there are not nine or one is not a number.
 std::optional<std::array<std::string, 10>> NineLimits(RunContext& run, const std::string& text);
 
-// Adds the FILE... positional argument (ERD files, folders of them, or - for a list on stdin).
+// Adds the FILE... positional argument (ERD files, folders of them, or - for a list on stdin), which
+// --project may stand in for.
 void AddFilesArgument(CLI::App& command, std::vector<std::string>& files);
 
 }  // namespace velmora::cli

@@ -73,6 +73,25 @@ std::filesystem::path KeptErrorLog() {
   return std::filesystem::path(home.empty() ? "." : home) / "Velmora" / "Log" / "velmora-cli-error.log";
 }
 
+// The FILE of the analysis commands (left optional for the parser) is required unless --project
+// stands in its place; the two together are refused.
+template <class Runners>
+int CheckFilesOrProject(const Runners& runners, const CommonOptions& common, RunContext& run) {
+  for (const auto& [command, runner] : runners) {
+    const CLI::Option* files = command->parsed() ? command->get_option_no_throw("FILE") : nullptr;
+    if (files == nullptr || files->get_required()) continue;
+    if (files->empty() && common.Project.empty()) {
+      PrintProblem(run, "FILE", Tr("is required (see --help)"));
+      return kExitUsage;
+    }
+    if (!files->empty() && !common.Project.empty()) {
+      PrintProblem(run, "--project", Tr("takes the place of FILE: give one or the other"));
+      return kExitUsage;
+    }
+  }
+  return kExitOk;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -103,6 +122,8 @@ int main(int argc, char** argv) {
   app.add_flag("--no-timestamp", common.NoTimestamp,
                "file names without the run's date and time; an existing file is replaced");
   app.add_flag("--json", common.Json, "print one JSON object: command, inputs, results, files written");
+  app.add_option("--project", common.Project,
+                 "a project file (.prj): its profiles and conditions in place of FILE (analysis commands)");
 
   auto& commands = Commands();
   std::sort(commands.begin(), commands.end(), [](const auto& a, const auto& b) { return a.Name < b.Name; });
@@ -139,6 +160,7 @@ int main(int argc, char** argv) {
     PrintProblem(run, "COMMAND", Tr("is required (see --help)"));
     return kExitUsage;
   }
+  if (const int status = CheckFilesOrProject(runners, common, run); status != kExitOk) return status;
   try {
     run.Scratch = MakeScratchTree();
     std::filesystem::create_directory(run.Staging());

@@ -43,6 +43,9 @@ std::vector<std::string> uToken(std::string_view text, std::string_view delimite
 // Count of real tokens of the last line split (uToken's `count` out-parameter).
 std::size_t uTokenCount(std::string_view text, std::string_view delimiter);
 
+// Every occurrence of `from` replaced by `to` (`from` not empty), left to right.
+std::string ReplaceAll(std::string text, std::string_view from, std::string_view to);
+
 // True when both, trimmed and in upper case, are equal.
 bool uStrEqual(std::string_view a, std::string_view b);
 

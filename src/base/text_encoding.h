@@ -30,7 +30,7 @@ std::vector<std::string> ReadSystemTextLines(const std::filesystem::path& path);
 void WriteSystemTextFile(const std::filesystem::path& path, const std::vector<std::string>& lines);
 
 // The same line by line, for tables too long to hold as lines: each line is converted into a buffer
-// that goes to the file beside the target as it fills. Commit renames it over the target; a writer
+// that goes to the file beside the target (made new, never an existing file taken over) as it fills. Commit renames it over the target; a writer
 // destroyed without Commit (an error on the way) removes it, and the old target stays whole.
 class SystemTextWriter {
  public:

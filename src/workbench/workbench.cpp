@@ -64,17 +64,37 @@ bool Workbench::RegisterToolOutputs(const std::vector<ToolOutput>& outputs) {
   });
 }
 
-void Workbench::AddProfile(ProfileRecord record) {
-  const std::string name = ProfileList::NameOf(record);
+void Workbench::AppendListRow(const std::string& name) {
   for (auto& view : list_.Views) {
     view.Rows.push_back(name);
     view.Panels.push_back(RowColour(static_cast<std::int32_t>(view.Rows.size()),
                                     view.Palette == ListPalette::Profile ? session_.Settings.PaletteProfile
                                                                          : session_.Settings.PaletteRepair));
   }
+}
+
+void Workbench::AddProfile(ProfileRecord record) {
+  AppendListRow(ProfileList::NameOf(record));
   list_.Items.resize(list_.Count() + 1);
   list_.Items[list_.Count()] = std::move(record);
   KeepKeysInStep();
+  MarkAllDirty();
+}
+
+void Workbench::InstallProject(ProjectRecord project) {
+  ProfileListHooks hooks = list_.Hooks;
+  project_ = std::move(project);
+  list_.Hooks = std::move(hooks);
+  list_.Selected = 0;
+  list_.SelectedRows.clear();
+  for (auto& view : list_.Views) {
+    view.Rows.clear();
+    view.Panels.clear();
+  }
+  for (const ProfileRecord& record : list_.Items) AppendListRow(ProfileList::NameOf(record));
+  resultKeys_.clear();
+  KeepKeysInStep();
+  for (auto& rows : selection_) rows.clear();
   MarkAllDirty();
 }
 
@@ -357,15 +377,11 @@ void Workbench::MnuAbout() {
   if (Hooks.ShowAbout) Hooks.ShowAbout();
 }
 
-ProjectSnapshot Workbench::CurrentSnapshot() const {
-  ProjectSnapshot snapshot;
-  for (const auto& profile : list_.Items) snapshot.ProfileNames.push_back(profile.FileName);
-  snapshot.Conditions = session_.CurrentConditions;
-  return snapshot;
-}
+void Workbench::TakeProjectSnapshot() { snapshot_ = {PersistentCopy(list_), session_.CurrentConditions}; }
 
-void Workbench::TakeProjectSnapshot() { snapshot_ = CurrentSnapshot(); }
-bool Workbench::ProjectChanged() const { return !(snapshot_ == CurrentSnapshot()); }
+bool Workbench::ProjectChanged() const {
+  return ProfilesChanged(snapshot_.Profiles, list_) || !(snapshot_.Conditions == session_.CurrentConditions);
+}
 
 void Workbench::SetComputation(int tab, TabComputation computation) {
   computations_[At(tab)] = std::move(computation);

@@ -15,6 +15,7 @@
 #include "profile/profile_tools.h"
 #include "profile/text_import.h"
 #include "report/position_axis.h"
+#include "report/project_record.h"
 #include "workbench/evaluation_tabs.h"
 #include "workbench/repair_inputs.h"
 #include "workbench/tab_inputs.h"
@@ -48,11 +49,11 @@ struct TabComputation {
   std::function<void()> AfterSelect;           // what else follows the rows picked in the tab's list
 };
 
-// The project as of the last load or save, to tell whether it has changed since.
+// The project as of the last load or save, to tell whether it has changed since: what the project
+// file keeps of the profiles, and the conditions in force.
 struct ProjectSnapshot {
-  std::vector<std::string> ProfileNames;
+  ProfileList Profiles;
   CalcConditions Conditions;
-  friend bool operator==(const ProjectSnapshot&, const ProjectSnapshot&) = default;
 };
 
 // Hooks into other parts of the program; each defaults to doing nothing.
@@ -111,6 +112,8 @@ class Workbench {
 
   // ---- profiles: row i (from 1) of every tab's list is item i of the list ----
   const ProfileList& List() const { return list_; }
+  // The working project record: its profiles are List().
+  const ProjectRecord& Project() const { return project_; }
   int ProfileCount() const { return list_.Count(); }
   ProfileRecord& Profile(int row) { return list_.Items.at(row); }
   // Registers ERD files through the profile list (AddProfileList); every tab becomes dirty and a
@@ -123,6 +126,9 @@ class Workbench {
   std::vector<std::string> ImportText(const std::string& file, const ImportOptions& options);
   // Registers a profile already read (tools, the repair study's results); all tabs become dirty.
   void AddProfile(ProfileRecord record);
+  // Replaces the working project by one that was read whole (a project file opened): its profiles
+  // fill every list in order with their colours, no result is valid, every tab is dirty.
+  void InstallProject(ProjectRecord project);
   // The selected rows (from 1) of a tab's list, ascending.
   const std::vector<int>& Selection(int tab) const { return selection_.at(static_cast<std::size_t>(tab)); }
   void Select(int tab, std::vector<int> rows);
@@ -150,7 +156,8 @@ class Workbench {
   void MnuTool(int index);
   void MnuAbout();
 
-  // The project snapshot as of the last load or save; Changed() tells whether the state differs.
+  // The project snapshot as of the last load or save; ProjectChanged() tells whether the profiles
+  // (by the deep compare of the project commands) or the conditions differ from it.
   void TakeProjectSnapshot();
   bool ProjectChanged() const;
 
@@ -179,12 +186,13 @@ class Workbench {
   void UpdatePsdLegend();
   void RefillReportRows();
   void InputsFromConditions();
-  ProjectSnapshot CurrentSnapshot() const;
 
   void KeepKeysInStep();
+  void AppendListRow(const std::string& name);  // one row with its colour panel in every view
 
   velmora::Session& session_;
-  ProfileList list_;
+  ProjectRecord project_;
+  ProfileList& list_ = project_.Profiles;
   std::vector<std::array<std::string, kTabCount>> resultKeys_;  // per item (from 0): key of its results
   std::array<std::vector<int>, kTabCount> selection_;
   std::array<TabComputation, kTabCount> computations_;
