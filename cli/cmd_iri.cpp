@@ -26,10 +26,6 @@ struct IriOptions {
 };
 
 int RunIriCommand(const CommonOptions& common, const IriOptions& o) {
-  if (o.Files.empty() && o.Pair.empty()) {
-    PrintProblem(*common.Run, "FILE", Tr("is required (see --help)"));
-    return kExitUsage;
-  }
   auto session = OpenSession(common, WithPairFiles(o.Files, o.Pair), workbench::tab::Iri);
   if (!session) return 1;
   int pairStatus = kExitOk;
@@ -74,7 +70,6 @@ VELMORA_COMMAND("iri", "IRI (mm/m) of profiles: whole profile, continuous window
                 [](CLI::App& cmd, const CommonOptions& common) -> std::function<int()> {
                   auto o = std::make_shared<IriOptions>();
                   AddFilesArgument(cmd, o->Files);
-                  cmd.get_option("FILE")->required(false);  // --pair may name the files alone
                   cmd.add_option("--pair", o->Pair,
                                  "two wheel paths of equal pitch (files or profile names): MRI and HRI (mm/m), "
                                  "whole and per section")

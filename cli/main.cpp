@@ -74,13 +74,15 @@ std::filesystem::path KeptErrorLog() {
 }
 
 // The FILE of the analysis commands (left optional for the parser) is required unless --project
-// stands in its place; the two together are refused.
+// (or iri's --pair) stands in its place; FILE and --project together are refused.
 template <class Runners>
 int CheckFilesOrProject(const Runners& runners, const CommonOptions& common, RunContext& run) {
   for (const auto& [command, runner] : runners) {
     const CLI::Option* files = command->parsed() ? command->get_option_no_throw("FILE") : nullptr;
     if (files == nullptr || files->get_required()) continue;
-    if (files->empty() && common.Project.empty()) {
+    // iri --pair names its two files itself.
+    const CLI::Option* pair = command->get_option_no_throw("--pair");
+    if (files->empty() && common.Project.empty() && (pair == nullptr || pair->empty())) {
       PrintProblem(run, "FILE", Tr("is required (see --help)"));
       return kExitUsage;
     }
