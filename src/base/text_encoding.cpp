@@ -156,8 +156,8 @@ std::vector<std::string> ReadSystemTextLines(const std::filesystem::path& path) 
   return lines;
 }
 
-void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_view bytes) {
-  SystemTextWriter file(path);
+void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_view bytes, FlushTo flush) {
+  SystemTextWriter file(path, flush);
   file.Bytes(bytes);
   file.Commit();
 }
@@ -172,8 +172,8 @@ namespace {
 constexpr std::size_t kWriteBuffer = 1 << 16;
 }
 
-SystemTextWriter::SystemTextWriter(std::filesystem::path path)
-    : path_(std::move(path)), temp_(TempNameBeside(path_)), file_(std::fopen(temp_.c_str(), "wbx")) {
+SystemTextWriter::SystemTextWriter(std::filesystem::path path, FlushTo flush)
+    : path_(std::move(path)), temp_(TempNameBeside(path_)), file_(std::fopen(temp_.c_str(), "wbx")), flush_(flush) {
   if (!file_) RaiseFileError(ErrorNumber::PathNotFound, path_.string(), std::strerror(errno));
   buffer_.reserve(kWriteBuffer + 256);
 }
@@ -208,7 +208,7 @@ void SystemTextWriter::Flush() {
 
 void SystemTextWriter::Commit() {
   Flush();
-  bool ok = !failed_ && std::fflush(file_) == 0 && ::fsync(::fileno(file_)) == 0;
+  bool ok = !failed_ && std::fflush(file_) == 0 && (flush_ == FlushTo::System || ::fsync(::fileno(file_)) == 0);
   const int saved = failed_ ? error_ : errno;
   ok = (std::fclose(file_) == 0) && ok;
   file_ = nullptr;

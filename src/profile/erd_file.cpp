@@ -271,7 +271,7 @@ std::vector<std::string> ErdHeaderLines(const ErdRecord& rec) {
 
 std::string ErdSampleText(double elevation) { return FormatNumber(elevation, "0.00000000") + " "; }
 
-bool WriteERD(const std::string& path, const ErdRecord& rec) {
+std::string ErdFileBytes(const std::string& path, const ErdRecord& rec) {
   std::string header;
   for (const std::string& line : ErdHeaderLines(rec)) {
     header += line;
@@ -286,7 +286,11 @@ bool WriteERD(const std::string& path, const ErdRecord& rec) {
     bytes += ErdSampleText(rec.Elevation[i]);
     bytes += kCrLf;
   }
-  WriteFileBytesAtomically(path, bytes);
+  return bytes;
+}
+
+bool WriteERD(const std::string& path, const ErdRecord& rec) {
+  WriteFileBytesAtomically(path, ErdFileBytes(path, rec));
   return true;
 }
 

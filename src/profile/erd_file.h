@@ -26,6 +26,10 @@ bool ReadERD(Session& session, const std::string& path, ErdRecord& rec);
 // The file is replaced atomically; failure raises LegacyError naming the file. Returns true.
 bool WriteERD(const std::string& path, const ErdRecord& rec);
 
+// The bytes WriteERD writes for `rec` (Shift-JIS, CR LF); `path` only names the file in the error
+// raised when NumSamples exceeds the elevations held.
+std::string ErdFileBytes(const std::string& path, const ErdRecord& rec);
+
 // Replaces the TITLE line of an existing ERD file by "TITLE   " + newTitle; the other lines are kept.
 // Shows "ファイル更新" unless `showMessage` is false. False (with a message) when the file is missing
 // or cannot be rewritten; the original then stays as it was.
