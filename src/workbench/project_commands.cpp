@@ -2,6 +2,7 @@
 #include "workbench/project_commands.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <future>
 #include <thread>
@@ -151,6 +152,13 @@ void DeleteProject(Workbench& bench) {
 }
 
 }  // namespace
+
+int ProjectCommandOfMenu(int menuIndex) {
+  static constexpr std::array<int, 11> kCommands{kProjectNew,    kProjectOpen, kProjectSave, kProjectSaveAs,
+                                                 -1,             kProjectRename, kProjectCopy, -1,
+                                                 kProjectDelete, -1,           -1};
+  return menuIndex >= 0 && menuIndex < static_cast<int>(kCommands.size()) ? kCommands[static_cast<std::size_t>(menuIndex)] : -1;
+}
 
 std::string ProjectTitle(std::string_view projectFile) {
   return " velmora : [ " + flGetFileNameNonExt(projectFile) + " ]";
