@@ -197,8 +197,8 @@ std::vector<std::string> ReadSystemTextLines(const std::filesystem::path& path) 
   return lines;
 }
 
-void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_view bytes) {
-  SystemTextWriter file(path);
+void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_view bytes, FlushTo flush) {
+  SystemTextWriter file(path, flush);
   file.Bytes(bytes);
   file.Commit();
 }
@@ -213,8 +213,8 @@ namespace {
 constexpr std::size_t kWriteBuffer = 1 << 16;
 }
 
-SystemTextWriter::SystemTextWriter(std::filesystem::path path)
-    : path_(std::move(path)), file_(CreateTempBeside(path_, temp_)) {
+SystemTextWriter::SystemTextWriter(std::filesystem::path path, FlushTo flush)
+    : path_(std::move(path)), file_(CreateTempBeside(path_, temp_)), flush_(flush) {
   if (!file_) RaiseFileError(ErrorNumber::PathNotFound, path_.string(), std::strerror(errno));
   buffer_.reserve(kWriteBuffer + 256);
 }
@@ -249,7 +249,7 @@ void SystemTextWriter::Flush() {
 
 void SystemTextWriter::Commit() {
   Flush();
-  bool ok = !failed_ && std::fflush(file_) == 0 && ::fsync(::fileno(file_)) == 0;
+  bool ok = !failed_ && std::fflush(file_) == 0 && (flush_ == FlushTo::System || ::fsync(::fileno(file_)) == 0);
   const int saved = failed_ ? error_ : errno;
   ok = (std::fclose(file_) == 0) && ok;
   file_ = nullptr;

@@ -32,9 +32,13 @@ void WriteSystemTextFile(const std::filesystem::path& path, const std::vector<st
 // The same line by line, for tables too long to hold as lines: each line is converted into a buffer
 // that goes to the file beside the target (made new, never an existing file taken over) as it fills. Commit renames it over the target; a writer
 // destroyed without Commit (an error on the way) removes it, and the old target stays whole.
+// How far Commit flushes before the rename: to the disk (the files a user keeps), or only to the
+// system (copies in the scratch tree, which the next start wipes: waiting for the disk buys nothing).
+enum class FlushTo { Disk, System };
+
 class SystemTextWriter {
  public:
-  explicit SystemTextWriter(std::filesystem::path path);
+  explicit SystemTextWriter(std::filesystem::path path, FlushTo flush = FlushTo::Disk);
   ~SystemTextWriter();
   SystemTextWriter(const SystemTextWriter&) = delete;
   SystemTextWriter& operator=(const SystemTextWriter&) = delete;
@@ -49,6 +53,7 @@ class SystemTextWriter {
   std::filesystem::path path_;
   std::string temp_;
   std::FILE* file_;
+  FlushTo flush_;
   std::string buffer_;
   bool failed_ = false;
   int error_ = 0;
@@ -59,6 +64,6 @@ void AppendSystemTextLine(const std::filesystem::path& path, std::string_view li
 
 // Raw byte access for readers that parse as they go, with the same error rules.
 std::string ReadFileBytes(const std::filesystem::path& path);
-void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_view bytes);
+void WriteFileBytesAtomically(const std::filesystem::path& path, std::string_view bytes, FlushTo flush = FlushTo::Disk);
 
 }  // namespace velmora

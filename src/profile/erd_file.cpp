@@ -300,7 +300,7 @@ bool IsWritablePitch(double pitch) { return std::isfinite(pitch) && pitch >= 0.0
 // largest double is the largest elevation that reads back.
 bool IsWritableElevation(double elevation) { return std::fabs(elevation) <= 1.79769313486231e308; }
 
-bool WriteERD(const std::string& path, const ErdRecord& rec) {
+std::string ErdFileBytes(const std::string& path, const ErdRecord& rec) {
   // Nothing is written that the reader would refuse.
   if (!IsWritablePitch(rec.StepSize))
     RaiseFileError(ErrorNumber::InvalidData, path, fmt::format("ピッチ {} m は書き込めません。", rec.StepSize));
@@ -320,7 +320,11 @@ bool WriteERD(const std::string& path, const ErdRecord& rec) {
     bytes += ErdSampleText(rec.Elevation[i]);
     bytes += kCrLf;
   }
-  WriteFileBytesAtomically(path, bytes);
+  return bytes;
+}
+
+bool WriteERD(const std::string& path, const ErdRecord& rec) {
+  WriteFileBytesAtomically(path, ErdFileBytes(path, rec));
   return true;
 }
 

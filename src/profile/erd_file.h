@@ -38,6 +38,10 @@ bool IsWritableElevation(double elevation);
 // finite raises LegacyError naming the file, and the old file stays. Returns true.
 bool WriteERD(const std::string& path, const ErdRecord& rec);
 
+// The bytes WriteERD writes for `rec` (Shift-JIS, CR LF); `path` only names the file in the error
+// raised when NumSamples exceeds the elevations held.
+std::string ErdFileBytes(const std::string& path, const ErdRecord& rec);
+
 // Replaces the TITLE line of an existing ERD file by "TITLE   " + newTitle; the other lines are kept.
 // Shows "ファイル更新" unless `showMessage` is false. False (with a message) when the file is missing
 // or cannot be rewritten; the original then stays as it was.

@@ -19,10 +19,11 @@ namespace {
 
 constexpr std::string_view kTitle = "プロジェクトの読込";
 
-std::vector<std::string> SplitAtComma(std::string_view line) {
+// The fields between the separators, trimmed; no quoting, as the file has none.
+std::vector<std::string> Split(std::string_view line, char separator) {
   std::vector<std::string> fields;
   std::size_t from = 0;
-  for (std::size_t at = line.find(','); at != std::string_view::npos; at = line.find(',', from)) {
+  for (std::size_t at = line.find(separator); at != std::string_view::npos; at = line.find(separator, from)) {
     fields.push_back(Trim(line.substr(from, at - from)));
     from = at + 1;
   }
@@ -75,7 +76,7 @@ class Reader {
   }
 
   std::vector<std::string> Fields(std::size_t expected, std::size_t& number) {
-    std::vector<std::string> fields = SplitAtComma(Next(number));
+    std::vector<std::string> fields = Split(Next(number), ',');
     if (fields.size() != expected)
       throw Error(number, fmt::format("項目の数が {} 個です（{} 個のはずです）。", fields.size(), expected));
     return fields;
@@ -103,14 +104,7 @@ class Reader {
   void ReadVersion(ProjectRecord& project) {
     std::size_t number = 0;
     const std::string text = Next(number);
-    const std::vector<std::string> parts = [&] {
-      std::vector<std::string> split{""};
-      for (char c : text) {
-        if (c == '.') split.emplace_back();
-        else split.back() += c;
-      }
-      return split;
-    }();
+    const std::vector<std::string> parts = Split(text, '.');
     if (parts.size() != 3) throw Error(number, fmt::format("バージョンではありません：{}", text));
     project.VerMajor = Whole(parts[0], number);
     project.VerMinor = Whole(parts[1], number);
@@ -179,7 +173,7 @@ class Reader {
   template <class T>
   std::vector<T> CountedList(double least, double most) {
     std::size_t number = 0;
-    const std::vector<std::string> f = SplitAtComma(Next(number));
+    const std::vector<std::string> f = Split(Next(number), ',');
     const std::int32_t count = Count(f[0], number);
     if (f.size() != static_cast<std::size_t>(count) + 1)
       throw Error(number, fmt::format("項目の数が {} 個です（{} 個のはずです）。", f.size(), count + 1));

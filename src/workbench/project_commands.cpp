@@ -2,6 +2,7 @@
 #include "workbench/project_commands.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <future>
 #include <thread>
@@ -11,6 +12,7 @@
 #include "base/path_helpers.h"
 #include "base/settings_io.h"
 #include "base/startup.h"
+#include "base/text_encoding.h"
 #include "base/user_interaction.h"
 #include "profile/erd_file.h"
 #include "profile/profile_tab.h"
@@ -51,14 +53,17 @@ bool RefuseEmptyProject(Workbench& bench) {
 
 // The ERD file of each profile into `folder`. The files are independent, so the cores share them
 // (a project of fifty long profiles is mostly this and the packing); the first error is raised.
+// They are scratch copies: only the archive made of them waits for the disk.
 void WriteProfileCopies(const ProfileList& profiles, const std::string& folder) {
   const std::int32_t count = profiles.Count();
   const std::int32_t workers = std::clamp<std::int32_t>(static_cast<std::int32_t>(std::thread::hardware_concurrency()), 1, 4);
   std::vector<std::future<void>> done;
   for (std::int32_t w = 0; w < workers; ++w)
     done.push_back(std::async(std::launch::async, [&profiles, &folder, count, workers, w] {
-      for (std::int32_t i = w + 1; i <= count; i += workers)
-        WriteERD(folder + UserDataText(profiles.Items[i].FileName), profiles.Items[i].Erd);
+      for (std::int32_t i = w + 1; i <= count; i += workers) {
+        const std::string path = folder + UserDataText(profiles.Items[i].FileName);
+        WriteFileBytesAtomically(path, ErdFileBytes(path, profiles.Items[i].Erd), FlushTo::System);
+      }
     }));
   for (auto& worker : done) worker.wait();
   for (auto& worker : done) worker.get();
@@ -147,6 +152,13 @@ void DeleteProject(Workbench& bench) {
 }
 
 }  // namespace
+
+int ProjectCommandOfMenu(int menuIndex) {
+  static constexpr std::array<int, 11> kCommands{kProjectNew,    kProjectOpen, kProjectSave, kProjectSaveAs,
+                                                 -1,             kProjectRename, kProjectCopy, -1,
+                                                 kProjectDelete, -1,           -1};
+  return menuIndex >= 0 && menuIndex < static_cast<int>(kCommands.size()) ? kCommands[static_cast<std::size_t>(menuIndex)] : -1;
+}
 
 std::string ProjectTitle(std::string_view projectFile) {
   return " velmora : [ " + flGetFileNameNonExt(projectFile) + " ]";

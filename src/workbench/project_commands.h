@@ -21,6 +21,10 @@ enum ProjectCommand : int {
   kProjectDelete = 6,  // 削除
 };
 
+// The project command of the menu item mnuFileSub(menuIndex); -1 for 終了 (10, which closes the
+// form) and the separators.
+int ProjectCommandOfMenu(int menuIndex);
+
 // " velmora : [ <project name> ]", the name being the file's name without its extension.
 std::string ProjectTitle(std::string_view projectFile);
 

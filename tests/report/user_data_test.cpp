@@ -212,6 +212,14 @@ TEST_F(UserDataTest, FreeTextsWithACommaAreWrittenFullWidthAndTheUserIsToldOnce)
   EXPECT_EQ(read.Profiles.Items[1].RouteName, "a，b");
 }
 
+TEST_F(UserDataTest, ABarInACommentComesBackAsALineBreakAndLoneBreaksAreKeptOnTheLine) {
+  project.Profiles.Items[1].Comment = "a｜b\nc\rd";
+  const Lines lines = Written();
+  EXPECT_EQ(lines[23], "    0, a.erd, $(AppPath)/data/a.erd, 国道１号, 2024/03/05 00:00:00, a｜b｜c｜d");
+  Parse(lines);
+  EXPECT_EQ(read.Profiles.Items[1].Comment, "a\r\nb\r\nc\r\nd");
+}
+
 TEST_F(UserDataTest, LinesTheReaderPassesOverAndSectionsItDoesNotRead) {
   Lines lines = Written();
   lines[13] = "; a remark the main loop skips";

@@ -346,5 +346,11 @@ TEST_F(ProjectCommandsTest, RenameCopyAndDeleteOfTheProjectFile) {
   EXPECT_EQ(std::tuple(bench.ProfileCount(), bench.WindowTitle), std::tuple(0, std::string(kTitleNew)));
 }
 
+TEST(ProjectMenu, ItemsStandForTheCommandsAroundTheSeparators) {
+  std::vector<int> commands;
+  for (int item = 0; item <= 11; ++item) commands.push_back(ProjectCommandOfMenu(item));
+  EXPECT_EQ(commands, (std::vector<int>{0, 1, 2, 3, -1, 4, 5, -1, 6, -1, -1, -1}));
+}
+
 }  // namespace
 }  // namespace velmora::workbench
