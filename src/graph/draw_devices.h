@@ -42,18 +42,18 @@ inline constexpr int FocusRect = 12; // dotted inverted rectangle, two corners
 // Hatch styles 0..5: horizontal, vertical, forward diagonal (\), backward diagonal (/), cross, diagonal cross.
 // Draw modes: 13 copy (default), 1 black, 16 white, 6 invert, 7 xor, 9 mask, 15 merge; others copy.
 struct DrawOptions {
-  std::optional<int> Style;
-  std::optional<int> Width;        // pixels
-  std::optional<Colour> Color;     // pen
-  std::optional<Colour> Fill;      // solid brush
-  std::optional<int> Hatch;        // hatch brush (when no solid fill)
-  std::optional<int> Mode;
+  std::optional<int> Style = std::nullopt;
+  std::optional<int> Width = std::nullopt;        // pixels
+  std::optional<Colour> Color = std::nullopt;     // pen
+  std::optional<Colour> Fill = std::nullopt;      // solid brush
+  std::optional<int> Hatch = std::nullopt;        // hatch brush (when no solid fill)
+  std::optional<int> Mode = std::nullopt;
 };
 
 struct TextOptions {
-  std::optional<FontSpec> Font;  // else the surface's font
+  std::optional<FontSpec> Font = std::nullopt;  // else the surface's font
   double Angle = 0;              // degrees, counter-clockwise
-  std::optional<Colour> Color;   // else the surface's pen colour
+  std::optional<Colour> Color = std::nullopt;  // else the surface's pen colour
 };
 
 class DrawDevices {
