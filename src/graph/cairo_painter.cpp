@@ -120,7 +120,12 @@ class CairoPainter : public Painter {
 
   void Finish() override {
     cairo_surface_t* target = cairo_get_target(cr_);
-    cairo_surface_finish(target);
+    // A picture's raster outlives its registration; only a document is closed.
+    if (bytes_ != nullptr) {
+      cairo_surface_finish(target);
+    } else {
+      cairo_surface_flush(target);
+    }
     if (cairo_surface_status(target) != CAIRO_STATUS_SUCCESS)
       throw LegacyError(ErrorNumber::InvalidData, "cannot draw " + file_.string() + ": " +
                                                       cairo_status_to_string(cairo_surface_status(target)));

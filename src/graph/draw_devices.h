@@ -66,7 +66,7 @@ class DrawDevices {
   Hdc regHDCPicture(Picture& picture);
   // An SVG file drawn at the surface's size and scale; the file is written at release, whole.
   Hdc regHDCMetaFile(const std::filesystem::path& fileName, const DrawSurface& surface);
-  // The printer's PDF, first page open; its surface must have been set by PreparePrinter.
+  // The printer's PDF, first page open, its pages the size of its surface (see PreparePrinter).
   Hdc regHDCPrinter(PrinterTarget& printer);
   // 1-based position in the table, 0 when not registered.
   int getHDCnumber(Hdc hdc) const;

@@ -283,6 +283,22 @@ TEST_F(DrawToFiles, PrinterWritesOnePdfPagePerPageChange) {
   EXPECT_EQ(std::distance(std::sregex_iterator(pdf.begin(), pdf.end(), page), std::sregex_iterator()), 2);
 }
 
+TEST_F(DrawToFiles, PictureStaysDrawableAfterReleaseAndSavesAsPng) {
+  Picture picture(100, 100);
+  picture.Surface.Scale(0, 10, 10, 0);
+  DrawDevices devices;
+  DrawSample(devices, devices.regHDCPicture(picture));
+  devices.releaseHDC(picture.hdc());
+  const ColourParts onRedDiagonal = uColourSplit(picture.PixelAt(30, 70));
+  EXPECT_GT(onRedDiagonal.Red, 200);
+  EXPECT_LT(onRedDiagonal.Green, 120);
+  const auto file = folder / "sample.png";
+  picture.SavePng(file);
+  const std::string png = ReadFileBytes(file);
+  ASSERT_GT(png.size(), 8u);
+  EXPECT_EQ(png.substr(1, 3), "PNG");
+}
+
 TEST_F(DrawToFiles, UnreleasedTargetsWriteNoFile) {
   Picture picture(50, 50);
   const auto file = folder / "never.svg";

@@ -1,0 +1,53 @@
+#pragma once
+// The charts of the tabs, drawn through the drawing layer into an area of a surface whose y runs
+// downwards. They read the results a profile record holds and change nothing.
+#include <array>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "analysis/psd_view.h"
+#include "graph/chart_panel.h"
+#include "profile/profile_record.h"
+
+namespace velmora::graph {
+
+// Where a chart goes and the colours it uses.
+struct ChartCanvas {
+  DrawDevices& Devices;
+  Hdc Target = 0;
+  const DrawSurface& Surface;
+  Rect Area;
+  FontSpec Font;
+  std::vector<Colour> Palette;     // one colour per profile, in list order, repeating
+  std::array<Colour, 10> Bands{};  // [1..9] octave band colours
+};
+
+Colour PaletteColour(const ChartCanvas& canvas, std::size_t index);
+// The octave's label and wavelength range as the print sheets show them ("１ ＯＣＴ", "(波長51.2～102.4m)").
+std::string OctaveLabel(int band);
+std::string OctaveRange(int band);
+
+// Elevation (mm) against distance (m), the profiles overlaid in their list colours.
+void DrawProfileChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles);
+// The filter's input (light) and output (the profile's colour) for each profile.
+void DrawFilterChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles);
+// 10 m continuous IRI as a line, 10/100/200 m section IRIs as steps; with `bands` a second panel of
+// the nine band IRIs of the first profile.
+void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles, bool bands);
+// The nine octave bands and the long and short sums of one profile, stacked.
+void DrawOctaveChart(const ChartCanvas& canvas, const ProfileRecord& profile);
+// Each band before and after reduction with its limit lines, and the reduced total against the profile.
+void DrawBandReductionChart(const ChartCanvas& canvas, const ProfileRecord& profile, Colour limitColour);
+// PSD (mm²/(cycle/m)) against wave number (cycle/m), log-log: raw spectra, the smoothed curves when
+// given, and the ISO 8608 class boundaries A-H.
+void DrawPsdChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles,
+                  const std::vector<PsdCurve>& smoothed);
+// The repair study of one profile: profile, corrected and ideal shape with their IRIs; L; M and M';
+// S and S'.
+void DrawRepairChart(const ChartCanvas& canvas, const ProfileRecord& profile);
+
+// Splits an area into `count` panels one above the other.
+std::vector<Rect> StackedPanels(const Rect& area, int count);
+
+}  // namespace velmora::graph
