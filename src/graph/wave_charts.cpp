@@ -63,8 +63,8 @@ void WavePanel(const ChartCanvas& canvas, const Rect& area, std::string_view cap
   ChartPanel panel(canvas.Devices, canvas.Target, canvas.Surface, area, {0, length, false, xTitle, 8},
                    {range.first, range.second, false, "mm", 4}, canvas.Font);
   panel.DrawAxes(caption, background);
-  for (const auto& rule : rules) panel.HorizontalRule(rule.first, rule.second);
   for (const WaveLine& line : lines) panel.Wave(0, line.Pitch, line.Values, line.Pen);
+  for (const auto& rule : rules) panel.HorizontalRule(rule.first, rule.second);
   if (!legend.empty()) panel.Legend(legend);
 }
 
@@ -152,7 +152,9 @@ void DrawBandReductionChart(const ChartCanvas& canvas, const ProfileRecord& prof
     std::vector<std::pair<double, DrawOptions>> rules;
     std::string caption = fmt::format("{} {}", OctaveLabel(band), OctaveRange(band));
     if (limit > 0 && limit < 1e30) {
-      rules = {{limit, {.Style = 1, .Color = limitColour}}, {-limit, {.Style = 1, .Color = limitColour}}};
+      // A limit line in the band's own colour would vanish into the wave.
+      const Colour colour = limitColour == canvas.Bands[at] ? kBlack : limitColour;
+      rules = {{limit, {.Style = 1, .Color = colour}}, {-limit, {.Style = 1, .Color = colour}}};
       caption += fmt::format("  低減ライン ±{:.2f} mm", limit);
     }
     WavePanel(canvas, panels[at - 1], caption, length,
@@ -175,15 +177,15 @@ void DrawRepairChart(const ChartCanvas& canvas, const ProfileRecord& profile) {
   const std::vector<Rect> panels = StackedPanels(canvas.Area, 4);
   const double pitch = PitchOf(profile);
   const double length = std::fmax(pitch, (profile.WorkCount - 1) * pitch);
-  const Colour kProfile = 0x808080, kCorrected = 0x00A000, kIdeal = 0x0000E0;
+  const Colour kProfile = 0x808080, kCorrected = 0x00A000, kIdeal = 0xE00000;
   WavePanel(canvas, panels[0],
             fmt::format("補修形状  IRI: プロファイル {}  修正 {}  理想形状 {} (mm/m)",
                         IriText(study.ProfileIri.IriWholeProfile), IriText(outcome.Corrected.Iri.IriWholeProfile),
                         IriText(study.IdealShape.Iri.IriWholeProfile)),
             length,
             {{Samples(profile.WorkProfile, profile.WorkCount), pitch, {.Color = kProfile}},
-             {Samples(outcome.Corrected.Wave), pitch, {.Color = kCorrected}},
-             {Samples(study.IdealShape.Wave), pitch, {.Width = 2, .Color = kIdeal}}},
+             {Samples(study.IdealShape.Wave), pitch, {.Width = 2, .Color = kIdeal}},
+             {Samples(outcome.Corrected.Wave), pitch, {.Color = kCorrected}}},
             {{"プロファイル", kProfile}, {"修正 (L+M'+S)", kCorrected}, {"理想形状 (L+M'+S')", kIdeal, 0, 2}}, false,
             "");
   WavePanel(canvas, panels[1], fmt::format("L波 (波長 {:g} m 以上)", split.LongBoundary), length,
