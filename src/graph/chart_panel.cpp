@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/common.h"
+#include "base/legacy_format.h"
 #include "graph/clip_geometry.h"
 #include "graph/wave_envelope.h"
 
@@ -14,6 +15,10 @@ constexpr Colour kGrid = 0xDDDDDD;
 constexpr Colour kFrame = 0x404040;
 
 bool Usable(double value) { return std::isfinite(value) && value != kNoValue; }
+
+std::string TickLabel(const AxisSpec& axis, double value) {
+  return axis.LabelFormat.empty() ? AxisLabel(value) : FormatNumber(value, axis.LabelFormat);
+}
 
 AxisDivision Divide(const AxisSpec& axis) {
   if (axis.Log) return autoScaleLogAxis(axis.Min, axis.Max);
@@ -61,10 +66,10 @@ ChartPanel::ChartPanel(DrawDevices& devices, Hdc hdc, const DrawSurface& surface
   yDivision_ = Divide(yAxis_);
   const double line = devices_.TextHeight(hdc_, font_);
   double widest = 0;
-  for (double v : yDivision_.Values) widest = std::fmax(widest, devices_.TextWidth(hdc_, AxisLabel(v), font_));
+  for (double v : yDivision_.Values) widest = std::fmax(widest, devices_.TextWidth(hdc_, TickLabel(yAxis_, v), font_));
   const double gap = line * 0.4;
   frame_ = {outer.Left + widest + gap * 2 + (yAxis_.Title.empty() ? 0 : line + gap), outer.Top + line + gap,
-            outer.Right - devices_.TextWidth(hdc_, AxisLabel(xDivision_.High()), font_) / 2 - gap,
+            outer.Right - devices_.TextWidth(hdc_, TickLabel(xAxis_, xDivision_.High()), font_) / 2 - gap,
             outer.Bottom - line - gap * 2 - (xAxis_.Title.empty() ? 0 : line + gap)};
 }
 
@@ -95,12 +100,12 @@ void ChartPanel::DrawAxes(std::string_view caption, Colour background) {
   const TextOptions label{.Font = font_, .Color = kFrame};
   for (double v : xDivision_.Values) {
     devices_.drLine(hdc_, X(v), frame_.Top, X(v), frame_.Bottom, grid);
-    const std::string text = AxisLabel(v);
+    const std::string text = TickLabel(xAxis_, v);
     devices_.drText(hdc_, X(v) - devices_.TextWidth(hdc_, text, font_) / 2, frame_.Bottom + gap, text, label);
   }
   for (double v : yDivision_.Values) {
     devices_.drLine(hdc_, frame_.Left, Y(v), frame_.Right, Y(v), grid);
-    const std::string text = AxisLabel(v);
+    const std::string text = TickLabel(yAxis_, v);
     devices_.drText(hdc_, frame_.Left - gap - devices_.TextWidth(hdc_, text, font_), Y(v) - line / 2, text, label);
   }
   if (!yAxis_.Log && yDivision_.Low() < 0 && yDivision_.High() > 0)
@@ -112,7 +117,7 @@ void ChartPanel::DrawAxes(std::string_view caption, Colour background) {
                     frame_.Bottom + line + gap * 2, xAxis_.Title, label);
   if (!yAxis_.Title.empty()) {
     double widest = 0;
-    for (double v : yDivision_.Values) widest = std::fmax(widest, devices_.TextWidth(hdc_, AxisLabel(v), font_));
+    for (double v : yDivision_.Values) widest = std::fmax(widest, devices_.TextWidth(hdc_, TickLabel(yAxis_, v), font_));
     devices_.drText(hdc_, frame_.Left - widest - gap * 2 - line,
                     (frame_.Top + frame_.Bottom + devices_.TextWidth(hdc_, yAxis_.Title, font_)) / 2, yAxis_.Title,
                     {.Font = font_, .Angle = 90, .Color = kFrame});

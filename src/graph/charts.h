@@ -47,7 +47,11 @@ void DrawPsdChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
 // S and S'.
 void DrawRepairChart(const ChartCanvas& canvas, const ProfileRecord& profile);
 
-// Splits an area into `count` panels one above the other.
-std::vector<Rect> StackedPanels(const Rect& area, int count);
+// The colour of a band's limit lines: the limit colour, or black where the band is drawn in it.
+Colour LimitLineColourFor(Colour limitColour, Colour bandColour);
+
+// Splits an area into `count` panels one above the other; the last one also gets `extraForLast`
+// (room for the x axis title under it) so that all plots are of one height.
+std::vector<Rect> StackedPanels(const Rect& area, int count, double extraForLast = 0);
 
 }  // namespace velmora::graph

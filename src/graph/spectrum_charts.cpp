@@ -4,15 +4,12 @@
 #include <cmath>
 
 #include "base/common.h"
+#include "graph/chart_data.h"
 #include "graph/charts.h"
 #include "profile/profile_list.h"
 
 namespace velmora::graph {
 namespace {
-
-double PitchOf(const ProfileRecord& profile) {
-  return profile.SamplesPerMetre > 0 ? 1.0 / profile.SamplesPerMetre : profile.Erd.StepSize;
-}
 
 Colour Lighter(Colour colour) {
   const ColourParts parts = uColourSplit(colour);
@@ -20,15 +17,10 @@ Colour Lighter(Colour colour) {
   return MakeColour(light(parts.Red), light(parts.Green), light(parts.Blue));
 }
 
-// Where the window values of a profile lie: each at the end of its window, the windows starting after
-// the responses' base length.
 std::vector<double> WindowPositions(const ProfileRecord& p) {
-  const IriResults& iri = p.Analysis.Iri;
-  const double dx = PitchOf(p);
-  const std::int32_t window = iri.IriResponseCount - iri.IriWindowCount + 1;
-  const std::int32_t base = p.WorkCount - iri.IriResponseCount;
-  std::vector<double> xs(static_cast<std::size_t>(std::max(0, iri.IriWindowCount)));
-  for (std::size_t k = 0; k < xs.size(); ++k) xs[k] = (static_cast<double>(k) + window - 1 + base) * dx;
+  const double first = FirstIriWindowAt(p), dx = PitchOf(p);
+  std::vector<double> xs(static_cast<std::size_t>(std::max(0, p.Analysis.Iri.IriWindowCount)));
+  for (std::size_t k = 0; k < xs.size(); ++k) xs[k] = first + static_cast<double>(k) * dx;
   return xs;
 }
 
@@ -47,10 +39,7 @@ SectionSteps StepsOf(const SectionIri& sections, const Array1<SectionEntry>& ent
   return steps;
 }
 
-std::span<const double> Values(const WaveSeries& wave) {
-  return wave.Values.size() == 0 ? std::span<const double>{}
-                                 : std::span<const double>(&wave.Values[1], static_cast<std::size_t>(wave.Values.size()));
-}
+std::span<const double> Values(const WaveSeries& wave) { return Samples(wave); }
 
 }  // namespace
 
@@ -59,7 +48,7 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
   std::vector<Rect> panels = withBands ? StackedPanels(canvas.Area, 2) : std::vector<Rect>{canvas.Area};
   double length = 1, top = 0;
   for (const ProfileRecord* p : profiles) {
-    length = std::fmax(length, (p->WorkCount - 1) * PitchOf(*p));
+    length = std::fmax(length, ProfileLength(*p));
     top = std::fmax(top, ValueRange(Values(p->Analysis.Iri.IriWindowWave)).second);
   }
   ChartPanel panel(canvas.Devices, canvas.Target, canvas.Surface, panels[0], {0, length, false, "距離 (m)", 8},

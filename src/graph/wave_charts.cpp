@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/common.h"
+#include "graph/chart_data.h"
 #include "graph/charts.h"
 #include "profile/profile_list.h"
 #include "repair/ideal_shape.h"
@@ -12,17 +13,7 @@ namespace velmora::graph {
 namespace {
 
 constexpr Colour kInputGrey = 0xB0B0B0;
-
-double PitchOf(const ProfileRecord& profile) {
-  return profile.SamplesPerMetre > 0 ? 1.0 / profile.SamplesPerMetre : profile.Erd.StepSize;
-}
-
-std::span<const double> Samples(const Array1<double>& values, std::ptrdiff_t count) {
-  const std::ptrdiff_t n = std::min<std::ptrdiff_t>(count, values.size());
-  return n <= 0 ? std::span<const double>{} : std::span<const double>(&values[1], static_cast<std::size_t>(n));
-}
-
-std::span<const double> Samples(const WaveSeries& wave) { return Samples(wave.Values, wave.Values.size()); }
+constexpr double kTitleRoom = 22;  // pixels under the last of stacked panels for its x axis title
 
 void Extend(std::pair<double, double>& range, std::span<const double> values, bool& any) {
   if (values.empty()) return;
@@ -34,7 +25,7 @@ void Extend(std::pair<double, double>& range, std::span<const double> values, bo
 // Distance (m) from 0 to the longest of the waves.
 double LongestDistance(std::span<const ProfileRecord* const> profiles) {
   double length = 0;
-  for (const ProfileRecord* p : profiles) length = std::fmax(length, (p->WorkCount - 1) * PitchOf(*p));
+  for (const ProfileRecord* p : profiles) length = std::fmax(length, ProfileLength(*p));
   return length > 0 ? length : 1;
 }
 
@@ -87,12 +78,18 @@ std::string OctaveRange(int band) {
   return fmt::format("(波長{}m)", kRanges[band]);
 }
 
-std::vector<Rect> StackedPanels(const Rect& area, int count) {
+std::vector<Rect> StackedPanels(const Rect& area, int count, double extraForLast) {
   std::vector<Rect> panels;
-  const double height = area.Height() / count;
+  const double height = (area.Height() - extraForLast) / count;
   for (int i = 0; i < count; ++i)
     panels.push_back({area.Left, area.Top + height * i, area.Right, area.Top + height * (i + 1)});
+  panels.back().Bottom = area.Bottom;
   return panels;
+}
+
+Colour LimitLineColourFor(Colour limitColour, Colour bandColour) {
+  // A limit line in the band's own colour would vanish into the wave.
+  return limitColour == bandColour ? kBlack : limitColour;
 }
 
 void DrawProfileChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles) {
@@ -124,9 +121,9 @@ void DrawFilterChart(const ChartCanvas& canvas, std::span<const ProfileRecord* c
 
 void DrawOctaveChart(const ChartCanvas& canvas, const ProfileRecord& profile) {
   const OctaveBandSet& octave = profile.Analysis.Octave;
-  const std::vector<Rect> panels = StackedPanels(canvas.Area, 11);
+  const std::vector<Rect> panels = StackedPanels(canvas.Area, 11, kTitleRoom);
   const double pitch = PitchOf(profile);
-  const double length = std::fmax(pitch, (profile.WorkCount - 1) * pitch);
+  const double length = ProfileLength(profile);
   for (int band = 1; band <= 9; ++band) {
     const OctaveBand& b = octave.Band[static_cast<std::size_t>(band)];
     WavePanel(canvas, panels[static_cast<std::size_t>(band - 1)],
@@ -143,17 +140,16 @@ void DrawOctaveChart(const ChartCanvas& canvas, const ProfileRecord& profile) {
 void DrawBandReductionChart(const ChartCanvas& canvas, const ProfileRecord& profile, Colour limitColour) {
   const BandReductionBlock& reduction = profile.Analysis.BandReduction;
   const OctaveBandSet& octave = profile.Analysis.Octave;
-  const std::vector<Rect> panels = StackedPanels(canvas.Area, 10);
+  const std::vector<Rect> panels = StackedPanels(canvas.Area, 10, kTitleRoom);
   const double pitch = PitchOf(profile);
-  const double length = std::fmax(pitch, (profile.WorkCount - 1) * pitch);
+  const double length = ProfileLength(profile);
   for (int band = 1; band <= 9; ++band) {
     const auto at = static_cast<std::size_t>(band);
     const double limit = reduction.Limits[at];
     std::vector<std::pair<double, DrawOptions>> rules;
     std::string caption = fmt::format("{} {}", OctaveLabel(band), OctaveRange(band));
     if (limit > 0 && limit < 1e30) {
-      // A limit line in the band's own colour would vanish into the wave.
-      const Colour colour = limitColour == canvas.Bands[at] ? kBlack : limitColour;
+      const Colour colour = LimitLineColourFor(limitColour, canvas.Bands[at]);
       rules = {{limit, {.Style = 1, .Color = colour}}, {-limit, {.Style = 1, .Color = colour}}};
       caption += fmt::format("  低減ライン ±{:.2f} mm", limit);
     }
@@ -174,9 +170,9 @@ void DrawRepairChart(const ChartCanvas& canvas, const ProfileRecord& profile) {
   const ThreeWaveSplit& split = profile.ThreeWave;
   const RepairStudyData& study = profile.RepairStudy;
   const MWaveOutcome& outcome = ChosenOutcome(profile);
-  const std::vector<Rect> panels = StackedPanels(canvas.Area, 4);
+  const std::vector<Rect> panels = StackedPanels(canvas.Area, 4, kTitleRoom);
   const double pitch = PitchOf(profile);
-  const double length = std::fmax(pitch, (profile.WorkCount - 1) * pitch);
+  const double length = ProfileLength(profile);
   const Colour kProfile = 0x808080, kCorrected = 0x00A000, kIdeal = 0xE00000;
   WavePanel(canvas, panels[0],
             fmt::format("補修形状  IRI: プロファイル {}  修正 {}  理想形状 {} (mm/m)",

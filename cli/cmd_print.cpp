@@ -1,0 +1,106 @@
+// velmora print: the printed sheets as PDF pages: the profile split sheet with its nine octave panels
+// (one page per profile, then the decomposition statistics when the options ask for them), or the IRI
+// sheet of all profiles. Scales and colours from a print options file (.prt) when one is given.
+#include <fmt/format.h>
+
+#include "base/legacy_error.h"
+#include "base/legacy_format.h"
+#include "command_session.h"
+#include "graph/paper_size.h"
+#include "graph/print_sheets.h"
+#include "messages.h"
+#include "profile/profile_list.h"
+
+namespace velmora::cli {
+namespace {
+
+struct PrintOptionsFlags {
+  std::string Sheet;
+  std::vector<std::string> Files;
+  std::string Options;      // .prt to read
+  std::string SaveOptions;  // name of a .prt to write into -o
+};
+
+// The sheets' computations: band reduction (with the octave split) and IRI for every file.
+bool ComputeSheets(CommandSession& session, bool octave) {
+  workbench::Workbench& bench = session.Bench;
+  bench.DispGrp = true;
+  bench.SelectAll(workbench::tab::Iri);
+  if (!bench.Go(workbench::tab::Iri)) return false;
+  if (!octave) return true;
+  bench.SelectAll(workbench::tab::BandReduction);
+  return bench.Go(workbench::tab::BandReduction);
+}
+
+void ComposeSheets(CommandSession& session, const PrintOptionsFlags& o, const graph::PrintOptions& options,
+                   const std::filesystem::path& file) {
+  workbench::Workbench& bench = session.Bench;
+  std::vector<const ProfileRecord*> profiles;
+  for (int row : bench.Selection(workbench::tab::Iri)) profiles.push_back(&bench.Profile(row));
+  const bool octave = o.Sheet == "octave";
+  graph::PrinterTarget printer;
+  printer.OutputFile = file;
+  printer.Orientation = octave ? graph::kPortrait : graph::kLandscape;
+  graph::PreparePrinter(printer);
+  graph::DrawDevices devices;
+  const graph::Hdc hdc = devices.regHDCPrinter(printer);
+  const graph::SheetTarget sheet{devices, hdc, printer.Surface};
+  const graph::SheetScales scales{options, !o.Options.empty()};
+  const CalcConditions& conditions = session.Engine.CurrentConditions;
+  if (octave) {
+    for (std::size_t i = 0; i < profiles.size(); ++i) {
+      if (i > 0) devices.pageChange(hdc);
+      graph::Print_印刷パターン_v01(sheet, *profiles[i], scales, conditions.BandColours);
+    }
+    if (options.PrintStatistics) {
+      devices.pageChange(hdc);
+      graph::Print_プロファイル分解(sheet, profiles, conditions.Iri.Speed);
+    }
+  } else {
+    graph::Print_印刷パターン_v02(sheet, profiles, scales, session.Engine.Settings.PaletteProfile);
+  }
+  devices.releaseHDC(hdc);
+}
+
+int RunPrintCommand(const CommonOptions& common, const PrintOptionsFlags& o) {
+  auto session = OpenSession(common, o.Files, workbench::tab::Iri);
+  if (!session) return 1;
+  graph::PrintOptions options = graph::DefaultPrintOptions();
+  try {
+    if (!o.Options.empty() && !graph::ReadPrintoption(session->Engine, o.Options, options)) return 1;
+    if (!ComputeSheets(*session, o.Sheet == "octave")) return 1;
+    const std::string stamp = FormatDateTime(session->Run.Stamp, "YYYYMMDDHHNNSS");
+    const std::string stem = o.Files.size() == 1 && session->Bench.ProfileCount() == 1
+                                 ? ProfileList::NameOf(session->Bench.Profile(1)) + "_"
+                                 : std::string();
+    ComposeSheets(*session, o, options,
+                  session->Run.Staging() / fmt::format("{}print_{}_{}.pdf", stem, o.Sheet, stamp));
+    if (!o.SaveOptions.empty())
+      graph::WritePrintoption(session->Engine, session->Run.Staging() / (o.SaveOptions + ".prt"), options);
+  } catch (const LegacyError& error) {
+    PrintProblem(session->Run, "", error.what());
+    return 1;
+  }
+  return 0;
+}
+
+}  // namespace
+
+VELMORA_COMMAND("print",
+                "printed sheets as PDF pages (A4): octave (profile, 10 m IRI and nine octave panels per profile, "
+                "mm) or iri (IRI in mm/m against KP)",
+                [](CLI::App& cmd, const CommonOptions& common) -> std::function<int()> {
+                  auto o = std::make_shared<PrintOptionsFlags>();
+                  cmd.add_option("--sheet", o->Sheet, "the sheet: octave or iri")
+                      ->required()
+                      ->check(CLI::IsMember({"octave", "iri"}));
+                  AddFilesArgument(cmd, o->Files);
+                  cmd.add_option("--options", o->Options,
+                                 "print options file (.prt): axis scales (mm, mm/m), header items, colours, layout")
+                      ->check(CLI::ExistingFile);
+                  cmd.add_option("--save-options", o->SaveOptions,
+                                 "also write the options in force as NAME.prt into the output folder");
+                  return [&common, o] { return RunPrintCommand(common, *o); };
+                });
+
+}  // namespace velmora::cli
