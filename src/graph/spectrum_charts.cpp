@@ -134,7 +134,7 @@ void DrawPsdChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
     const double atN0 = 32 * std::pow(4.0, k);
     const double ys[] = {atN0 * std::pow(xs[0] / 0.1, -2), atN0 * std::pow(xs[1] / 0.1, -2)};
     if (k <= 6) panel.Line(xs, ys, {.Style = 2, .Color = 0xA0A0A0});  // class H has no upper bound
-    const double labelN = std::sqrt(xs[0] * xs[1]);
+    const double labelN = xs[1] / 1.5;  // near the right edge, where the spectra have fallen away
     const double labelY = atN0 / 2 * std::pow(labelN / 0.1, -2);
     if (labelY > panel.YDivision().Low() && labelY < panel.YDivision().High())
       canvas.Devices.drText(canvas.Target, panel.X(labelN), panel.Y(labelY), std::string(1, static_cast<char>('A' + k)),
