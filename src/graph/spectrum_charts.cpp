@@ -39,7 +39,10 @@ SectionSteps StepsOf(const SectionIri& sections, const Array1<SectionEntry>& ent
   return steps;
 }
 
-std::span<const double> Values(const WaveSeries& wave) { return Samples(wave); }
+// A window series of the profile: only its first IriWindowCount values are windows.
+std::span<const double> Windows(const ProfileRecord& p, const WaveSeries& wave) {
+  return Samples(wave.Values, p.Analysis.Iri.IriWindowCount);
+}
 
 }  // namespace
 
@@ -49,7 +52,7 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
   double length = 1, top = 0;
   for (const ProfileRecord* p : profiles) {
     length = std::fmax(length, ProfileLength(*p));
-    top = std::fmax(top, ValueRange(Values(p->Analysis.Iri.IriWindowWave)).second);
+    top = std::fmax(top, ValueRange(Windows(*p, p->Analysis.Iri.IriWindowWave)).second);
   }
   ChartPanel panel(canvas.Devices, canvas.Target, canvas.Surface, panels[0], {0, length, false, "距離 (m)", 8},
                    {0, top, false, "IRI (mm/m)", 5}, canvas.Font);
@@ -59,7 +62,7 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
     const ProfileRecord& p = *profiles[i];
     const Colour colour = PaletteColour(canvas, i);
     const std::vector<double> xs = WindowPositions(p);
-    panel.Line(xs, Values(p.Analysis.Iri.IriWindowWave), {.Color = Lighter(colour)});
+    panel.Line(xs, Windows(p, p.Analysis.Iri.IriWindowWave), {.Color = Lighter(colour)});
     const SectionIri& sections = p.Analysis.Sections;
     const SectionSteps s10 = StepsOf(sections, sections.Sec10), s100 = StepsOf(sections, sections.Sec100),
                        s200 = StepsOf(sections, sections.Sec200);
@@ -79,7 +82,7 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
   const ProfileRecord& first = *profiles[0];
   double bandTop = 0;
   for (int band = 1; band <= 9; ++band)
-    bandTop = std::fmax(bandTop, ValueRange(Values(first.Analysis.Iri.IriWindowBand[static_cast<std::size_t>(band)])).second);
+    bandTop = std::fmax(bandTop, ValueRange(Windows(first, first.Analysis.Iri.IriWindowBand[static_cast<std::size_t>(band)])).second);
   ChartPanel bandPanel(canvas.Devices, canvas.Target, canvas.Surface, panels[1], {0, length, false, "距離 (m)", 8},
                        {0, bandTop, false, "IRI (mm/m)", 5}, canvas.Font);
   bandPanel.DrawAxes(fmt::format("{}  バンド別 IRI (10m 連続)", ProfileList::NameOf(first)));
@@ -87,7 +90,7 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
   std::vector<LegendEntry> bandLegend;
   for (int band = 1; band <= 9; ++band) {
     const Colour colour = canvas.Bands[static_cast<std::size_t>(band)];
-    bandPanel.Line(xs, Values(first.Analysis.Iri.IriWindowBand[static_cast<std::size_t>(band)]), {.Color = colour});
+    bandPanel.Line(xs, Windows(first, first.Analysis.Iri.IriWindowBand[static_cast<std::size_t>(band)]), {.Color = colour});
     bandLegend.push_back({OctaveLabel(band), colour});
   }
   bandPanel.Legend(bandLegend);
