@@ -5,6 +5,7 @@
 
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
+#include "base/progress.h"
 #include "command_session.h"
 #include "graph/paper_size.h"
 #include "graph/print_sheets.h"
@@ -48,11 +49,16 @@ void ComposeSheets(CommandSession& session, const PrintOptionsFlags& o, const gr
   const graph::SheetScales scales{options, !o.Options.empty()};
   const CalcConditions& conditions = session.Engine.CurrentConditions;
   if (octave) {
-    for (std::size_t i = 0; i < profiles.size(); ++i) {
-      if (i > 0) devices.pageChange(hdc);
-      graph::Print_印刷パターン_v01(sheet, *profiles[i], scales, conditions.BandColours);
+    {
+      ProgressScope progress(session.Engine.Ui(), "印刷イメージの作成", "しばらくお待ちください。");
+      for (std::size_t i = 0; i < profiles.size(); ++i) {
+        if (i > 0) devices.pageChange(hdc);
+        graph::Print_印刷パターン_v01(sheet, *profiles[i], scales, conditions.BandColours);
+        ReportProgress(session.Engine.Ui(), static_cast<int>((i + 1) * 100 / profiles.size()));
+      }
     }
     if (options.PrintStatistics) {
+      ProgressScope progress(session.Engine.Ui(), "プロファイル分割図の印刷イメージの作成", "しばらくお待ちください。");
       devices.pageChange(hdc);
       graph::Print_プロファイル分解(sheet, profiles, conditions.Iri.Speed);
     }
