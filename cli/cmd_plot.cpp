@@ -3,6 +3,8 @@
 // per-profile charts (octave, reduce, repair) one file per profile.
 #include <fmt/format.h>
 
+#include <stdexcept>
+
 #include <charconv>
 #include <functional>
 #include <map>
@@ -128,33 +130,42 @@ int RunPlotCommand(const CommonOptions& common, const PlotOptions& o) {
 
   const CalcConditions& conditions = session->Engine.CurrentConditions;
   const std::string stamp = FormatDateTime(session->Run.Stamp, "YYYYMMDDHHNNSS");
+  // One chart file; a fault is said naming the files drawn in it (or the chart file that could not be
+  // written), and the run stops.
   const auto render = [&](const std::string& stem, std::span<const ProfileRecord* const> drawn) {
     const auto file = session->Run.Staging() / fmt::format("{}_{}{}", stem, stamp, graph::ExtensionOf(format));
-    graph::RenderChart(format, file, width, height, o.Dpi,
-                       [&](graph::DrawDevices& devices, graph::Hdc hdc, const graph::DrawSurface& surface) {
-                         const ChartCanvas canvas{.Devices = devices,
-                                                  .Target = hdc,
-                                                  .Surface = surface,
-                                                  .Area = {16, 12, width - 16.0, height - 12.0},
-                                                  .Font = graph::FontSpec(),
-                                                  .Palette = session->Engine.Settings.PaletteProfile,
-                                                  .Bands = conditions.BandColours};
-                         DrawKind(canvas, o.Kind, drawn, curves, o.Bands, conditions.LineColour);
-                       });
-  };
-  try {
-    if (setup.PerProfile) {
-      for (const ProfileRecord* p : profiles)
-        render(fmt::format("{}_{}", ProfileList::NameOf(*p), o.Kind), std::span(&p, 1));
-    } else {
-      render(profiles.size() == 1 ? fmt::format("{}_{}", ProfileList::NameOf(*profiles[0]), o.Kind) : o.Kind,
-             profiles);
+    try {
+      graph::RenderChart(format, file, width, height, o.Dpi,
+                         [&](graph::DrawDevices& devices, graph::Hdc hdc, const graph::DrawSurface& surface) {
+                           const ChartCanvas canvas{.Devices = devices,
+                                                    .Target = hdc,
+                                                    .Surface = surface,
+                                                    .Area = {16, 12, width - 16.0, height - 12.0},
+                                                    .Font = graph::FontSpec(),
+                                                    .Palette = session->Engine.Settings.PaletteProfile,
+                                                    .Bands = conditions.BandColours};
+                           DrawKind(canvas, o.Kind, drawn, curves, o.Bands, conditions.LineColour);
+                         });
+    } catch (const LegacyError& error) {
+      PrintProblem(session->Run, "", error.what());
+      return false;
+    } catch (const std::invalid_argument& error) {  // data no axis can be divided over
+      std::string names;
+      for (const ProfileRecord* p : drawn) names += (names.empty() ? "" : ", ") + p->FilePath;
+      PrintProblem(session->Run, names, error.what());
+      return false;
     }
-  } catch (const LegacyError& error) {
-    PrintProblem(session->Run, "", error.what());
-    return 1;
+    return true;
+  };
+  if (setup.PerProfile) {
+    for (const ProfileRecord* p : profiles)
+      if (!render(fmt::format("{}_{}", ProfileList::NameOf(*p), o.Kind), std::span(&p, 1))) return 1;
+    return 0;
   }
-  return 0;
+  return render(profiles.size() == 1 ? fmt::format("{}_{}", ProfileList::NameOf(*profiles[0]), o.Kind) : o.Kind,
+                profiles)
+             ? 0
+             : 1;
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 // sheet of all profiles. Scales and colours from a print options file (.prt) when one is given.
 #include <fmt/format.h>
 
+#include <stdexcept>
+
 #include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/progress.h"
@@ -84,6 +86,9 @@ int RunPrintCommand(const CommonOptions& common, const PrintOptionsFlags& o) {
     if (!o.SaveOptions.empty())
       graph::WritePrintoption(session->Engine, session->Run.Staging() / (o.SaveOptions + ".prt"), options);
   } catch (const LegacyError& error) {
+    PrintProblem(session->Run, "", error.what());
+    return 1;
+  } catch (const std::invalid_argument& error) {  // data no axis can be divided over
     PrintProblem(session->Run, "", error.what());
     return 1;
   }

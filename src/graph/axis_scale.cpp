@@ -20,7 +20,8 @@ double FindPitch(double delta) {
       if (!(candidate < delta)) return candidate;
     }
   }
-  return Power10(kHighestExponent) * NiceSteps.back();
+  // Ticks further apart than 5e36 would leave the range unmarked; such data is not a road's.
+  throw std::invalid_argument("the axis range is too large to divide");
 }
 
 }  // namespace

@@ -21,7 +21,8 @@ struct AxisDivision {
 // Linear axis over [min, max] (either order) with about `numDiv` steps: the step is the smallest
 // 1, 2, 2.5 or 5 times a power of ten (10^-36 .. 10^36) not below (max - min)/numDiv, and the ends are
 // the multiples of it that enclose the range. A tick within 1/10000 step of zero is exactly 0.
-// numDiv >= 1; an empty range gives a step of 1e-36 and one tick.
+// numDiv >= 1; an empty range gives a step of 1e-36 and one tick. A range that is not finite, or
+// wider than numDiv steps of 5e36, raises std::invalid_argument.
 AxisDivision autoScaleAxis(double min, double max, int numDiv);
 
 // Logarithmic axis: one tick per decade, from the largest power of ten strictly below the low end (an

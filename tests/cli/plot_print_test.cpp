@@ -72,6 +72,11 @@ TEST_F(PlotCommand, BadInputIsNamedAndWritesNothing) {
     EXPECT_NE(Stderr().find(c.message), std::string::npos) << c.arguments << ": " << Stderr();
     EXPECT_TRUE(Written().empty()) << c.arguments;
   }
+  // Elevations no axis can be divided over: the file is named, nothing is written.
+  const std::string huge = WriteErd("huge", {1e300, -1e300, 1e300, -1e300}, 0.1);
+  EXPECT_EQ(Run("plot profile " + huge, "out", "en"), 1);
+  EXPECT_NE(Stderr().find("huge.erd: the axis range is too large to divide"), std::string::npos) << Stderr();
+  EXPECT_TRUE(Written().empty());
   EXPECT_EQ(Run("plot profile '" + (temp / "missing.erd").string() + "'", "out", "en"), 1);
   EXPECT_NE(Stderr().find("missing.erd"), std::string::npos) << Stderr();
   EXPECT_TRUE(Written().empty());

@@ -61,6 +61,7 @@ TEST(AutoScaleAxis, EmptyRangeGivesTheSmallestStepAndOneTick) {
 TEST(AutoScaleAxis, RefusesWhatCannotBeDivided) {
   EXPECT_THROW(autoScaleAxis(0, 1, 0), std::invalid_argument);
   EXPECT_THROW(autoScaleAxis(0, std::numeric_limits<double>::infinity(), 5), std::invalid_argument);
+  EXPECT_THROW(autoScaleAxis(-1e300, 1e300, 5), std::invalid_argument);  // no step of 5e36 or less reaches
 }
 
 TEST(AutoScaleLogAxis, DecadesWithAnExtraOneBelowAnExactPower) {
