@@ -16,6 +16,7 @@
 #include "graph/charts.h"
 #include "messages.h"
 #include "profile/profile_list.h"
+#include "evaluation/cross_correlation.h"
 #include "repair/three_wave.h"
 
 namespace velmora::cli {
@@ -31,9 +32,10 @@ struct PlotOptions {
   double Dpi = 96;
   bool Bands = false;
   int Smooth = 0;
+  std::string MaxShift;  // xcorr: samples
 };
 
-const std::vector<std::string> kKinds{"profile", "iri", "filter", "octave", "reduce", "psd", "repair"};
+const std::vector<std::string> kKinds{"profile", "iri", "filter", "octave", "reduce", "psd", "repair", "xcorr"};
 
 // The tab each kind computes on, and its default picture size (wide for one panel, tall for stacks).
 struct KindSetup {
@@ -51,7 +53,8 @@ KindSetup SetupOf(const std::string& kind, bool bands) {
       {"octave", {workbench::tab::Octave, 1200, 1650, true}},
       {"reduce", {workbench::tab::BandReduction, 1200, 1500, true}},
       {"psd", {workbench::tab::Psd, 1000, 750, false}},
-      {"repair", {workbench::tab::Profile, 1200, 1100, true}}};
+      {"repair", {workbench::tab::Profile, 1200, 1100, true}},
+      {"xcorr", {workbench::tab::Verification, 1000, 600, false}}};
   KindSetup setup = setups.at(kind);
   if (kind == "iri" && bands) setup.Height = 1100;
   return setup;
@@ -79,13 +82,44 @@ bool RunRepairStudy(CommandSession& session) {
          bench.Go(workbench::tab::ShortWave) && bench.Go(workbench::tab::IdealShape);
 }
 
+// The verification with the tab's options (the shift from --max-shift), and the correlation of each
+// later profile against the first at every shift.
+bool RunVerification(CommandSession& session, const PlotOptions& o, std::vector<graph::CorrelationCurve>& curves) {
+  workbench::Workbench& bench = session.Bench;
+  CorrelationOptions& options = bench.Evaluation.Verification.Options;
+  if (!o.MaxShift.empty()) options.MaxShiftText = o.MaxShift;
+  {
+    CliUi::FlagCheck check(session.Ui, {{"--max-shift", "最大ずらし量", ""}});
+    if (!bench.Go(workbench::tab::Verification)) return false;
+  }
+  const CorrelationResults& results = bench.Evaluation.Verification.Results;
+  const auto series = ComparedSeries(bench.Session(), bench.List(), results, bench.Session().CurrentConditions.Iri);
+  for (std::int32_t j = 2; j <= results.Selection.ProfileCount; ++j) {
+    const auto& a = series[0];
+    const auto& b = series[static_cast<std::size_t>(j - 1)];
+    const std::int32_t maxShift = MaxShiftFor(results.Options, a.size());
+    const auto n = static_cast<std::int32_t>(std::min(a.size(), b.size()));
+    curves.push_back({results.Selection.Names[static_cast<std::size_t>(j - 1)], CorrelationByShift(n, a, b, maxShift),
+                      maxShift, results.Cell(1, j).Peak(CorrelationRow::Rho)});
+  }
+  return true;
+}
+
+// What the kinds draw beyond the profile records: smoothed PSD curves, correlation curves.
+struct ExtraCurves {
+  std::vector<PsdCurve> Psd;
+  std::vector<graph::CorrelationCurve> Correlation;
+};
+
 // Computes what the kind draws; the smoothed PSD curves are filled for psd with --smooth.
-bool Compute(CommandSession& session, const PlotOptions& o, int tab, std::vector<PsdCurve>& curves) {
+bool Compute(CommandSession& session, const PlotOptions& o, int tab, ExtraCurves& extra) {
+  std::vector<PsdCurve>& curves = extra.Psd;
   workbench::Workbench& bench = session.Bench;
   bench.DispGrp = true;
   bench.Iri.Bands = o.Bands;
   if (o.Kind == "profile") return true;
   if (o.Kind == "repair") return RunRepairStudy(session);
+  if (o.Kind == "xcorr") return RunVerification(session, o, extra.Correlation);
   if (o.Kind != "psd") return bench.Go(tab);
   if (!bench.ListClick(tab, bench.Selection(tab))) return false;
   if (o.Smooth < 1) return true;
@@ -97,8 +131,10 @@ bool Compute(CommandSession& session, const PlotOptions& o, int tab, std::vector
 }
 
 void DrawKind(const ChartCanvas& canvas, const std::string& kind, std::span<const ProfileRecord* const> profiles,
-              const std::vector<PsdCurve>& curves, bool bands, Colour limitColour) {
+              const ExtraCurves& extra, bool bands, Colour limitColour) {
+  const std::vector<PsdCurve>& curves = extra.Psd;
   if (kind == "profile") graph::DrawProfileChart(canvas, profiles);
+  else if (kind == "xcorr") graph::DrawCorrelationChart(canvas, ProfileList::NameOf(*profiles[0]), extra.Correlation);
   else if (kind == "iri") graph::DrawIriChart(canvas, profiles, bands);
   else if (kind == "filter") graph::DrawFilterChart(canvas, profiles);
   else if (kind == "psd") graph::DrawPsdChart(canvas, profiles, curves);
@@ -118,7 +154,7 @@ int RunPlotCommand(const CommonOptions& common, const PlotOptions& o) {
   }
   auto session = OpenSession(common, o.Files, setup.Tab);
   if (!session) return 1;
-  std::vector<PsdCurve> curves;
+  ExtraCurves curves;
   if (!Compute(*session, o, setup.Tab, curves)) return 1;
 
   workbench::Workbench& bench = session->Bench;
@@ -171,11 +207,11 @@ int RunPlotCommand(const CommonOptions& common, const PlotOptions& o) {
 }  // namespace
 
 VELMORA_COMMAND("plot",
-                "chart of a tab as PNG, SVG or PDF: profile, iri, filter, octave, reduce, psd, repair (lengths in m, "
-                "elevations in mm, IRI in mm/m)",
+                "chart of a tab as PNG, SVG or PDF: profile, iri, filter, octave, reduce, psd, repair, xcorr (lengths in "
+                "m, elevations in mm, IRI in mm/m, shifts in samples)",
                 [](CLI::App& cmd, const CommonOptions& common) -> std::function<int()> {
                   auto o = std::make_shared<PlotOptions>();
-                  cmd.add_option("KIND", o->Kind, "the chart: profile, iri, filter, octave, reduce, psd, repair")
+                  cmd.add_option("KIND", o->Kind, "the chart: profile, iri, filter, octave, reduce, psd, repair, xcorr")
                       ->required()
                       ->check(CLI::IsMember(kKinds));
                   AddFilesArgument(cmd, o->Files);
@@ -189,6 +225,7 @@ VELMORA_COMMAND("plot",
                   cmd.add_flag("--bands", o->Bands, "iri: also the nine octave bands' 10 m IRI (mm/m) of the first file");
                   cmd.add_option("--smooth", o->Smooth, "psd: also the spectrum smoothed to N points per octave")
                       ->check(WholeNumberFrom(1));
+                  cmd.add_option("--max-shift", o->MaxShift, "xcorr: largest shift, samples (default as the tab)");
                   return [&common, o] { return RunPlotCommand(common, *o); };
                 });
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "analysis/psd_view.h"
+#include "evaluation/cross_correlation_kernel.h"
 #include "graph/chart_panel.h"
 #include "profile/profile_record.h"
 
@@ -46,6 +47,18 @@ void DrawPsdChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
 // The repair study of one profile: profile, corrected and ideal shape with their IRIs; L; M and M';
 // S and S'.
 void DrawRepairChart(const ChartCanvas& canvas, const ProfileRecord& profile);
+
+// One compared profile of the verification: its correlation with the base at shifts -MaxShift..MaxShift
+// (samples) and the peak the run reported.
+struct CorrelationCurve {
+  std::string Name;
+  std::vector<double> Rho;
+  std::int32_t MaxShift = 0;
+  CorrelationPeak Peak;
+};
+// Correlation against shift of each profile compared with `baseName`, its peak marked with value and shift.
+void DrawCorrelationChart(const ChartCanvas& canvas, const std::string& baseName,
+                          const std::vector<CorrelationCurve>& curves);
 
 // The colour of a band's limit lines: the limit colour, or black where the band is drawn in it.
 Colour LimitLineColourFor(Colour limitColour, Colour bandColour);

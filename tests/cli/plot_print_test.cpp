@@ -43,6 +43,27 @@ TEST_F(PlotCommand, EveryKindWritesItsPicture) {
   }
 }
 
+TEST_F(PlotCommand, CorrelationChartMarksThePeakTheVerificationReports) {
+  ASSERT_EQ(Run("--no-timestamp --json plot xcorr --format svg --max-shift 50 " + Example("road_a_kp.erd") + " " +
+                Example("road_c_rough.erd")),
+            0)
+      << Stderr();
+  pugi::xml_document svg;
+  ASSERT_TRUE(svg.load_file((temp / "out" / "xcorr.svg").c_str()));
+  EXPECT_FALSE(svg.select_node("//text[text()='相互相関 (基準: road_a_kp)']").node().empty());
+  // ±50 samples in about 8 steps: 12.5 takes the step 20, so ticks -60, -40, ..., 60 in whole samples.
+  EXPECT_FALSE(svg.select_node("//text[text()='-40']").node().empty());
+  // The peak label: "value (shift)"; the same run's table gives the value as the tab shows it.
+  const auto label = svg.select_node("//text[contains(text(), ' (')][contains(text(), ')')][starts-with(text(), '0.')]");
+  ASSERT_FALSE(label.node().empty());
+  ASSERT_EQ(Run("--no-timestamp xcorr --measure correlation --filter iri --max-shift 50 " + Example("road_a_kp.erd") + " " +
+                Example("road_c_rough.erd"), "tables"),
+            0)
+      << Stderr();
+  const std::string value = std::string(label.node().child_value()).substr(0, 6);  // "0.dddd"
+  EXPECT_NE(Stdout().find(value.substr(0, 5)), std::string::npos) << value << "\n" << Stdout();
+}
+
 TEST_F(PlotCommand, SvgAndPdfOfOneProfileAndTheDpiOfAPng) {
   ASSERT_EQ(Run("--no-timestamp plot profile --format svg " + Example("road_b.erd")), 0) << Stderr();
   pugi::xml_document svg;
