@@ -44,8 +44,10 @@ void BM_ProfileChartPng(benchmark::State& state) {
   for (auto _ : state) {
     graph::RenderChart(graph::ChartFormat::Png, file, 1200, 600, 96,
                        [&](graph::DrawDevices& devices, graph::Hdc hdc, const graph::DrawSurface& surface) {
-                         graph::DrawProfileChart({devices, hdc, surface, {16, 12, 1184, 588}, {}, {0x0000FF}, {}},
-                                                 profiles);
+                         const graph::ChartCanvas canvas{.Devices = devices, .Target = hdc, .Surface = surface,
+                                                         .Area = {16, 12, 1184, 588}, .Font = graph::FontSpec(),
+                                                         .Palette = {0x0000FF}};
+                         graph::DrawProfileChart(canvas, profiles);
                        });
   }
   std::filesystem::remove(file);

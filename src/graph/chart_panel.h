@@ -23,9 +23,9 @@ struct AxisSpec {
   double Min = 0;
   double Max = 1;
   bool Log = false;
-  std::string Title;
+  std::string Title{};
   int Divisions = 5;
-  std::string LabelFormat;  // number pattern of the tick labels; empty: chosen per value
+  std::string LabelFormat{};  // number pattern of the tick labels; empty: chosen per value
 };
 
 // The range of the finite values, ignoring the program's "no value"; {0, 1} when there are none.

@@ -19,8 +19,8 @@ struct ChartCanvas {
   Hdc Target = 0;
   const DrawSurface& Surface;
   Rect Area;
-  FontSpec Font;
-  std::vector<Colour> Palette;     // one colour per profile, in list order, repeating
+  FontSpec Font{};
+  std::vector<Colour> Palette{};   // one colour per profile, in list order, repeating
   std::array<Colour, 10> Bands{};  // [1..9] octave band colours
 };
 

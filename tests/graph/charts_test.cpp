@@ -90,7 +90,9 @@ TEST(ChartPanel, MapsTheAxisEndsToTheFrameAndClipsToIt) {
   int inside = 0;
   for (int y = 0; y < 300; ++y) {
     const bool red = picture.PixelAt(column, y) == 0x0000FF;
-    if (y < frame.Top - 1 || y > frame.Bottom + 1) EXPECT_FALSE(red) << y;
+    if (y < frame.Top - 1 || y > frame.Bottom + 1) {
+      EXPECT_FALSE(red) << y;
+    }
     inside += red ? 1 : 0;
   }
   EXPECT_GT(inside, frame.Height() - 3);
@@ -122,7 +124,9 @@ TEST_F(ChartsToSvg, ProfileChartOfAMillionSamplesIsDrawnFromItsEnvelope) {
   const ProfileRecord p = MadeUpProfile("long", 1'000'000);
   const ProfileRecord* profiles[] = {&p};
   const auto doc = Svg(picture.Surface, [&](DrawDevices& devices, Hdc hdc) {
-    DrawProfileChart({devices, hdc, picture.Surface, {0, 0, 800, 400}, {}, {0x0000FF}, {}}, profiles);
+    const ChartCanvas canvas{.Devices = devices, .Target = hdc, .Surface = picture.Surface, .Area = {0, 0, 800, 400}, .Font = FontSpec(),
+                             .Palette = {0x0000FF}};
+    DrawProfileChart(canvas, profiles);
   });
   const auto texts = Texts(doc);
   EXPECT_EQ(texts.count("縦断プロファイル"), 1u);
@@ -145,7 +149,9 @@ TEST_F(ChartsToSvg, OctaveChartLabelsEveryBandWithItsWavelengths) {
   const ProfileRecord p = MadeUpProfile("a");
   std::array<Colour, 10> bands{};
   const auto doc = Svg(picture.Surface, [&](DrawDevices& devices, Hdc hdc) {
-    DrawOctaveChart({devices, hdc, picture.Surface, {0, 0, 900, 1400}, {}, {}, bands}, p);
+    const ChartCanvas canvas{.Devices = devices, .Target = hdc, .Surface = picture.Surface, .Area = {0, 0, 900, 1400}, .Font = FontSpec(),
+                             .Bands = bands};
+    DrawOctaveChart(canvas, p);
   });
   const auto texts = Texts(doc);
   EXPECT_EQ(texts.count("１ ＯＣＴ (波長51.2～102.4m)"), 1u);
