@@ -22,6 +22,7 @@ struct PrintOptionsFlags {
   std::vector<std::string> Files;
   std::string Options;      // .prt to read
   std::string SaveOptions;  // name of a .prt to write into -o
+  std::string Paper = "A4";
 };
 
 // The sheets' computations: band reduction (with the octave split) and IRI for every file.
@@ -43,6 +44,7 @@ void ComposeSheets(CommandSession& session, const PrintOptionsFlags& o, const gr
   const bool octave = o.Sheet == "octave";
   graph::PrinterTarget printer;
   printer.OutputFile = file;
+  printer.PaperSize = *graph::PaperCodeOf(o.Paper);
   printer.Orientation = octave ? graph::kPortrait : graph::kLandscape;
   graph::PreparePrinter(printer);
   graph::DrawDevices devices;
@@ -98,7 +100,7 @@ int RunPrintCommand(const CommonOptions& common, const PrintOptionsFlags& o) {
 }  // namespace
 
 VELMORA_COMMAND("print",
-                "printed sheets as PDF pages (A4): octave (profile, 10 m IRI and nine octave panels per profile, "
+                "printed sheets as PDF pages: octave (profile, 10 m IRI and nine octave panels per profile, "
                 "mm) or iri (IRI in mm/m against KP)",
                 [](CLI::App& cmd, const CommonOptions& common) -> std::function<int()> {
                   auto o = std::make_shared<PrintOptionsFlags>();
@@ -109,6 +111,9 @@ VELMORA_COMMAND("print",
                   cmd.add_option("--options", o->Options,
                                  "print options file (.prt): axis scales (mm, mm/m), header items, colours, layout")
                       ->check(CLI::ExistingFile);
+                  cmd.add_option("--paper", o->Paper, "paper: A0..A5 or JIS B1..B5 (octave upright, iri across)")
+                      ->check(CLI::IsMember({"A0", "A1", "A2", "A3", "A4", "A5", "B1", "B2", "B3", "B4", "B5"}))
+                      ->capture_default_str();
                   cmd.add_option("--save-options", o->SaveOptions,
                                  "also write the options in force as NAME.prt into the output folder");
                   return [&common, o] { return RunPrintCommand(common, *o); };

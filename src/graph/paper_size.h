@@ -2,6 +2,8 @@
 // The printer: a paper size code and orientation, a PDF file its pages go to, and the surface in
 // millimetres that print forms draw on.
 #include <filesystem>
+#include <optional>
+#include <string_view>
 
 #include "graph/draw_surface.h"
 
@@ -20,6 +22,9 @@ struct PrinterTarget {
 
 // Short and long side (mm) of a paper size code; false, both 0, for a code not in the table.
 bool PaperSizeTable(int code, double& shortSide, double& longSide);
+
+// The paper size code of a sheet name, "A0".."A5" or "B1".."B5" (JIS B); nullopt for another name.
+std::optional<int> PaperCodeOf(std::string_view name);
 
 // The sheet's width and height in mm for the printer's paper and orientation (landscape swaps them).
 void GetPaperSize(const PrinterTarget& printer, double& width, double& height);

@@ -183,6 +183,13 @@ TEST(Paper, SizesByCodeAndOrientation) {
   GetPaperSize(printer, width, height);
   EXPECT_EQ(width, 182);
   EXPECT_EQ(height, 257);
+  printer.PaperSize = *PaperCodeOf("A3");
+  GetPaperSize(printer, width, height);
+  EXPECT_EQ(width, 297);
+  EXPECT_EQ(height, 420);
+  EXPECT_EQ(PaperCodeOf("B4"), 12);
+  EXPECT_EQ(PaperCodeOf("A6"), std::nullopt);
+  EXPECT_EQ(PaperCodeOf(""), std::nullopt);  // the second A4 code has no name of its own
   printer.PaperSize = 999;
   GetPaperSize(printer, width, height);
   EXPECT_EQ(width, 0);
