@@ -35,7 +35,7 @@ struct PlotOptions {
   std::string MaxShift;  // xcorr: samples
 };
 
-const std::vector<std::string> kKinds{"profile", "iri", "filter", "octave", "reduce", "psd", "repair", "xcorr"};
+const std::vector<std::string> kKinds{"profile", "iri", "filter", "octave", "reduce", "psd", "repair", "xcorr", "stats"};
 
 // The tab each kind computes on, and its default picture size (wide for one panel, tall for stacks).
 struct KindSetup {
@@ -54,7 +54,8 @@ KindSetup SetupOf(const std::string& kind, bool bands) {
       {"reduce", {workbench::tab::BandReduction, 1200, 1500, true}},
       {"psd", {workbench::tab::Psd, 1000, 750, false}},
       {"repair", {workbench::tab::Profile, 1200, 1100, true}},
-      {"xcorr", {workbench::tab::Verification, 1000, 600, false}}};
+      {"xcorr", {workbench::tab::Verification, 1000, 600, false}},
+      {"stats", {workbench::tab::Statistics, 1200, 800, false}}};
   KindSetup setup = setups.at(kind);
   if (kind == "iri" && bands) setup.Height = 1100;
   return setup;
@@ -109,6 +110,7 @@ bool RunVerification(CommandSession& session, const PlotOptions& o, std::vector<
 struct ExtraCurves {
   std::vector<PsdCurve> Psd;
   std::vector<graph::CorrelationCurve> Correlation;
+  const StatisticsPage* Sections = nullptr;  // the 100 m page of the statistics
 };
 
 // Computes what the kind draws; the smoothed PSD curves are filled for psd with --smooth.
@@ -120,6 +122,16 @@ bool Compute(CommandSession& session, const PlotOptions& o, int tab, ExtraCurves
   if (o.Kind == "profile") return true;
   if (o.Kind == "repair") return RunRepairStudy(session);
   if (o.Kind == "xcorr") return RunVerification(session, o, extra.Correlation);
+  if (o.Kind == "stats") {
+    // The whole-wavelength profile with its standard deviation and spread, as `velmora stats` by default.
+    StatisticsSelection& selection = bench.Evaluation.Statistics.Selection;
+    selection.ProfileBands[0] = true;
+    selection.ProfileMeasures.fill(true);
+    if (!bench.Go(tab)) return false;
+    for (const StatisticsPage& page : bench.Evaluation.Statistics.Results.Pages)
+      if (page.Caption == "100m(Prof)" && !page.Empty()) extra.Sections = &page;
+    return extra.Sections != nullptr;
+  }
   if (o.Kind != "psd") return bench.Go(tab);
   if (!bench.ListClick(tab, bench.Selection(tab))) return false;
   if (o.Smooth < 1) return true;
@@ -135,6 +147,7 @@ void DrawKind(const ChartCanvas& canvas, const std::string& kind, std::span<cons
   const std::vector<PsdCurve>& curves = extra.Psd;
   if (kind == "profile") graph::DrawProfileChart(canvas, profiles);
   else if (kind == "xcorr") graph::DrawCorrelationChart(canvas, ProfileList::NameOf(*profiles[0]), extra.Correlation);
+  else if (kind == "stats") graph::DrawStatisticsChart(canvas, *extra.Sections);
   else if (kind == "iri") graph::DrawIriChart(canvas, profiles, bands);
   else if (kind == "filter") graph::DrawFilterChart(canvas, profiles);
   else if (kind == "psd") graph::DrawPsdChart(canvas, profiles, curves);
@@ -207,11 +220,11 @@ int RunPlotCommand(const CommonOptions& common, const PlotOptions& o) {
 }  // namespace
 
 VELMORA_COMMAND("plot",
-                "chart of a tab as PNG, SVG or PDF: profile, iri, filter, octave, reduce, psd, repair, xcorr (lengths in "
-                "m, elevations in mm, IRI in mm/m, shifts in samples)",
+                "chart of a tab as PNG, SVG or PDF: profile, iri, filter, octave, reduce, psd, repair, xcorr, stats "
+                "(lengths in m, elevations in mm, IRI in mm/m, shifts in samples)",
                 [](CLI::App& cmd, const CommonOptions& common) -> std::function<int()> {
                   auto o = std::make_shared<PlotOptions>();
-                  cmd.add_option("KIND", o->Kind, "the chart: profile, iri, filter, octave, reduce, psd, repair, xcorr")
+                  cmd.add_option("KIND", o->Kind, "the chart: profile, iri, filter, octave, reduce, psd, repair, xcorr, stats")
                       ->required()
                       ->check(CLI::IsMember(kKinds));
                   AddFilesArgument(cmd, o->Files);

@@ -75,11 +75,10 @@ ChartPanel::ChartPanel(DrawDevices& devices, Hdc hdc, const DrawSurface& surface
 
 double ChartPanel::Mapped(const AxisSpec& axis, const AxisDivision& division, double value, double from,
                           double to) const {
-  if (axis.Log) {
-    const double low = Log10(division.Low()), high = Log10(division.High());
-    return from + (Log10(value) - low) / (high - low) * (to - from);
-  }
-  return from + (value - division.Low()) / (division.High() - division.Low()) * (to - from);
+  const double t = axis.Log ? (Log10(value) - Log10(division.Low())) / (Log10(division.High()) - Log10(division.Low()))
+                            : (value - division.Low()) / (division.High() - division.Low());
+  // Weighted so that the axis ends land exactly on the frame: a value at the top is not clipped away.
+  return from * (1 - t) + to * t;
 }
 
 double ChartPanel::X(double value) const { return Mapped(xAxis_, xDivision_, value, frame_.Left, frame_.Right); }

@@ -8,6 +8,7 @@
 
 #include "analysis/psd_view.h"
 #include "evaluation/cross_correlation_kernel.h"
+#include "evaluation/statistics.h"
 #include "graph/chart_panel.h"
 #include "profile/profile_record.h"
 
@@ -59,6 +60,10 @@ struct CorrelationCurve {
 // Correlation against shift of each profile compared with `baseName`, its peak marked with value and shift.
 void DrawCorrelationChart(const ChartCanvas& canvas, const std::string& baseName,
                           const std::vector<CorrelationCurve>& curves);
+
+// The standard deviation and the spread (mm) per section of a statistics page against KP (km), one step
+// line per profile and band of the page, in palette order.
+void DrawStatisticsChart(const ChartCanvas& canvas, const StatisticsPage& page);
 
 // The colour of a band's limit lines: the limit colour, or black where the band is drawn in it.
 Colour LimitLineColourFor(Colour limitColour, Colour bandColour);

@@ -22,6 +22,7 @@ TEST_F(PlotCommand, EveryKindWritesItsPicture) {
       {"octave", "", {"road_a_kp_octave.png", "road_b_octave.png"}},
       {"reduce", "", {"road_a_kp_reduce.png", "road_b_reduce.png"}},
       {"repair", "", {"road_a_kp_repair.png", "road_b_repair.png"}},
+      {"stats", "", {"stats.png"}},
   };
   for (const auto& c : cases) {
     const std::string out = std::string("out-") + c.kind;

@@ -160,6 +160,34 @@ TEST_F(ChartsToSvg, OctaveChartLabelsEveryBandWithItsWavelengths) {
   EXPECT_EQ(texts.count("距離 (m)"), 1u);  // under the last panel only
 }
 
+TEST_F(ChartsToSvg, StatisticsChartStepsEachProfilesSectionValues) {
+  // Two profiles, two statistics each, three 100 m sections; the blank cell leaves a gap.
+  StatisticsPage page;
+  page.Caption = "100m(Prof)";
+  page.Head = {{"プロファイル", "a", "a", "b", "b"},
+               {"帯域", "全波長", "全波長", "全波長", "全波長"},
+               {"統計値", "標準偏差 σ", "最大最小差", "標準偏差 σ", "最大最小差"}};
+  page.RowLabels = {"0.000", "0.100", "0.200"};
+  page.KpColumn = {false, false, false, false};
+  page.Body = {1, 4, 2, 8, 1.5, 5, NAN, NAN, 3, 9, 2.5, 7};
+  Picture picture(900, 600);
+  const auto doc = Svg(picture.Surface, [&](DrawDevices& devices, Hdc hdc) {
+    const ChartCanvas canvas{.Devices = devices, .Target = hdc, .Surface = picture.Surface, .Area = {0, 0, 900, 600},
+                             .Font = FontSpec(), .Palette = {0x0000FF, 0xFF0000}};
+    DrawStatisticsChart(canvas, page);
+  });
+  const auto texts = Texts(doc);
+  EXPECT_EQ(texts.count("100m(Prof)  標準偏差 σ"), 1u);
+  EXPECT_EQ(texts.count("100m(Prof)  最大最小差"), 1u);
+  EXPECT_EQ(texts.count("a  全波長"), 2u);  // one legend per panel
+  EXPECT_EQ(texts.count("KP (km)"), 1u);
+  // Profile b (blue, 0xFF0000): in each panel the sections 0.0-0.1 and 0.2-0.3 km are drawn apart around
+  // the blank one, plus the legend's swatch: 3 paths per panel.
+  EXPECT_EQ(doc.select_nodes("//path[@stroke='#0000ff']").size(), 6u);
+  // Profile a (red) has all three sections: each step its own run, 3 + swatch per panel.
+  EXPECT_EQ(doc.select_nodes("//path[@stroke='#ff0000']").size(), 8u);
+}
+
 TEST_F(ChartsToSvg, OctaveSheetCarriesItsWordsLimitsAndTitle) {
   PrinterTarget printer;
   ASSERT_TRUE(PreparePrinter(printer));
