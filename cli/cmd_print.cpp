@@ -3,6 +3,8 @@
 // sheet of all profiles. Scales and colours from a print options file (.prt) when one is given.
 #include <fmt/format.h>
 
+#include <functional>
+#include <optional>
 #include <stdexcept>
 
 #include "base/legacy_error.h"
@@ -23,6 +25,7 @@ struct PrintOptionsFlags {
   std::string Options;      // .prt to read
   std::string SaveOptions;  // name of a .prt to write into -o
   std::string Paper = "A4";
+  bool Preview = false;     // each page also as an SVG metafile
 };
 
 // The sheets' computations: band reduction (with the octave split) and IRI for every file.
@@ -36,39 +39,70 @@ bool ComputeSheets(CommandSession& session, bool octave) {
   return bench.Go(workbench::tab::BandReduction);
 }
 
-void ComposeSheets(CommandSession& session, const PrintOptionsFlags& o, const graph::PrintOptions& options,
-                   const std::filesystem::path& file) {
+// One page: how it is drawn and the progress display it is made under.
+struct SheetPage {
+  std::function<void(const graph::SheetTarget& sheet)> Draw;
+  const char* Progress = "印刷イメージの作成";
+};
+
+// The pages of the sheet in order: for octave one per profile and the statistics when asked for.
+std::vector<SheetPage> SheetPages(CommandSession& session, const PrintOptionsFlags& o,
+                                    const graph::PrintOptions& options, std::vector<const ProfileRecord*>& profiles) {
   workbench::Workbench& bench = session.Bench;
-  std::vector<const ProfileRecord*> profiles;
   for (int row : bench.Selection(workbench::tab::Iri)) profiles.push_back(&bench.Profile(row));
-  const bool octave = o.Sheet == "octave";
+  const graph::SheetScales scales{options, !o.Options.empty()};
+  const CalcConditions& conditions = session.Engine.CurrentConditions;
+  std::vector<SheetPage> pages;
+  if (o.Sheet == "iri") {
+    pages.push_back({[&, scales](const graph::SheetTarget& sheet) {
+      graph::Print_印刷パターン_v02(sheet, profiles, scales, session.Engine.Settings.PaletteProfile);
+    }});
+    return pages;
+  }
+  for (const ProfileRecord* profile : profiles)
+    pages.push_back({[&conditions, scales, profile](const graph::SheetTarget& sheet) {
+      graph::Print_印刷パターン_v01(sheet, *profile, scales, conditions.BandColours);
+    }});
+  if (options.PrintStatistics)
+    pages.push_back({[&](const graph::SheetTarget& sheet) {
+                       graph::Print_プロファイル分解(sheet, profiles, conditions.Iri.Speed);
+                     },
+                     "プロファイル分割図の印刷イメージの作成"});
+  return pages;
+}
+
+// The pages onto the printer (one PDF) and, with --preview, each page also as a metafile (SVG) named
+// as the preview pages are: "Velmora-01", "Velmora-02", ...
+void ComposeSheets(CommandSession& session, const PrintOptionsFlags& o, const graph::PrintOptions& options,
+                   const std::filesystem::path& file, const std::string& stamp) {
+  std::vector<const ProfileRecord*> profiles;
+  const std::vector<SheetPage> pages = SheetPages(session, o, options, profiles);
   graph::PrinterTarget printer;
   printer.OutputFile = file;
   printer.PaperSize = *graph::PaperCodeOf(o.Paper);
-  printer.Orientation = octave ? graph::kPortrait : graph::kLandscape;
+  printer.Orientation = o.Sheet == "octave" ? graph::kPortrait : graph::kLandscape;
   graph::PreparePrinter(printer);
   graph::DrawDevices devices;
   const graph::Hdc hdc = devices.regHDCPrinter(printer);
-  const graph::SheetTarget sheet{devices, hdc, printer.Surface};
-  const graph::SheetScales scales{options, !o.Options.empty()};
-  const CalcConditions& conditions = session.Engine.CurrentConditions;
-  if (octave) {
-    {
-      ProgressScope progress(session.Engine.Ui(), "印刷イメージの作成", "しばらくお待ちください。");
-      for (std::size_t i = 0; i < profiles.size(); ++i) {
-        if (i > 0) devices.pageChange(hdc);
-        graph::Print_印刷パターン_v01(sheet, *profiles[i], scales, conditions.BandColours);
-        ReportProgress(session.Engine.Ui(), static_cast<int>((i + 1) * 100 / profiles.size()));
-      }
+  std::optional<ProgressScope> progress;
+  const char* shown = nullptr;
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    if (pages[i].Progress != shown) {
+      progress.reset();
+      progress.emplace(session.Engine.Ui(), pages[i].Progress, "しばらくお待ちください。");
+      shown = pages[i].Progress;
     }
-    if (options.PrintStatistics) {
-      ProgressScope progress(session.Engine.Ui(), "プロファイル分割図の印刷イメージの作成", "しばらくお待ちください。");
-      devices.pageChange(hdc);
-      graph::Print_プロファイル分解(sheet, profiles, conditions.Iri.Speed);
+    if (i > 0) devices.pageChange(hdc);
+    pages[i].Draw({devices, hdc, printer.Surface});
+    if (o.Preview) {
+      const auto page = session.Run.Staging() / fmt::format("Velmora-{:02}_{}.svg", i + 1, stamp);
+      const graph::Hdc metafile = devices.regHDCMetaFile(page, printer.Surface);
+      pages[i].Draw({devices, metafile, printer.Surface});
+      devices.releaseHDC(metafile);
     }
-  } else {
-    graph::Print_印刷パターン_v02(sheet, profiles, scales, session.Engine.Settings.PaletteProfile);
+    ReportProgress(session.Engine.Ui(), static_cast<int>((i + 1) * 100 / pages.size()));
   }
+  progress.reset();
   devices.releaseHDC(hdc);
 }
 
@@ -84,7 +118,7 @@ int RunPrintCommand(const CommonOptions& common, const PrintOptionsFlags& o) {
                                  ? ProfileList::NameOf(session->Bench.Profile(1)) + "_"
                                  : std::string();
     ComposeSheets(*session, o, options,
-                  session->Run.Staging() / fmt::format("{}print_{}_{}.pdf", stem, o.Sheet, stamp));
+                  session->Run.Staging() / fmt::format("{}print_{}_{}.pdf", stem, o.Sheet, stamp), stamp);
     if (!o.SaveOptions.empty())
       graph::WritePrintoption(session->Engine, session->Run.Staging() / (o.SaveOptions + ".prt"), options);
   } catch (const LegacyError& error) {
@@ -114,6 +148,7 @@ VELMORA_COMMAND("print",
                   cmd.add_option("--paper", o->Paper, "paper: A0..A5 or JIS B1..B5 (octave upright, iri across)")
                       ->check(CLI::IsMember({"A0", "A1", "A2", "A3", "A4", "A5", "B1", "B2", "B3", "B4", "B5"}))
                       ->capture_default_str();
+                  cmd.add_flag("--preview", o->Preview, "also each page as an SVG metafile, Velmora-01.svg, ...");
                   cmd.add_option("--save-options", o->SaveOptions,
                                  "also write the options in force as NAME.prt into the output folder");
                   return [&common, o] { return RunPrintCommand(common, *o); };

@@ -125,6 +125,23 @@ TEST_F(PrintCommand, OctaveSheetHasAPagePerProfileAndTheStatisticsPage) {
   EXPECT_EQ(ReadSystemTextLines(temp / "out" / "mine.prt").front(), "PRINTOPTION");
 }
 
+TEST_F(PrintCommand, PreviewGivesEachPageAlsoAsAMetafile) {
+  ASSERT_EQ(Run("--no-timestamp print --sheet octave --preview " + Example("road_a_kp.erd") + " " + Example("road_b.erd")),
+            0)
+      << Stderr();
+  EXPECT_EQ(Written(), (Texts{"Velmora-01.svg", "Velmora-02.svg", "Velmora-03.svg", "print_octave.pdf"}));
+  const struct {
+    const char* page;
+    const char* text;
+  } cases[] = {{"Velmora-01.svg", "road_a_kp.erd"}, {"Velmora-02.svg", "road_b.erd"}, {"Velmora-03.svg", "◆プロファイル分割"}};
+  for (const auto& c : cases) {
+    pugi::xml_document svg;
+    ASSERT_TRUE(svg.load_file((temp / "out" / c.page).c_str())) << c.page;
+    EXPECT_FALSE(svg.select_node("//text[text()='プロファイル分割図']").node().empty()) << c.page;
+    EXPECT_FALSE(svg.select_node((std::string("//text[text()='") + c.text + "']").c_str()).node().empty()) << c.page;
+  }
+}
+
 TEST_F(PrintCommand, OptionsWithoutStatisticsLeaveOutTheirPage) {
   Session quiet;
   graph::PrintOptions options = graph::DefaultPrintOptions();
