@@ -338,36 +338,43 @@ void DrawDevices::drText(Hdc hdc, double x, double y, std::string_view text, con
   entry->Target->Text(run, entry->Clip);
 }
 
+namespace {
+
+// Measures with the font selected on the target's path context, which is left as it was.
+template <typename Measure>
+double WithFont(DrawDevices::Entry& entry, const std::optional<FontSpec>& font, Measure measure) {
+  const FontSpec& chosen = font ? *font : entry.Surface->Font;
+  const FontChoice choice = ChooseFont(chosen.Name);
+  cairo_t* cr = entry.Target->PathContext();
+  cairo_save(cr);
+  SelectRunFont(cr, RunFor(*entry.Surface, chosen, choice));
+  const double pixels = measure(cr);
+  cairo_restore(cr);
+  return pixels;
+}
+
+}  // namespace
+
 double DrawDevices::TextWidth(Hdc hdc, std::string_view text, const std::optional<FontSpec>& font) {
   Entry* entry = Find(hdc);
   if (entry == nullptr) return 0;
-  const DrawSurface& surface = *entry->Surface;
-  const FontSpec& spec = font ? *font : surface.Font;
-  const FontChoice choice = ChooseFont(spec.Name);
-  const TextRun run = RunFor(surface, spec, choice);
-  cairo_t* cr = entry->Target->PathContext();
-  cairo_save(cr);
-  SelectRunFont(cr, run);
-  cairo_text_extents_t extents;
-  cairo_text_extents(cr, std::string(text).c_str(), &extents);
-  cairo_restore(cr);
-  return ConvertPixel2User_forWidth(surface, extents.x_advance);
+  const double advance = WithFont(*entry, font, [&](cairo_t* cr) {
+    cairo_text_extents_t extents;
+    cairo_text_extents(cr, std::string(text).c_str(), &extents);
+    return extents.x_advance;
+  });
+  return ConvertPixel2User_forWidth(*entry->Surface, advance);
 }
 
 double DrawDevices::TextHeight(Hdc hdc, const std::optional<FontSpec>& font) {
   Entry* entry = Find(hdc);
   if (entry == nullptr) return 0;
-  const DrawSurface& surface = *entry->Surface;
-  const FontSpec& spec = font ? *font : surface.Font;
-  const FontChoice choice = ChooseFont(spec.Name);
-  const TextRun run = RunFor(surface, spec, choice);
-  cairo_t* cr = entry->Target->PathContext();
-  cairo_save(cr);
-  SelectRunFont(cr, run);
-  cairo_font_extents_t extents;
-  cairo_font_extents(cr, &extents);
-  cairo_restore(cr);
-  return ConvertPixel2User_forHeight(surface, extents.ascent + extents.descent);
+  const double height = WithFont(*entry, font, [](cairo_t* cr) {
+    cairo_font_extents_t extents;
+    cairo_font_extents(cr, &extents);
+    return extents.ascent + extents.descent;
+  });
+  return ConvertPixel2User_forHeight(*entry->Surface, height);
 }
 
 }  // namespace velmora::graph
