@@ -26,6 +26,21 @@ run psd $profiles --smooth 12
 echo "== FFT band-pass filter 50-5 m"
 run filter $profiles --type fft --kind bandpass --long 50 --short 5
 
+echo "== Charts (PNG): profiles, IRI with band IRIs, octave bands, band reduction, PSD, repair study, verification, statistics"
+run plot profile $profiles
+run plot iri $profiles --bands
+run plot octave $profiles
+run plot reduce $profiles
+run plot psd $profiles --smooth 12
+run plot filter $profiles
+run plot repair examples/road_a_kp.erd
+run plot xcorr examples/road_a_kp.erd examples/road_c_rough.erd --max-shift 200
+run plot stats examples/road_b.erd examples/road_c_rough.erd
+run plot profile --format svg examples/road_b.erd
+echo "== Printed sheets (PDF, A4): profile split with nine octave panels and statistics; IRI"
+run print --sheet octave $profiles
+run print --sheet iri examples/road_b.erd
+
 echo "== Summary"
 run summary $profiles
-echo "== $(ls out/*.CSV | wc -l) CSV files written to $PWD/out"
+echo "== $(ls out/*.CSV | wc -l) CSV files, $(ls out/*.png out/*.svg | wc -l) charts and $(ls out/*.pdf | wc -l) sheets written to $PWD/out"

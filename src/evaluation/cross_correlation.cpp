@@ -148,6 +148,21 @@ std::vector<double> AlignedSamples(const ProfileRecord& profile, const Correlati
   return std::vector<double>(begin, begin + selection.CommonCount);
 }
 
+std::int32_t MaxShiftFor(const CorrelationOptions& options, std::size_t size) {
+  return options.MaxShiftMode == 0 ? CLng(static_cast<double>(size) / 2.0) : options.MaxShiftCount;
+}
+
+std::vector<std::vector<double>> ComparedSeries(Session& session, const ProfileList& list,
+                                                const CorrelationResults& results, const IriParams& iri) {
+  std::vector<std::vector<double>> series;
+  for (std::int32_t row : results.Selection.ListIndices) {
+    const ProfileRecord& profile = list.Items.at(row);
+    series.push_back(SeriesInUse(DebugTablesOf(session), AlignedSamples(profile, results.Options, results.Selection),
+                                 profile.Erd.StepSize, results.UsedIriFilter, iri));
+  }
+  return series;
+}
+
 bool RunCrossCorrelation(Session& session, const ProfileList& list, std::span<const std::int32_t> selectedRows,
                          const CorrelationOptions& options, const IriParams& iri, CorrelationResults& results,
                          bool withoutFilter, const CorrelationPsdOptions& psd) {
@@ -161,13 +176,10 @@ bool RunCrossCorrelation(Session& session, const ProfileList& list, std::span<co
     const CorrelationSelection& selection = fresh.Selection;
     const std::int32_t count = selection.ProfileCount;
 
-    std::vector<std::vector<double>> series;
-    for (std::int32_t row : selection.ListIndices) {
-      const ProfileRecord& profile = list.Items.at(row);
-      const double pitch = profile.Erd.StepSize;
-      series.push_back(SeriesInUse(DebugTablesOf(session), AlignedSamples(profile, fresh.Options, selection), pitch,
-                                   fresh.UsedIriFilter, iri));
-      const std::vector<double>& s = series.back();
+    const std::vector<std::vector<double>> series = ComparedSeries(session, list, fresh, iri);
+    for (std::size_t k = 0; k < series.size(); ++k) {
+      const std::vector<double>& s = series[k];
+      const double pitch = list.Items.at(selection.ListIndices[k]).Erd.StepSize;
       // The quarter-car model runs on the series in use, also when that is already its response.
       fresh.IriValues.push_back(IriOfArray(static_cast<std::int32_t>(s.size()), s, pitch, iri));
       fresh.PsdValues.push_back(PsdValueOf(session, s, pitch, psd));
@@ -181,9 +193,7 @@ bool RunCrossCorrelation(Session& session, const ProfileList& list, std::span<co
       for (std::int32_t j = i; j <= count; ++j) {
         const auto& a = series[static_cast<std::size_t>(i - 1)];
         const auto& b = series[static_cast<std::size_t>(j - 1)];
-        const std::int32_t maxShift = fresh.Options.MaxShiftMode == 0
-                                          ? CLng(static_cast<double>(a.size()) / 2.0)
-                                          : fresh.Options.MaxShiftCount;
+        const std::int32_t maxShift = MaxShiftFor(fresh.Options, a.size());
         const auto n = static_cast<std::int32_t>(std::min(a.size(), b.size()));
         fresh.Cell(i, j) = CrossCorrelatePair(n, a, b, maxShift);
         ReportProgress(session.Ui(), static_cast<int>(++pairs * 100 / total));

@@ -80,6 +80,15 @@ bool CheckCorrelationOptions(Session& session, const ProfileList& list, std::spa
 std::vector<double> AlignedSamples(const ProfileRecord& profile, const CorrelationOptions& options,
                                    const CorrelationSelection& selection);
 
+// The largest shift (samples) a run takes for series of `size` samples: half of them for "MAX/2",
+// else the count given.
+std::int32_t MaxShiftFor(const CorrelationOptions& options, std::size_t size);
+
+// The series the run that gave `results` compared, in selection order: the aligned samples of each
+// profile, or their IRI filter series when the run used the filter. `iri` as for the run.
+std::vector<std::vector<double>> ComparedSeries(Session& session, const ProfileList& list,
+                                                const CorrelationResults& results, const IriParams& iri);
+
 // "実行": checks, builds the aligned copies (with the IRI filter when FilterMode is 1 and not
 // `withoutFilter`), the IRI and PSD value of each and every pair i <= j. The results are replaced
 // only by a complete run; false after a refused check or a run-time error (logged as

@@ -150,17 +150,23 @@ double SdRatio(double sdA, double sdB) {
   return smaller / larger;
 }
 
-CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, std::span<const double> b,
-                                   std::int32_t maxShift) {
+namespace {
+
+// The shift sums of the deviations of a and b with their sample standard deviations, checked as
+// CrossCorrelatePair states.
+struct ShiftedProducts {
+  std::vector<double> Sums;
+  double SdA = 0;
+  double SdB = 0;
+};
+
+ShiftedProducts ShiftedProductsOf(std::int32_t n, std::span<const double> a, std::span<const double> b,
+                                  std::int32_t maxShift) {
   if (n < 1 || a.size() < static_cast<std::size_t>(n) || b.size() < static_cast<std::size_t>(n))
     RaiseSubscriptOutOfRange(fmt::format("cross-correlation of {} samples over series of {} and {}", n, a.size(),
                                          b.size()));
   if (maxShift < 0 || maxShift >= n)
     RaiseSubscriptOutOfRange(fmt::format("shift {} for {} samples leaves no overlap", maxShift, n));
-  // Any shift count and length that fit in memory: the 16-bit shift counter and the 32-bit n * n
-  // of old are gone. sqrt(n * n) is n exactly, so results below those limits are unchanged.
-  const std::int64_t shifts = 2LL * maxShift + 1;
-
   const auto count = static_cast<std::size_t>(n);
   auto deviations = [count](std::span<const double> x) {
     const double mean = Mean(x.first(count));
@@ -171,8 +177,23 @@ CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, st
   const std::vector<double> dA = deviations(a);
   const std::vector<double> dB = deviations(b);
   // Divisor n - 1 (a single sample is a division by zero there).
-  const double sdA = SampleStdDev(dA);
-  const double sdB = SampleStdDev(dB);
+  ShiftedProducts products;
+  products.SdA = SampleStdDev(dA);
+  products.SdB = SampleStdDev(dB);
+  products.Sums = detail::ShiftSums(dA, dB, maxShift);
+  return products;
+}
+
+}  // namespace
+
+CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, std::span<const double> b,
+                                   std::int32_t maxShift) {
+  // Any shift count and length that fit in memory: the 16-bit shift counter and the 32-bit n * n
+  // of old are gone. sqrt(n * n) is n exactly, so results below those limits are unchanged.
+  const std::int64_t shifts = 2LL * maxShift + 1;
+  const ShiftedProducts products = ShiftedProductsOf(n, a, b, maxShift);
+  const double sdA = products.SdA;
+  const double sdB = products.SdB;
 
   CorrelationCell cell;
   cell.SdRatio = SdRatio(sdA, sdB);
@@ -180,7 +201,7 @@ CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, st
   if (sdProduct == 0) RaiseDivisionByZero("correlation with a constant series");
   const double rootNSquared = static_cast<double>(n);
 
-  const std::vector<double> sums = detail::ShiftSums(dA, dB, maxShift);
+  const std::vector<double>& sums = products.Sums;
   bool first = true;
   for (std::int64_t k = 1; k <= shifts; ++k) {
     const auto shift = static_cast<std::int32_t>(k - 1 - maxShift);
@@ -197,6 +218,18 @@ CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, st
   }
   cell.Computed = true;
   return cell;
+}
+
+std::vector<double> CorrelationByShift(std::int32_t n, std::span<const double> a, std::span<const double> b,
+                                       std::int32_t maxShift) {
+  const ShiftedProducts products = ShiftedProductsOf(n, a, b, maxShift);
+  const double sdProduct = products.SdA * products.SdB;
+  if (sdProduct == 0) RaiseDivisionByZero("correlation with a constant series");
+  std::vector<double> rho;
+  rho.reserve(products.Sums.size());
+  // The same two divisions as the peaks', so that the curve's top is the reported value exactly.
+  for (double sum : products.Sums) rho.push_back(sum / sdProduct / static_cast<double>(n));
+  return rho;
 }
 
 }  // namespace velmora

@@ -44,6 +44,11 @@ struct CorrelationCell {
 CorrelationCell CrossCorrelatePair(std::int32_t n, std::span<const double> a, std::span<const double> b,
                                    std::int32_t maxShift);
 
+// The correlation coefficient rho = R / n ("相互相関値") at each shift -maxShift..maxShift, element k
+// for shift k - maxShift: the values whose peak CrossCorrelatePair reports as row Rho. Same needs.
+std::vector<double> CorrelationByShift(std::int32_t n, std::span<const double> a, std::span<const double> b,
+                                       std::int32_t maxShift);
+
 // Ratio of the smaller to the larger standard deviation (both >= 0); raises division by zero when
 // both are 0. Never above 1.
 double SdRatio(double sdA, double sdB);

@@ -1,0 +1,169 @@
+// velmora plot and print: the files each kind and sheet gives, in each format, and what bad input says.
+#include <pugixml.hpp>
+
+#include "cli_fixture.h"
+#include "graph/print_options.h"
+
+namespace velmora::testing {
+namespace {
+
+class PlotCommand : public CliTest {};
+
+TEST_F(PlotCommand, EveryKindWritesItsPicture) {
+  const struct {
+    const char* kind;
+    const char* extra;
+    std::vector<std::string> names;
+  } cases[] = {
+      {"profile", "", {"profile.png"}},
+      {"iri", "--bands", {"iri.png"}},
+      {"filter", "", {"filter.png"}},
+      {"psd", "--smooth 12", {"psd.png"}},
+      {"octave", "", {"road_a_kp_octave.png", "road_b_octave.png"}},
+      {"reduce", "", {"road_a_kp_reduce.png", "road_b_reduce.png"}},
+      {"repair", "", {"road_a_kp_repair.png", "road_b_repair.png"}},
+      {"stats", "", {"stats.png"}},
+  };
+  for (const auto& c : cases) {
+    const std::string out = std::string("out-") + c.kind;
+    ASSERT_EQ(Run(std::string("--no-timestamp plot ") + c.kind + " " + c.extra + " " + Example("road_a_kp.erd") + " " +
+                      Example("road_b.erd") + " --size 600x400",
+                  out),
+              0)
+        << c.kind << ": " << Stderr();
+    EXPECT_EQ(Written(out), c.names) << c.kind;
+    const std::string png = ReadBytes(temp / out / c.names.front());
+    EXPECT_EQ(png.substr(1, 3), "PNG") << c.kind;
+    // Width and height from the IHDR chunk: 600 x 400 as asked.
+    const auto word = [&](std::size_t at) {
+      return (static_cast<unsigned char>(png[at]) << 24) | (static_cast<unsigned char>(png[at + 1]) << 16) |
+             (static_cast<unsigned char>(png[at + 2]) << 8) | static_cast<unsigned char>(png[at + 3]);
+    };
+    EXPECT_EQ(word(16), 600) << c.kind;
+    EXPECT_EQ(word(20), 400) << c.kind;
+  }
+}
+
+TEST_F(PlotCommand, CorrelationChartMarksThePeakTheVerificationReports) {
+  ASSERT_EQ(Run("--no-timestamp --json plot xcorr --format svg --max-shift 50 " + Example("road_a_kp.erd") + " " +
+                Example("road_c_rough.erd")),
+            0)
+      << Stderr();
+  pugi::xml_document svg;
+  ASSERT_TRUE(svg.load_file((temp / "out" / "xcorr.svg").c_str()));
+  EXPECT_FALSE(svg.select_node("//text[text()='相互相関 (基準: road_a_kp)']").node().empty());
+  // ±50 samples in about 8 steps: 12.5 takes the step 20, so ticks -60, -40, ..., 60 in whole samples.
+  EXPECT_FALSE(svg.select_node("//text[text()='-40']").node().empty());
+  // The peak label: "value (shift)"; the same run's table gives the value as the tab shows it.
+  const auto label = svg.select_node("//text[contains(text(), ' (')][contains(text(), ')')][starts-with(text(), '0.')]");
+  ASSERT_FALSE(label.node().empty());
+  ASSERT_EQ(Run("--no-timestamp xcorr --measure correlation --filter iri --max-shift 50 " + Example("road_a_kp.erd") + " " +
+                Example("road_c_rough.erd"), "tables"),
+            0)
+      << Stderr();
+  const std::string value = std::string(label.node().child_value()).substr(0, 6);  // "0.dddd"
+  EXPECT_NE(Stdout().find(value.substr(0, 5)), std::string::npos) << value << "\n" << Stdout();
+}
+
+TEST_F(PlotCommand, SvgAndPdfOfOneProfileAndTheDpiOfAPng) {
+  ASSERT_EQ(Run("--no-timestamp plot profile --format svg " + Example("road_b.erd")), 0) << Stderr();
+  pugi::xml_document svg;
+  ASSERT_TRUE(svg.load_file((temp / "out" / "road_b_profile.svg").c_str()));
+  EXPECT_FALSE(svg.select_node("//text[text()='縦断プロファイル']").node().empty());
+  ASSERT_EQ(Run("--no-timestamp plot profile --format pdf " + Example("road_b.erd")), 0) << Stderr();
+  EXPECT_EQ(ReadBytes(temp / "out" / "road_b_profile.pdf").substr(0, 5), "%PDF-");
+  ASSERT_EQ(Run("--no-timestamp plot profile --size 300x200 --dpi 192 " + Example("road_b.erd"), "hi"), 0) << Stderr();
+  const std::string png = ReadBytes(temp / "hi" / "road_b_profile.png");
+  EXPECT_EQ(static_cast<unsigned char>(png[18]) * 256 + static_cast<unsigned char>(png[19]), 600);  // twice 300
+}
+
+TEST_F(PlotCommand, BadInputIsNamedAndWritesNothing) {
+  const struct {
+    const char* arguments;
+    int status;
+    const char* message;
+  } cases[] = {
+      {"plot profile --size 600 ", 2, "--size: \"600\" is not WIDTHxHEIGHT"},
+      {"plot profile --size 10x10 ", 2, "--size: \"10x10\" is not WIDTHxHEIGHT"},
+      {"plot wave ", 2, "wave"},
+      {"plot profile --format gif ", 2, "gif"},
+      {"plot profile --dpi 5 ", 2, "--dpi"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Run(std::string(c.arguments) + Example("road_b.erd"), "out", "en"), c.status) << c.arguments;
+    EXPECT_NE(Stderr().find(c.message), std::string::npos) << c.arguments << ": " << Stderr();
+    EXPECT_TRUE(Written().empty()) << c.arguments;
+  }
+  // Elevations no axis can be divided over: the file is named, nothing is written.
+  const std::string huge = WriteErd("huge", {1e300, -1e300, 1e300, -1e300}, 0.1);
+  EXPECT_EQ(Run("plot profile " + huge, "out", "en"), 1);
+  EXPECT_NE(Stderr().find("huge.erd: the axis range is too large to divide"), std::string::npos) << Stderr();
+  EXPECT_TRUE(Written().empty());
+  EXPECT_EQ(Run("plot profile '" + (temp / "missing.erd").string() + "'", "out", "en"), 1);
+  EXPECT_NE(Stderr().find("missing.erd"), std::string::npos) << Stderr();
+  EXPECT_TRUE(Written().empty());
+}
+
+class PrintCommand : public CliTest {
+ protected:
+  // Page objects of a PDF ("/Type /Page", not "/Type /Pages").
+  static std::size_t Pages(const std::string& pdf) {
+    std::size_t pages = 0;
+    for (std::size_t at = pdf.find("/Type /Page"); at != std::string::npos; at = pdf.find("/Type /Page", at + 1))
+      pages += pdf.compare(at, 12, "/Type /Pages") == 0 ? 0 : 1;
+    return pages;
+  }
+};
+
+TEST_F(PrintCommand, OctaveSheetHasAPagePerProfileAndTheStatisticsPage) {
+  ASSERT_EQ(Run("--no-timestamp print --sheet octave " + Example("road_a_kp.erd") + " " + Example("road_b.erd") +
+                " --save-options mine"),
+            0)
+      << Stderr();
+  EXPECT_EQ(Written(), (Texts{"mine.prt", "print_octave.pdf"}));
+  EXPECT_EQ(Pages(ReadBytes(temp / "out" / "print_octave.pdf")), 3u);
+  EXPECT_EQ(ReadSystemTextLines(temp / "out" / "mine.prt").front(), "PRINTOPTION");
+}
+
+TEST_F(PrintCommand, PreviewGivesEachPageAlsoAsAMetafile) {
+  ASSERT_EQ(Run("--no-timestamp print --sheet octave --preview " + Example("road_a_kp.erd") + " " + Example("road_b.erd")),
+            0)
+      << Stderr();
+  EXPECT_EQ(Written(), (Texts{"Velmora-01.svg", "Velmora-02.svg", "Velmora-03.svg", "print_octave.pdf"}));
+  const struct {
+    const char* page;
+    const char* text;
+  } cases[] = {{"Velmora-01.svg", "road_a_kp.erd"}, {"Velmora-02.svg", "road_b.erd"}, {"Velmora-03.svg", "◆プロファイル分割"}};
+  for (const auto& c : cases) {
+    pugi::xml_document svg;
+    ASSERT_TRUE(svg.load_file((temp / "out" / c.page).c_str())) << c.page;
+    EXPECT_FALSE(svg.select_node("//text[text()='プロファイル分割図']").node().empty()) << c.page;
+    EXPECT_FALSE(svg.select_node((std::string("//text[text()='") + c.text + "']").c_str()).node().empty()) << c.page;
+  }
+}
+
+TEST_F(PrintCommand, OptionsWithoutStatisticsLeaveOutTheirPage) {
+  Session quiet;
+  graph::PrintOptions options = graph::DefaultPrintOptions();
+  options.PrintStatistics = false;
+  WriteSystemTextFile(temp / "no-stats.prt", graph::PrintOptionLines(options));
+  ASSERT_EQ(Run("--no-timestamp print --sheet octave --options '" + (temp / "no-stats.prt").string() + "' " +
+                Example("road_b.erd")),
+            0)
+      << Stderr();
+  EXPECT_EQ(Pages(ReadBytes(temp / "out" / "road_b_print_octave.pdf")), 1u);
+}
+
+TEST_F(PrintCommand, AFileThatIsNoPrintOptionsIsRefused) {
+  WriteSystemTextFile(temp / "other.prt", {"[VER]", "1.0.0"});
+  EXPECT_EQ(Run("print --sheet iri --options '" + (temp / "other.prt").string() + "' " + Example("road_b.erd")), 1);
+  EXPECT_NE(Stderr().find("指定されたファイルはプリントオプションファイルではありません。"), std::string::npos) << Stderr();
+  EXPECT_TRUE(Written().empty());
+  WriteSystemTextFile(temp / "bad.prt", {"PRINTOPTION", "[グラフスケール]", "low,high"});
+  EXPECT_EQ(Run("print --sheet iri --options '" + (temp / "bad.prt").string() + "' " + Example("road_b.erd")), 1);
+  EXPECT_NE(Stderr().find("bad.prt:3: item 1 is not a number"), std::string::npos) << Stderr();
+  EXPECT_TRUE(Written().empty());
+}
+
+}  // namespace
+}  // namespace velmora::testing
