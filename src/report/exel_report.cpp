@@ -115,6 +115,14 @@ std::vector<CellWrite> SheetCellsOf(const ExelTemplate& report, const ExelReport
   return cells;
 }
 
+void OfferToOpen(UserInteraction& ui, const std::filesystem::path& workbook,
+                 const std::function<void(const std::filesystem::path&)>& open) {
+  if (open && ui.AskYesNo("エクセルのエクスポート処理が終わりました。\r\n\r\n出力先：" + workbook.string() +
+                              "\r\n\r\n作成したエクセルを起動しますか？",
+                          "確認"))
+    open(workbook);
+}
+
 std::optional<ExelReportFiles> cmxExlsCreate(Session& session, const ExelTemplate& report,
                                              const ProfileList& profiles, const ExelReportRequest& request) {
   UserInteraction& ui = session.Ui();
@@ -149,11 +157,8 @@ std::optional<ExelReportFiles> cmxExlsCreate(Session& session, const ExelTemplat
   }
   if (files.Failed) {
     ui.Inform("エクセルで指定された文法にエラーが見つかりました。", "警告");
-  } else if (ui.AskYesNo("エクセルのエクスポート処理が終わりました。\r\n\r\n出力先：" + files.Workbook.string() +
-                             "\r\n\r\n作成したエクセルを起動しますか？",
-                         "確認") &&
-             request.OpenDocument) {
-    request.OpenDocument(files.Workbook);
+  } else {
+    OfferToOpen(ui, files.Workbook, request.OpenDocument);
   }
   return files;
 }

@@ -53,6 +53,11 @@ struct ExelReportFiles {
   bool Failed = false;  // written up to a script error, which has been shown
 };
 
+// The closing question "作成したエクセルを起動しますか？" and, on Yes, `open`. Without a way to open a
+// document (a front end with no desktop) there is nothing to ask.
+void OfferToOpen(UserInteraction& ui, const std::filesystem::path& workbook,
+                 const std::function<void(const std::filesystem::path&)>& open);
+
 // cmxExlsCreate: the whole report. Nullopt when it was stopped (no template, no profile chosen, a
 // declined question) or a run-time failure was logged; nothing is left half-written.
 std::optional<ExelReportFiles> cmxExlsCreate(Session& session, const ExelTemplate& report,

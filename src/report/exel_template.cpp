@@ -49,6 +49,12 @@ void ParseDataCell(std::string_view reference, std::int32_t& column, std::int32_
   }
 }
 
+bool ExelWorkbookExists(UserInteraction& ui, const std::filesystem::path& workbook) {
+  if (std::filesystem::is_regular_file(workbook)) return true;
+  ui.Inform("指定されたエクセルファイルが見つかりません。\r\n\r\nファイル名：" + workbook.string(), "警告");
+  return false;
+}
+
 std::vector<ExelOptionRow> ReadOptionRows(const std::filesystem::path& workbook) {
   const SheetCells cells = XlsmPackage::Open(workbook).ReadCells("Option", kFirstOptionRow, kLastOptionRow, 8);
   std::vector<ExelOptionRow> rows;
@@ -78,6 +84,7 @@ ExelTemplate MakeExelTemplate(std::filesystem::path path, std::vector<ExelOption
 
 bool ReadExelTemplateFile(Session& session, const std::filesystem::path& path, ExelTemplate& result) {
   UserInteraction& ui = session.Ui();
+  if (!ExelWorkbookExists(ui, path)) return false;
   ui.ProgressStart("エクセルファイルの接続中です", "しばらくお待ちください。");
   // The reader logs under the fixed export's name, as the program always has.
   const bool ok = Guarded(session, "frmTop", "cmxExlsTest", [&] {

@@ -41,6 +41,9 @@ std::int32_t basExcelCol2No(std::string_view letters);
 // that is missing leaves its value as it was.
 void ParseDataCell(std::string_view reference, std::int32_t& column, std::int32_t& row);
 
+// True when the workbook is there; else "指定されたエクセルファイルが見つかりません。" naming it.
+bool ExelWorkbookExists(UserInteraction& ui, const std::filesystem::path& workbook);
+
 // The Option sheet's rows 2..999 up to the first with an empty column D.
 std::vector<ExelOptionRow> ReadOptionRows(const std::filesystem::path& workbook);
 // The class A, B and C passes over the rows; a class's rows end at the first row of another class.
