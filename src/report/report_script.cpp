@@ -204,7 +204,7 @@ ScriptValue EvaluateExpression(ExelScriptState& state, std::string_view raw) {
   return CallFunction(state, text);
 }
 
-std::string FindLastOperator(std::string_view text, const std::vector<std::string_view>& operators,
+std::string FindLastOperator(std::string_view text, std::initializer_list<std::string_view> operators,
                              std::string& left, std::string& right) {
   int depth = 0;
   bool quoted = false;

@@ -5,6 +5,7 @@
 // of one group associate to the left. The apostrophe quotes; a double-quoted text is a literal only
 // when it is the whole expression.
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <string_view>
@@ -76,7 +77,7 @@ ScriptValue EvaluateExpression(ExelScriptState& state, std::string_view text);
 // Walks `text` from its end, outside apostrophes and parentheses, and at each character tries the
 // operators in list order; the first match cuts the text into the trimmed `left` and `right`.
 // Returns the operator found, or "" (left and right then untouched).
-std::string FindLastOperator(std::string_view text, const std::vector<std::string_view>& operators,
+std::string FindLastOperator(std::string_view text, std::initializer_list<std::string_view> operators,
                              std::string& left, std::string& right);
 // Cuts at the commas outside apostrophes and parentheses and trims each piece; "" is one argument.
 std::int32_t SplitArguments(std::string_view text, std::vector<std::string>& args);
