@@ -1,6 +1,7 @@
 #include "report/exel_report.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "base/error_log.h"
 #include "base/file_helpers.h"
@@ -40,6 +41,14 @@ bool FillColumn(const std::string& script, std::size_t column, ExelScriptState& 
     ++state.Index200;
   }
   return true;
+}
+
+// The forms a report can be saved in, by the template's extension.
+bool SavableWorkbook(const std::filesystem::path& path) {
+  std::string extension = path.extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return extension == ".csv" || extension == ".xls" || extension == ".xlsx" || extension == ".xlsm";
 }
 
 std::filesystem::path ReportPath(const ExelTemplate& report, const ExelReportRequest& request) {
@@ -128,6 +137,10 @@ std::optional<ExelReportFiles> cmxExlsCreate(Session& session, const ExelTemplat
   UserInteraction& ui = session.Ui();
   if (report.OptionRows.empty()) {
     ui.Inform("出力対象のエクセルファイルが指定されていません。", "警告");
+    return std::nullopt;
+  }
+  if (!SavableWorkbook(report.TemplatePath)) {
+    ui.Inform("ファイルの保存形式を確認して下さい。", "警告");
     return std::nullopt;
   }
   ExelScriptState state;

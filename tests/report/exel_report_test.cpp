@@ -139,6 +139,13 @@ TEST_F(ExelDriver, NoTemplateRowsIsWarnedAndAMissingFileNamed) {
   EXPECT_EQ(ui.Messages().back().Text, "指定されたエクセルファイルが見つかりません。\r\n\r\nファイル名：" + (temp / "none.xlsm").string());
 }
 
+TEST_F(ExelDriver, OnlyWorkbookFormsAreSaved) {
+  ExelTemplate report = TwoRoadReport();
+  report.TemplatePath = "report.txt";
+  EXPECT_FALSE(cmxExlsCreate(session, report, TwoRoads(), {}).has_value());
+  EXPECT_EQ(ui.OnlyMessageText(), "ファイルの保存形式を確認して下さい。");
+}
+
 TEST_F(ExelDriver, ChoicesByTitleFirstEntryWinsAndNoChoiceStops) {
   ExelTemplate report = TwoRoadReport();
   report.Params.push_back({"A again", "a", "選択"});
