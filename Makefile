@@ -3,7 +3,7 @@
 
 PACKAGES := g++ cmake make pkg-config libgtest-dev libgmock-dev libbenchmark-dev libfmt-dev \
             libcli11-dev libzip-dev libpugixml-dev libfftw3-dev \
-            nlohmann-json3-dev gettext
+            nlohmann-json3-dev gettext python3-openpyxl
 BUILD    := build
 JOBS     ?= $(shell nproc)
 SUDO     := $(shell [ "$$(id -u)" -eq 0 ] || echo sudo)

@@ -153,9 +153,16 @@ std::optional<ExelReportFiles> cmxExlsCreate(Session& session, const ExelTemplat
   ExelReportFiles files;
   files.Workbook = ReportPath(report, request);
   files.Interface = files.Workbook.parent_path() / (files.Workbook.stem().string() + "_INTERFACE.dat");
+  bool stopped = false;
   const bool ok = Guarded(session, "frmTop", "cmxExlCreate", [&] {
     ProgressScope scope(ui, "エクセル印刷用ファイルへ出力中です", "しばらくお待ちください。");
-    const ExelReportTable table = MakeExelTable(ui, report, state);
+    ExelReportTable table;
+    try {
+      table = MakeExelTable(ui, report, state);
+    } catch (const Cancelled&) {
+      stopped = true;  // asked to stop while evaluating: nothing has been written
+      return;
+    }
     ui.ProgressStart("エクセルファイルの終了処理中です", "しばらくお待ちください。");
     files.Failed = table.Failed;
     WriteSystemTextFile(files.Interface, InterfaceLines(report, table));
@@ -163,6 +170,7 @@ std::optional<ExelReportFiles> cmxExlsCreate(Session& session, const ExelTemplat
     if (report.DataSheetName.empty()) uFileCopy_A(report.TemplatePath.string(), files.Workbook.string());
     else WriteWorkbookCopy(report.TemplatePath, files.Workbook, report.DataSheetName, SheetCellsOf(report, table));
   });
+  if (stopped) return std::nullopt;
   if (!ok) {
     std::error_code ignored;
     std::filesystem::remove(files.Interface, ignored);
