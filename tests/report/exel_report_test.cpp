@@ -131,6 +131,25 @@ TEST(ExelTemplateCells, TheExampleTemplatesOptionSheet) {
   EXPECT_EQ(report.Columns[0].Fields[7], "\"距離[\" & #UNIT & \"]\"");
 }
 
+TEST_F(ExelDriver, TheTemplateDialogRemembersItsFolderAndMayBeCancelled) {
+  session.Paths.UserLocalPath = temp.path().string();
+  std::filesystem::create_directories(temp / "Resource");
+  ExelTemplate report;
+  EXPECT_FALSE(cmxReadExlFile(session, report));  // cancelled: nothing read
+  EXPECT_TRUE(report.OptionRows.empty());
+  const std::filesystem::path example = std::filesystem::path(VELMORA_SOURCE_DIR) / "examples/report/iri_report.xlsm";
+  ui.Files = {{example.string()}};
+  ASSERT_TRUE(cmxReadExlFile(session, report));
+  EXPECT_EQ(report.Columns.size(), 10u);
+  EXPECT_EQ(report.TemplatePath, example);
+  cmxReadExlFile(session, report);
+  std::vector<std::string> folders;
+  for (const testing::RecordedMessage& m : ui.Log)
+    if (m.Kind == "open") folders.push_back(m.Text);
+  ASSERT_EQ(folders.size(), 3u);
+  EXPECT_EQ(folders[2], example.parent_path().string());  // the third dialog opens where the second chose
+}
+
 TEST_F(ExelDriver, NoTemplateRowsIsWarnedAndAMissingFileNamed) {
   EXPECT_FALSE(cmxExlsCreate(session, ExelTemplate{}, TwoRoads(), {}).has_value());
   EXPECT_EQ(ui.OnlyMessageText(), "出力対象のエクセルファイルが指定されていません。");
