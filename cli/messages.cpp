@@ -38,6 +38,7 @@ constexpr const char* kEnginePatterns[] = {
     "ファイル名：{}",
     "出力先：{}",
     "プロファイル分解( {}-OCT )の出力",
+    "式が深すぎます ({} 段を超えました): {} ...",
 };
 
 std::string ProgramFolder() {

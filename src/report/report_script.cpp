@@ -166,6 +166,14 @@ ScriptValue EvaluateScript(ExelScriptState& state, std::string_view script, std:
 ScriptValue EvaluateExpression(ExelScriptState& state, std::string_view raw) {
   std::string_view text = TrimView(raw);
   if (!state.ErrorCode.empty()) return {};
+  if (state.Depth >= kMaxScriptDepth)
+    throw LegacyError(ErrorNumber::Overflow, "式が深すぎます (" + std::to_string(kMaxScriptDepth) +
+                                                 " 段を超えました): " + std::string(CharLeft(text, 40)) + " ...");
+  struct DepthScope {
+    std::int32_t& depth;
+    explicit DepthScope(std::int32_t& d) : depth(++d) {}
+    ~DepthScope() { --depth; }
+  } scope(state.Depth);
 
   if (text.size() >= 2 && text.front() == '"' && text.back() == '"' &&
       std::count(text.begin(), text.end(), '"') == 2)

@@ -66,12 +66,18 @@ struct ExelScriptState {
   bool Reversed = false;          // the report runs from the last row to the first
   std::vector<std::string> ProfileTitles;  // the profile list's titles, in list order
   UserInteraction* Ui = nullptr;  // where errors are shown; none: they are only recorded
+  std::int32_t Depth = 0;         // of the evaluation under way (a guard against runaway scripts)
 };
+
+// Deeper than this an expression is refused: each operator cut is one level, and no report column
+// needs more than a few dozen.
+inline constexpr std::int32_t kMaxScriptDepth = 500;
 
 // Clears the error, stores `showErrors` and evaluates; an empty script is the error "CE0000".
 ScriptValue EvaluateScript(ExelScriptState& state, std::string_view script, std::int32_t showErrors);
-// The recursive evaluator. Division by zero and a comparison of a text that has no numeric reading
-// with a number raise LegacyError: failures of the caller, not script errors.
+// The recursive evaluator. Division by zero, a comparison of a text that has no numeric reading
+// with a number, and nesting beyond kMaxScriptDepth raise LegacyError: failures of the caller, not
+// script errors.
 ScriptValue EvaluateExpression(ExelScriptState& state, std::string_view text);
 
 // Walks `text` from its end, outside apostrophes and parentheses, and at each character tries the

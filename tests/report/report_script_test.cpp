@@ -183,6 +183,13 @@ TEST(ScriptErrors, NoMessageWhenErrorsAreNotShownAndDivisionByZeroIsTheCallers) 
   EXPECT_EQ(state.ErrorCode, "CE0001");
   EXPECT_TRUE(ui.Messages().empty());
   EXPECT_THROW(EvaluateScript(state, "1/0", 1), LegacyError);
+  // A runaway chain of operators is refused rather than exhausting the stack.
+  std::string chain = "1";
+  for (int i = 0; i < kMaxScriptDepth + 10; ++i) chain += "+1";
+  EXPECT_THROW(EvaluateScript(state, chain, 1), LegacyError);
+  EXPECT_EQ(state.Depth, 0);
+  chain.resize(2 * 100 + 1);  // 1+1+...: 101 ones
+  EXPECT_EQ(EvaluateScript(state, chain, 1).ToText(), "101");
   EXPECT_THROW(EvaluateScript(state, "(1+1) = abc", 1), LegacyError);
 }
 
