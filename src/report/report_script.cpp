@@ -226,7 +226,7 @@ std::string FindLastOperator(std::string_view text, std::initializer_list<std::s
       --depth;
     } else if (!quoted && depth == 0) {
       for (std::string_view op : operators) {
-        if (op.size() > end + 1 || text.substr(end + 1 - op.size(), op.size()) != op) continue;
+        if (op.back() != c || op.size() > end + 1 || text.substr(end + 1 - op.size(), op.size()) != op) continue;
         left = TrimView(text.substr(0, end + 1 - op.size()));
         right = TrimView(text.substr(end + 1));
         return std::string(op);
