@@ -153,7 +153,7 @@ std::optional<ExelReportFiles> cmxExlsCreate(Session& session, const ExelTemplat
   ExelReportFiles files;
   files.Workbook = ReportPath(report, request);
   files.Interface = files.Workbook.parent_path() / (files.Workbook.stem().string() + "_INTERFACE.dat");
-  bool stopped = false;
+  bool stopped = false, workbookWritten = false;
   const bool ok = Guarded(session, "frmTop", "cmxExlCreate", [&] {
     ProgressScope scope(ui, "エクセル印刷用ファイルへ出力中です", "しばらくお待ちください。");
     ExelReportTable table;
@@ -165,15 +165,17 @@ std::optional<ExelReportFiles> cmxExlsCreate(Session& session, const ExelTemplat
     }
     ui.ProgressStart("エクセルファイルの終了処理中です", "しばらくお待ちください。");
     files.Failed = table.Failed;
-    WriteSystemTextFile(files.Interface, InterfaceLines(report, table));
     // Without a data sheet the workbook is the template as it is, for its macro to fill.
     if (report.DataSheetName.empty()) uFileCopy_A(report.TemplatePath.string(), files.Workbook.string());
     else WriteWorkbookCopy(report.TemplatePath, files.Workbook, report.DataSheetName, SheetCellsOf(report, table));
+    workbookWritten = true;
+    WriteSystemTextFile(files.Interface, InterfaceLines(report, table));
   });
   if (stopped) return std::nullopt;
   if (!ok) {
+    // The two files go together: a workbook whose interface file failed is taken away again.
     std::error_code ignored;
-    std::filesystem::remove(files.Interface, ignored);
+    if (workbookWritten) std::filesystem::remove(files.Workbook, ignored);
     return std::nullopt;
   }
   if (files.Failed) {

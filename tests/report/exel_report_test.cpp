@@ -313,6 +313,20 @@ TEST_F(ExelDriver, InterfaceFileAndWorkbookBesideIt) {
   EXPECT_EQ(written.Part(written.SheetPart("Option")), original.Part(original.SheetPart("Option")));
 }
 
+TEST_F(ExelDriver, ARunTimeFailureIsLoggedAndLeavesNoFiles) {
+  const std::filesystem::path example = std::filesystem::path(VELMORA_SOURCE_DIR) / "examples/report/iri_report.xlsm";
+  ExelTemplate report;
+  ASSERT_TRUE(ReadExelTemplateFile(session, example, report));
+  report.Columns[1].Fields[6] = "#PROF(ALL, before, , ) / 0";
+  ExelReportRequest request;
+  request.Params = Filled(report, TwoRoads(), {"", "", "road_a", "road_b"});
+  request.Axis = kMetres;
+  request.Folder = temp.path();
+  EXPECT_FALSE(cmxExlsCreate(session, report, TwoRoads(), request).has_value());
+  EXPECT_EQ(ui.Messages().back().Title, "[ frmTop : cmxExlCreate ]");
+  EXPECT_TRUE(std::filesystem::is_empty(temp.path()));
+}
+
 TEST_F(ExelDriver, FixedExportFillsItsColumns) {
   ProfileRecord profile = ProfileWithIri("road_a", 31, 21, 100);
   profile.Analysis.Octave.Band[4].Values = Array1<double>{0.5, -0.5};
