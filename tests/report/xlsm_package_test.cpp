@@ -10,6 +10,7 @@
 #include <map>
 
 #include "base/legacy_error.h"
+#include "report/exel_report.h"
 #include "report/exel_template.h"
 #include "support/test_support.h"
 
@@ -94,6 +95,19 @@ TEST_F(XlsmPackageTest, SheetsByNameAndCellTextsOfEveryKind) {
   EXPECT_EQ(report.DataSheetName, "Data");
   EXPECT_EQ(report.DataColumn, 3);
   EXPECT_EQ(report.DataRow, 7);
+}
+
+TEST_F(XlsmPackageTest, AnEmptyD2GivesNoRowsAndNothingToReport) {
+  std::map<std::string, std::string> parts = kParts;
+  parts["xl/worksheets/option.xml"] =
+      Sheet("<row r=\"2\"><c r=\"E2\" t=\"s\"><v>2</v></c></row><row r=\"3\"><c r=\"D3\" t=\"s\"><v>1</v></c></row>");
+  MakeWorkbook(source, parts);
+  const std::vector<ExelOptionRow> rows = ReadOptionRows(source);
+  EXPECT_TRUE(rows.empty());
+  Session session;
+  testing::ScriptedUi ui(session);
+  EXPECT_FALSE(cmxExlsCreate(session, MakeExelTemplate(source, rows), ProfileList(), {}).has_value());
+  EXPECT_EQ(ui.OnlyMessageText(), "出力対象のエクセルファイルが指定されていません。");
 }
 
 TEST_F(XlsmPackageTest, WritingKeepsOrderClearsFormulasAndAddsSharedStrings) {
