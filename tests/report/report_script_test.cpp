@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "base/common.h"
 #include "base/legacy_error.h"
 #include "support/test_support.h"
@@ -305,6 +307,31 @@ INSTANTIATE_TEST_SUITE_P(
         GateCase{"reversed: above the end", true, "", "10", 10.1, false, false},
         GateCase{"reversed: the start finishes", true, "5", "", 4.99, true, true},
         GateCase{"reversed: below the grid's first row", true, "", "", -0.5, true, true}));
+
+// Any text at all ends in a value, a script error or a LegacyError for the caller: never a crash.
+TEST(ScriptRobustness, RandomTextsOfTheLanguagesCharacters) {
+  const std::string alphabet = "()'\",&+-*/=<>#  1e0.ADISTPROFIRUN10B";
+  std::mt19937 random(20240305);
+  std::uniform_int_distribution<std::size_t> pick(0, alphabet.size() - 1), length(0, 40);
+  testing::ScriptedUi ui;
+  int values = 0, errors = 0, failures = 0;
+  for (int n = 0; n < 20000; ++n) {
+    std::string script;
+    for (std::size_t i = length(random); i > 0; --i) script += alphabet[pick(random)];
+    ExelScriptState state = SmallReport();
+    state.Ui = &ui;
+    try {
+      EvaluateScript(state, script, n % 2);
+      (state.ErrorCode.empty() ? values : errors)++;
+    } catch (const LegacyError&) {
+      ++failures;
+    }
+    ASSERT_EQ(state.Depth, 0) << script;
+  }
+  EXPECT_GT(values, 0);
+  EXPECT_GT(errors, 0);
+  EXPECT_GT(failures, 0);
+}
 
 TEST(OperatorScan, RightMostOperatorInListOrderOutsideQuotesAndParentheses) {
   std::string left, right;
