@@ -1,11 +1,9 @@
 // velmora report: a spreadsheet report from a template whose Option sheet scripts the columns, or the
 // fixed export of one profile. The IRI tab's Go (with the octave split) runs first with 10 m windows,
 // which the reports read; the workbook and its interface file land in -o.
+#include <algorithm>
 #include <filesystem>
 
-#include <fmt/format.h>
-
-#include "base/path_helpers.h"
 #include "command_session.h"
 #include "messages.h"
 #include "report/exel_fixed_export.h"

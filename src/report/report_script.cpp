@@ -1,7 +1,7 @@
 #include "report/report_script.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 
