@@ -3,7 +3,7 @@
 
 PACKAGES := g++ cmake make pkg-config libgtest-dev libgmock-dev libbenchmark-dev libfmt-dev \
             libcli11-dev libzip-dev libpugixml-dev libfftw3-dev \
-            nlohmann-json3-dev gettext zip unzip python3 libcairo2-dev fonts-noto-cjk
+            nlohmann-json3-dev gettext zip unzip python3 python3-openpyxl libcairo2-dev fonts-noto-cjk
 BUILD    := build
 JOBS     ?= $(shell nproc)
 SUDO     := $(shell [ "$$(id -u)" -eq 0 ] || echo sudo)

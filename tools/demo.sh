@@ -25,6 +25,11 @@ echo "== PSD (Hanning window), smoothed to 12 points per octave"
 run psd $profiles --smooth 12
 echo "== FFT band-pass filter 50-5 m"
 run filter $profiles --type fft --kind bandpass --long 50 --short 5
+echo "== Spreadsheet report from examples/report/iri_report.xlsm: before road_a_kp, after road_c_rough, 50-250 m"
+run report examples/report/iri_report.xlsm $profiles --param before=road_a_kp --param after=road_c_rough \
+    --param start=50 --param end=250
+echo "== Fixed export of road_b (帳表(補修前後).xlsm)"
+run report --fixed examples/road_b.erd
 
 echo "== Charts (PNG): profiles, IRI with band IRIs, octave bands, band reduction, PSD, repair study, verification, statistics"
 run plot profile $profiles
