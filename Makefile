@@ -47,7 +47,8 @@ fuzz:
 	@$(MAKE) --no-print-directory deps EXTRA_PACKAGES="$(FUZZ_PACKAGES)"
 	CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELMORA_FUZZ=ON \
 	  -DVELMORA_BENCH=OFF -DVELMORA_FUZZ_SECONDS=$(FUZZ_SECONDS)
-	cmake --build build-fuzz -j $(JOBS) --target fuzz_erd_reader fuzz_text_import fuzz_settings
+	cmake --build build-fuzz -j $(JOBS) --target fuzz_erd_reader fuzz_text_import fuzz_settings \
+	  fuzz_user_data fuzz_project_archive fuzz_report_script
 	cmake --build build-fuzz --target fuzz-run
 
 bench: build

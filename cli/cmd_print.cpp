@@ -3,6 +3,9 @@
 // sheet of all profiles. Scales and colours from a print options file (.prt) when one is given.
 #include <fmt/format.h>
 
+#include <spawn.h>
+#include <sys/wait.h>
+
 #include <functional>
 #include <optional>
 #include <stdexcept>
@@ -16,6 +19,8 @@
 #include "messages.h"
 #include "profile/profile_list.h"
 
+extern char** environ;
+
 namespace velmora::cli {
 namespace {
 
@@ -26,7 +31,30 @@ struct PrintOptionsFlags {
   std::string SaveOptions;  // name of a .prt to write into -o
   std::string Paper = "A4";
   bool Preview = false;     // each page also as an SVG metafile
+  bool Queue = false;       // hand the PDF to the system's print queue
+  std::string Printer;      // the queue's destination; the default one when empty
 };
+
+// The print step: the PDF goes to the system's print queue through lp, which copies it into its
+// spool at once. Without lp the PDF stays where the run writes it, and the user is told so.
+bool QueuePdf(CommandSession& session, const std::filesystem::path& pdf, const std::string& printer) {
+  std::vector<std::string> words{"lp"};
+  if (!printer.empty()) words.insert(words.end(), {"-d", printer});
+  words.push_back(pdf.string());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  pid_t child = 0;
+  if (::posix_spawnp(&child, "lp", nullptr, nullptr, argv.data(), environ) != 0) {
+    PrintProblem(session.Run, "lp", Tr("no print queue (lp not found): the PDF is written to {}", session.Run.OutputDir.string()));
+    return true;
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return true;
+  PrintProblem(session.Run, "lp", Tr("the print queue refused the PDF; it is written to {}", session.Run.OutputDir.string()));
+  return false;
+}
 
 // The sheets' computations: band reduction (with the octave split) and IRI for every file.
 bool ComputeSheets(CommandSession& session, bool octave) {
@@ -117,8 +145,9 @@ int RunPrintCommand(const CommonOptions& common, const PrintOptionsFlags& o) {
     const std::string stem = o.Files.size() == 1 && session->Bench.ProfileCount() == 1
                                  ? ProfileList::NameOf(session->Bench.Profile(1)) + "_"
                                  : std::string();
-    ComposeSheets(*session, o, options,
-                  session->Run.Staging() / fmt::format("{}print_{}_{}.pdf", stem, o.Sheet, stamp), stamp);
+    const auto pdf = session->Run.Staging() / fmt::format("{}print_{}_{}.pdf", stem, o.Sheet, stamp);
+    ComposeSheets(*session, o, options, pdf, stamp);
+    if (o.Queue && !QueuePdf(*session, pdf, o.Printer)) return 1;
     if (!o.SaveOptions.empty())
       graph::WritePrintoption(session->Engine, session->Run.Staging() / (o.SaveOptions + ".prt"), options);
   } catch (const LegacyError& error) {
@@ -149,6 +178,9 @@ VELMORA_COMMAND("print",
                       ->check(CLI::IsMember({"A0", "A1", "A2", "A3", "A4", "A5", "B1", "B2", "B3", "B4", "B5"}))
                       ->capture_default_str();
                   cmd.add_flag("--preview", o->Preview, "also each page as an SVG metafile, Velmora-01.svg, ...");
+                  cmd.add_flag("--queue", o->Queue, "also hand the PDF to the system's print queue (lp)");
+                  cmd.add_option("--printer", o->Printer, "the print queue's destination (lp -d); implies --queue")
+                      ->each([o](const std::string&) { o->Queue = true; });
                   cmd.add_option("--save-options", o->SaveOptions,
                                  "also write the options in force as NAME.prt into the output folder");
                   return [&common, o] { return RunPrintCommand(common, *o); };

@@ -165,5 +165,27 @@ TEST_F(PrintCommand, AFileThatIsNoPrintOptionsIsRefused) {
   EXPECT_TRUE(Written().empty());
 }
 
+// The print step hands the run's PDF to lp when there is one (a stand-in here records what it got),
+// and otherwise tells where the PDF is.
+TEST_F(PrintCommand, TheQueueGetsThePdfOrTheUserIsToldWhereItIs) {
+  const std::filesystem::path bin = temp / "bin";
+  std::filesystem::create_directories(bin);
+  const std::string path = std::getenv("PATH");
+  ::setenv("PATH", bin.c_str(), 1);
+  EXPECT_EQ(Run("--no-timestamp print --sheet iri --queue " + Example("road_b.erd"), "out", "en"), 0) << Stderr();
+  EXPECT_NE(Stderr().find("lp: no print queue (lp not found): the PDF is written to " + (temp / "out").string()),
+            std::string::npos)
+      << Stderr();
+
+  WriteBytes(bin / "lp", "#!/bin/sh\nPATH=/usr/bin:/bin\nprintf '%s\\n' \"$@\" > '" + (temp / "lp-args").string() +
+                             "'\nfor last; do :; done\ncat \"$last\" > '" + (temp / "lp-copy").string() + "'\n");
+  std::filesystem::permissions(bin / "lp", std::filesystem::perms::owner_all);
+  EXPECT_EQ(Run("--no-timestamp print --sheet iri --printer plotter " + Example("road_b.erd"), "queued", "en"), 0)
+      << Stderr();
+  ::setenv("PATH", path.c_str(), 1);
+  EXPECT_EQ(ReadBytes(temp / "lp-args").substr(0, 12), "-d\nplotter\n/");
+  EXPECT_EQ(ReadBytes(temp / "lp-copy"), ReadBytes(temp / "queued" / "road_b_print_iri.pdf"));
+}
+
 }  // namespace
 }  // namespace velmora::testing
