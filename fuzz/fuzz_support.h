@@ -40,10 +40,12 @@ inline std::string WriteInput(const std::uint8_t* data, std::size_t size, const 
   return path.string();
 }
 
-// Answers every question with its default and keeps the messages off stderr.
+// Answers every question with its default and keeps the messages off stderr, unless
+// VELMORA_FUZZ_VERBOSE is set (to see why a finding's input was refused or accepted).
 class MuteInteraction final : public UserInteraction {
  public:
-  MsgAnswer Message(const std::string&, const std::string&, MsgIcon, MsgButtons, MsgAnswer answer) override {
+  MsgAnswer Message(const std::string& text, const std::string&, MsgIcon, MsgButtons, MsgAnswer answer) override {
+    if (std::getenv("VELMORA_FUZZ_VERBOSE")) std::fprintf(stderr, "message: %s\n", text.c_str());
     return answer;
   }
   std::optional<std::string> Input(const std::string&, const std::string&, const std::string&) override {

@@ -36,6 +36,13 @@ class Reader {
   Reader(const std::vector<std::string>& lines, const AppPaths& paths) : cursor_{lines}, paths_(paths) {}
 
   void Read(ProjectRecord& project, CalcConditions& conditions) {
+    ReadBody(project, conditions);
+    // A count without its profile lines would leave profiles with no file to load.
+    if (project.Profiles.Count() > 0 && !profilesRead_) throw Error(countLine_, "[PROFILE_INFO] がありません。");
+  }
+
+ private:
+  void ReadBody(ProjectRecord& project, CalcConditions& conditions) {
     bool expectHead = false;  // a section just read: only a head or a comment may follow
     while (cursor_.Next < cursor_.Lines.size()) {
       const std::size_t number = cursor_.Next + 1;
@@ -63,7 +70,6 @@ class Reader {
     }
   }
 
- private:
   std::string Next(std::size_t& number) {
     std::string line = uLineInput(cursor_);
     number = cursor_.Next;
@@ -121,9 +127,12 @@ class Reader {
     const std::string text = Next(number);
     project.Profiles.Clear();
     project.Profiles.Items.resize(Count(text, number));
+    countLine_ = number;
+    profilesRead_ = false;
   }
 
   void ReadProfiles(ProfileList& profiles) {
+    profilesRead_ = true;
     for (ProfileRecord& p : profiles.Items) {
       std::size_t number = 0;
       const std::vector<std::string> f = Fields(6, number);
@@ -200,6 +209,8 @@ class Reader {
 
   UserDataCursor cursor_;
   const AppPaths& paths_;
+  std::size_t countLine_ = 0;   // the line of the profile count
+  bool profilesRead_ = false;   // the profile lines of that count were read
 };
 
 }  // namespace

@@ -295,6 +295,7 @@ INSTANTIATE_TEST_SUITE_P(
         Malformed{"ProfileCountAboveTheLines", [](Lines& l) { l[19] = "3"; },
                   "32 行目：項目の数が 1 個です（6 個のはずです）。"},
         Malformed{"ProfileCountBelowTheLines", [](Lines& l) { l[19] = "1"; }, "27 行目：件数より多い行があります。"},
+        Malformed{"ProfileCountWithoutItsSection", [](Lines& l) { l[21] = "[OTHER]"; }, "20 行目：[PROFILE_INFO] がありません。"},
         Malformed{"NegativeCount", [](Lines& l) { l[19] = "-1"; }, "20 行目：整数 0～67 ではありません：-1"},
         Malformed{"FlagCountNotMatchingItsLine", [](Lines& l) { l[34] = "4,0,2,1"; },
                   "35 行目：項目の数が 4 個です（5 個のはずです）。"},
