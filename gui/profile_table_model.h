@@ -1,0 +1,29 @@
+#pragma once
+// The workbench's profile list as a table: row i is item i + 1 of the list, whatever view shows it.
+#include <QAbstractTableModel>
+
+#include "workbench/workbench.h"
+
+namespace velmora::gui {
+
+class ProfileTableModel final : public QAbstractTableModel {
+ public:
+  enum Column { Name, Pitch, Samples, Length, Kp, ColumnCount };
+
+  explicit ProfileTableModel(const workbench::Workbench& bench, QObject* parent = nullptr)
+      : QAbstractTableModel(parent), bench_(bench) {}
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+  // Around a change of the list's items (added, replaced, a project installed).
+  void BeginListChange() { beginResetModel(); }
+  void EndListChange() { endResetModel(); }
+
+ private:
+  const workbench::Workbench& bench_;
+};
+
+}  // namespace velmora::gui
