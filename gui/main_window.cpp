@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScrollArea>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -44,7 +45,7 @@ MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
     if (index < 0 || static_cast<std::size_t>(index) >= pages_.size()) return;
     const Page& page = pages_[static_cast<std::size_t>(index)];
     bench_.TabClick(page.Tab);
-    page.Chart->Refresh();
+    Redraw(page);
   });
   BuildMenu();
   resize(1200, 800);
@@ -58,7 +59,7 @@ MainWindow::~MainWindow() {
 
 void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   const int tab = info.Index;
-  Page page{tab, new QTableView, nullptr, nullptr};
+  Page page{tab, new QTableView, nullptr, nullptr, nullptr};
   page.List->setModel(&model_);
   page.List->setSelectionBehavior(QAbstractItemView::SelectRows);
   page.List->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -89,7 +90,21 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   leftLayout->addLayout(buttons);
   auto* splitter = new QSplitter(tab == tab::Profile ? Qt::Vertical : Qt::Horizontal);
   splitter->addWidget(left);
-  splitter->addWidget(page.Chart);
+  if (info.StackHeight > 0) {
+    page.Chart->setMinimumHeight(info.StackHeight);
+    auto* scroll = new QScrollArea;
+    scroll->setWidgetResizable(true);
+    scroll->setWidget(page.Chart);
+    page.Shown = new QLabel;
+    auto* right = new QWidget;
+    auto* rightLayout = new QVBoxLayout(right);
+    rightLayout->setContentsMargins(0, 0, 0, 0);
+    rightLayout->addWidget(page.Shown);
+    rightLayout->addWidget(scroll);
+    splitter->addWidget(right);
+  } else {
+    splitter->addWidget(page.Chart);
+  }
   splitter->setStretchFactor(1, 1);
   if (tab != tab::Profile) splitter->setSizes({220, 980});
   else splitter->setSizes({220, 560});
@@ -120,7 +135,15 @@ void MainWindow::SelectionChanged(const Page& page) {
     StartGo(tab::Psd);
     return;
   }
+  Redraw(page);
+}
+
+void MainWindow::Redraw(const Page& page) {
   page.Chart->Refresh();
+  if (page.Shown == nullptr) return;
+  const int row = ShownProfile(bench_, page.Tab, bench_.Selection(page.Tab));
+  page.Shown->setText(row == 0 ? QString()
+                               : "表示中のプロファイル：" + QString::fromStdString(ProfileList::NameOf(bench_.List().Items.at(row))));
 }
 
 bool MainWindow::AddFiles(const std::vector<std::string>& paths) {
@@ -134,7 +157,7 @@ bool MainWindow::AddFiles(const std::vector<std::string>& paths) {
     page.List->resizeColumnsToContents();
   }
   filling_ = false;
-  for (const Page& page : pages_) page.Chart->Refresh();
+  for (const Page& page : pages_) Redraw(page);
   return ok;
 }
 
@@ -167,7 +190,7 @@ void MainWindow::GoEnded(int tab, GoOutcome outcome) {
   lastOutcome_ = outcome;
   tabs_->setEnabled(true);
   menuBar()->setEnabled(true);
-  if (const Page* page = PageOf(tab)) page->Chart->Refresh();
+  if (const Page* page = PageOf(tab)) Redraw(*page);
 }
 
 GoOutcome MainWindow::WaitForGo() {
@@ -183,6 +206,7 @@ const MainWindow::Page* MainWindow::PageOf(int tab) const {
 QTableView* MainWindow::ListOf(int tab) const { return PageOf(tab) ? PageOf(tab)->List : nullptr; }
 ChartView* MainWindow::ChartOf(int tab) const { return PageOf(tab) ? PageOf(tab)->Chart : nullptr; }
 QPushButton* MainWindow::GoButtonOf(int tab) const { return PageOf(tab) ? PageOf(tab)->Go : nullptr; }
+QLabel* MainWindow::ShownOf(int tab) const { return PageOf(tab) ? PageOf(tab)->Shown : nullptr; }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   if (go_.Busy() || !ConfirmExit(bench_.Session())) {

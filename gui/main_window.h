@@ -1,6 +1,7 @@
 #pragma once
 // frmTop on the desktop: the tab control over the workbench, a profile list in every tab, a Go
 // button that computes on a worker thread while the window stays live, and each tab's chart.
+#include <QLabel>
 #include <QMainWindow>
 #include <QPushButton>
 #include <QTabWidget>
@@ -42,6 +43,7 @@ class MainWindow final : public QMainWindow {
   QTableView* ListOf(int tab) const;
   ChartView* ChartOf(int tab) const;
   QPushButton* GoButtonOf(int tab) const;  // null for tabs without one
+  QLabel* ShownOf(int tab) const;          // null for tabs that draw all selected profiles
   QTabWidget* Tabs() const { return tabs_; }
 
  protected:
@@ -55,9 +57,11 @@ class MainWindow final : public QMainWindow {
     QTableView* List = nullptr;
     QPushButton* Go = nullptr;
     ChartView* Chart = nullptr;
+    QLabel* Shown = nullptr;  // per-profile charts: which profile is drawn
   };
   void AddPage(const TabPage& info, bool allColumns);
   void SelectionChanged(const Page& page);
+  void Redraw(const Page& page);
   void GoEnded(int tab, workbench::GoOutcome outcome);
   void BuildMenu();
   const Page* PageOf(int tab) const;

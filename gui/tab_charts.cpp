@@ -56,8 +56,8 @@ QImage Notice(QSize size, const QString& text) {
 
 const std::vector<TabPage>& AnalysisPages() {
   static const std::vector<TabPage> pages{{Filter, "フィルター処理", true, "filter"},
-                                          {Octave, "プロファイル分解", true, "octave"},
-                                          {BandReduction, "バンド別低減", true, "reduce"},
+                                          {Octave, "プロファイル分解", true, "octave", 1500},
+                                          {BandReduction, "バンド別低減", true, "reduce", 1400},
                                           {Psd, "PSD", false, "psd"},
                                           {Iri, "IRI", true, "iri"}};
   return pages;
@@ -79,6 +79,12 @@ bool HasTabResults(int tab, const ProfileRecord& profile) {
     case Iri: return a.Iri.IriWindowWave.Calculated;
     default: return false;
   }
+}
+
+int ShownProfile(const workbench::Workbench& bench, int tab, const std::vector<int>& rows) {
+  for (int row : rows)
+    if (HasTabResults(tab, bench.List().Items.at(row))) return row;
+  return 0;
 }
 
 QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vector<int>& rows, QSize size) {

@@ -17,6 +17,9 @@ struct TabPage {
   QString Caption;
   bool HasGo;        // the PSD tab computes on a list click instead
   const char* Slug;  // a plain name for files about the tab
+  // The charts of one profile (the first selected) stack a panel per band: they need this height
+  // (pixels) to be read, and scroll in a smaller window. 0: the chart fills the tab.
+  int StackHeight = 0;
 };
 const std::vector<TabPage>& AnalysisPages();
 // The profile tab, which every mode shows.
@@ -24,6 +27,8 @@ const TabPage& ProfilePage();
 
 // Whether a profile holds the results the tab's chart draws.
 bool HasTabResults(int tab, const ProfileRecord& profile);
+// The profile a per-profile chart shows: the first of the rows (from 1) that holds the results; 0: none.
+int ShownProfile(const workbench::Workbench& bench, int tab, const std::vector<int>& rows);
 
 // The chart of `tab` for the rows (from 1) that hold its results, `size` in pixels; a white picture
 // with a line of text where there is nothing to draw yet.

@@ -129,6 +129,23 @@ TEST_F(MainWindowTest, GoComputesEveryProfileAndDrawsTheChart) {
   EXPECT_TRUE(ui.Messages().empty()) << ui.Messages().front().Text;
 }
 
+TEST_F(MainWindowTest, AOneProfileChartNamesTheFirstSelectedProfileThatHasResults) {
+  ASSERT_TRUE(AddExamples());
+  QTableView* list = window->ListOf(tab::Octave);
+  list->clearSelection();  // entering the tab computes what its list selects
+  window->ShowTab(tab::Octave);
+  EXPECT_EQ(window->ShownOf(tab::Octave)->text(), "");
+  list->selectRow(1);  // road_b, then road_c_rough beside it
+  list->selectionModel()->select(list->model()->index(2, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+  ASSERT_EQ(bench.Selection(tab::Octave), (std::vector<int>{2, 3}));
+  ASSERT_EQ(Go(tab::Octave), GoOutcome::Completed);
+  EXPECT_FALSE(HasTabResults(tab::Octave, bench.List().Items.at(1)));
+  EXPECT_EQ(window->ShownOf(tab::Octave)->text(), QString::fromUtf8("表示中のプロファイル：road_b"));
+  list->selectRow(2);  // road_c_rough alone
+  EXPECT_EQ(window->ShownOf(tab::Octave)->text(), QString::fromUtf8("表示中のプロファイル：road_c_rough"));
+  EXPECT_EQ(window->ShownOf(tab::Iri), nullptr);
+}
+
 TEST_F(MainWindowTest, ThePsdTabComputesOnEntryAndThePlainTabsCarryNoResultsBeforeGo) {
   ASSERT_TRUE(AddExamples());
   EXPECT_FALSE(HasTabResults(tab::Iri, bench.List().Items.at(1)));
