@@ -16,6 +16,7 @@
 
 #include "base/startup.h"
 #include "tab_charts.h"
+#include "tab_inputs_form.h"
 
 namespace velmora::gui {
 namespace {
@@ -87,6 +88,7 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   auto* leftLayout = new QVBoxLayout(left);
   leftLayout->setContentsMargins(0, 0, 0, 0);
   leftLayout->addWidget(page.List);
+  if (QWidget* inputs = MakeTabInputs(bench_, tab)) leftLayout->addWidget(inputs);
   leftLayout->addLayout(buttons);
   auto* splitter = new QSplitter(tab == tab::Profile ? Qt::Vertical : Qt::Horizontal);
   splitter->addWidget(left);

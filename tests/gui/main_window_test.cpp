@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QUrl>
@@ -184,6 +186,26 @@ TEST_F(MainWindowTest, TheWindowIsLockedWhileGoRunsAndAStopKeepsTheResultsBefore
   const WaveSeries& now = bench.List().Items.at(1).Analysis.Iri.IriWindowWave;
   ASSERT_EQ(now.Values.size(), kept.Values.size());
   EXPECT_TRUE(std::equal(now.Values.begin(), now.Values.end(), kept.Values.begin()));
+}
+
+TEST_F(MainWindowTest, TheTabsBoxesReachTheConditionsAtGoAndABadValueIsRefused) {
+  ASSERT_TRUE(AddExamples());
+  auto* length = window->findChild<QLineEdit*>("evalLength");
+  ASSERT_NE(length, nullptr);
+  EXPECT_EQ(length->text(), QString::fromStdString(bench.Iri.EvalLength));  // filled from the conditions
+  length->setText("20");
+  ASSERT_EQ(Go(tab::Iri), GoOutcome::Completed);
+  EXPECT_EQ(session.CurrentConditions.Iri.IriBaseLength, 20.0);
+
+  length->setText("abc");
+  EXPECT_EQ(Go(tab::Iri), GoOutcome::Failed);
+  EXPECT_EQ(ui.Messages().size(), 1u);
+  EXPECT_EQ(session.CurrentConditions.Iri.IriBaseLength, 20.0);
+
+  auto* band = window->findChild<QComboBox*>("band");
+  ASSERT_NE(band, nullptr);
+  band->setCurrentIndex(1);
+  EXPECT_EQ(bench.Filter.Band, 1);  // LowPass
 }
 
 TEST_F(MainWindowTest, ABadFileIsNamedInARecordedMessageAndRegistersNothing) {
