@@ -42,6 +42,7 @@ MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
   setCentralWidget(tabs_);
   AddPage(ProfilePage(), true);
   for (const TabPage& page : AnalysisPages()) AddPage(page, false);
+  for (const TabPage& page : RepairPages()) AddPage(page, false);
   connect(tabs_, &QTabWidget::currentChanged, this, [this](int index) {
     if (index < 0 || static_cast<std::size_t>(index) >= pages_.size()) return;
     const Page& page = pages_[static_cast<std::size_t>(index)];
@@ -49,6 +50,7 @@ MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
     Redraw(page);
   });
   BuildMenu();
+  ShowTabsOfMode();
   resize(1200, 800);
 }
 
@@ -124,6 +126,20 @@ void MainWindow::BuildMenu() {
   connect(add, &QAction::triggered, this, &MainWindow::AddFilesFromDialog);
   QAction* quit = menu->addAction("終了");
   connect(quit, &QAction::triggered, this, &QWidget::close);
+  mode_ = menuBar()->addAction(QString::fromStdString(bench_.ModeCaption()));
+  connect(mode_, &QAction::triggered, this, &MainWindow::ToggleMode);
+}
+
+void MainWindow::ToggleMode() {
+  if (go_.Busy()) return;
+  bench_.MnuBunseki();
+  ShowTabsOfMode();
+}
+
+void MainWindow::ShowTabsOfMode() {
+  mode_->setText(QString::fromStdString(bench_.ModeCaption()));
+  for (std::size_t i = 0; i < pages_.size(); ++i)
+    tabs_->setTabVisible(static_cast<int>(i), bench_.TabEnabled[static_cast<std::size_t>(pages_[i].Tab)]);
 }
 
 void MainWindow::SelectionChanged(const Page& page) {
@@ -171,7 +187,10 @@ void MainWindow::AddFilesFromDialog() {
   AddFiles(bench_.Session().Ui().OpenFiles(request));
 }
 
+bool MainWindow::TabShown(int tab) const { return bench_.TabEnabled.at(static_cast<std::size_t>(tab)); }
+
 void MainWindow::ShowTab(int tab) {
+  if (!TabShown(tab)) return;
   for (std::size_t i = 0; i < pages_.size(); ++i)
     if (pages_[i].Tab == tab) tabs_->setCurrentIndex(static_cast<int>(i));
 }

@@ -31,8 +31,12 @@ class MainWindow final : public QMainWindow {
   bool AddFiles(const std::vector<std::string>& paths);
   // The file dialog of "add profiles".
   void AddFilesFromDialog();
-  // Enters a tab of the workbench (its index in the tab table).
+  // Enters a tab of the workbench (its index in the tab table); a tab of the other mode is not entered.
   void ShowTab(int tab);
+  // Whether the tab is offered in the mode now (after start the PSD tab waits for two mode changes).
+  bool TabShown(int tab) const;
+  // mnuBunseki: toggles profile analysis and repair-shape study, and the tabs shown for each.
+  void ToggleMode();
   // Starts the Go of a tab on the worker; false while another runs or the tab has no page.
   bool StartGo(int tab);
   bool GoBusy() const { return go_.Busy(); }
@@ -65,11 +69,13 @@ class MainWindow final : public QMainWindow {
   void GoEnded(int tab, workbench::GoOutcome outcome);
   void BuildMenu();
   const Page* PageOf(int tab) const;
+  void ShowTabsOfMode();
 
   workbench::Workbench& bench_;
   ProfileTableModel model_;
   QTabWidget* tabs_ = nullptr;
   std::vector<Page> pages_;  // in the order of the tab control
+  QAction* mode_ = nullptr;  // mnuBunseki, its caption the mode
   workbench::BackgroundGo go_;
   workbench::GoOutcome lastOutcome_ = workbench::GoOutcome::Failed;
   bool filling_ = false;  // the lists are being filled: selection events only record

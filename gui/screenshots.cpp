@@ -18,6 +18,17 @@ bool SavePng(const QPixmap& picture, const QString& path, QString& error) {
   return true;
 }
 
+// The tab entered, its Go run (the PSD tab computes on entry) and the window written; the file's
+// path, or empty with the reason in `error`.
+QString Shoot(MainWindow& window, const TabPage& page, const QString& folder, QString& error) {
+  window.ShowTab(page.Index);
+  if (page.HasGo && window.StartGo(page.Index)) window.WaitForGo();
+  QCoreApplication::processEvents();
+  window.ChartOf(page.Index)->Refresh();
+  const QString path = QDir(folder).filePath(QString("%1_%2.png").arg(page.Index, 2, 10, QChar('0')).arg(page.Slug));
+  return SavePng(window.grab(), path, error) ? path : QString();
+}
+
 }  // namespace
 
 QStringList WriteScreenshots(MainWindow& window, const QString& folder, QString& error) {
@@ -27,16 +38,19 @@ QStringList WriteScreenshots(MainWindow& window, const QString& folder, QString&
   }
   std::vector<TabPage> pages{ProfilePage()};
   pages.insert(pages.end(), AnalysisPages().begin(), AnalysisPages().end());
+  pages.insert(pages.end(), RepairPages().begin(), RepairPages().end());
+  // The study's tabs need the other mode, and the PSD tab two mode changes after start: each tab
+  // is taken in the first of three rounds that shows it.
+  std::vector<bool> taken(pages.size(), false);
   QStringList written;
-  for (const TabPage& page : pages) {
-    window.ShowTab(page.Index);
-    if (page.HasGo && window.StartGo(page.Index)) window.WaitForGo();
-    window.WaitForGo();  // the PSD tab's list may have started one
-    QCoreApplication::processEvents();
-    window.ChartOf(page.Index)->Refresh();
-    const QString path = QDir(folder).filePath(QString("%1_%2.png").arg(page.Index, 2, 10, QChar('0')).arg(page.Slug));
-    if (!SavePng(window.grab(), path, error)) return {};
-    written << path;
+  for (int round = 0; round < 3; ++round, window.ToggleMode()) {
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+      if (taken[i] || !window.TabShown(pages[i].Index)) continue;
+      taken[i] = true;
+      const QString path = Shoot(window, pages[i], folder, error);
+      if (path.isEmpty()) return {};
+      written << path;
+    }
   }
   return written;
 }

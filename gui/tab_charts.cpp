@@ -13,6 +13,10 @@ namespace {
 
 using workbench::tab::BandReduction;
 using workbench::tab::Filter;
+using workbench::tab::IdealShape;
+using workbench::tab::MediumWave;
+using workbench::tab::ShortWave;
+using workbench::tab::ThreeWave;
 using workbench::tab::Iri;
 using workbench::tab::Octave;
 using workbench::tab::Profile;
@@ -30,6 +34,11 @@ void DrawTab(const graph::ChartCanvas& canvas, int tab, std::span<const ProfileR
     case BandReduction:
       graph::DrawBandReductionChart(canvas, *profiles.front(), bench.Session().CurrentConditions.LineColour);
       break;
+    // Every step of the study shows the study of the profile as far as it has come.
+    case ThreeWave:
+    case MediumWave:
+    case ShortWave:
+    case IdealShape: graph::DrawRepairChart(canvas, *profiles.front()); break;
     default: throw std::logic_error("no chart for tab " + std::to_string(tab));
   }
 }
@@ -63,6 +72,14 @@ const std::vector<TabPage>& AnalysisPages() {
   return pages;
 }
 
+const std::vector<TabPage>& RepairPages() {
+  static const std::vector<TabPage> pages{{ThreeWave, "3波長分解", true, "threewave", 1100},
+                                          {MediumWave, "中波長", true, "medium", 1100},
+                                          {ShortWave, "短波長", true, "short", 1100},
+                                          {IdealShape, "理想形状", true, "ideal", 1100}};
+  return pages;
+}
+
 const TabPage& ProfilePage() {
   static const TabPage page{Profile, "プロファイル", false, "profile"};
   return page;
@@ -77,6 +94,10 @@ bool HasTabResults(int tab, const ProfileRecord& profile) {
     case BandReduction: return a.BandReduction.Calculated;
     case Psd: return a.Psd.Calculated;
     case Iri: return a.Iri.IriWindowWave.Calculated;
+    case ThreeWave: return profile.ThreeWave.Valid;
+    case MediumWave: return profile.RepairStudy.MiddleValid;
+    case ShortWave: return profile.RepairStudy.ShortReducedValid;
+    case IdealShape: return profile.RepairStudy.IdealValid;
     default: return false;
   }
 }

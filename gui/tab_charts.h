@@ -22,6 +22,8 @@ struct TabPage {
   int StackHeight = 0;
 };
 const std::vector<TabPage>& AnalysisPages();
+// The tabs of the repair-shape study, shown in the other mode.
+const std::vector<TabPage>& RepairPages();
 // The profile tab, which every mode shows.
 const TabPage& ProfilePage();
 

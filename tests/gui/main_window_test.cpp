@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QUrl>
@@ -150,6 +151,8 @@ TEST_F(MainWindowTest, AOneProfileChartNamesTheFirstSelectedProfileThatHasResult
 
 TEST_F(MainWindowTest, ThePsdTabComputesOnEntryAndThePlainTabsCarryNoResultsBeforeGo) {
   ASSERT_TRUE(AddExamples());
+  window->ToggleMode();
+  window->ToggleMode();  // the PSD tab is offered from the second mode change on
   EXPECT_FALSE(HasTabResults(tab::Iri, bench.List().Items.at(1)));
   const QImage before = window->ChartOf(tab::Iri)->Image();
   EXPECT_LT(InkInPlotArea(before), kTextInk);  // only the line that asks for Go
@@ -157,6 +160,35 @@ TEST_F(MainWindowTest, ThePsdTabComputesOnEntryAndThePlainTabsCarryNoResultsBefo
   window->WaitForGo();
   for (int row = 1; row <= 3; ++row) EXPECT_TRUE(HasTabResults(tab::Psd, bench.List().Items.at(row)));
   EXPECT_GT(InkInPlotArea(window->ChartOf(tab::Psd)->Image()), kChartInk);
+}
+
+TEST_F(MainWindowTest, TheModeSwitchShowsTheTabsOfEachMode) {
+  const auto shown = [this] {
+    QStringList captions;
+    for (int i = 0; i < window->Tabs()->count(); ++i)
+      if (window->Tabs()->isTabVisible(i)) captions << window->Tabs()->tabText(i);
+    return captions.join(",");
+  };
+  const auto caption = [this] { return window->menuBar()->actions().back()->text(); };
+  EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,フィルター処理,プロファイル分解,バンド別低減,IRI"));
+  EXPECT_EQ(caption(), QString::fromUtf8("●プロファイル分析　○補修形状検討"));
+  window->ToggleMode();
+  EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,3波長分解,中波長,短波長,理想形状"));
+  EXPECT_EQ(caption(), QString::fromUtf8("○プロファイル分析　●補修形状検討"));
+  window->ToggleMode();
+  EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,フィルター処理,プロファイル分解,バンド別低減,PSD,IRI"));
+}
+
+TEST_F(MainWindowTest, TheStudyRunsStepByStepInItsMode) {
+  ASSERT_TRUE(AddExamples());
+  window->ToggleMode();
+  for (int t : {tab::ThreeWave, tab::MediumWave, tab::ShortWave, tab::IdealShape}) {
+    SCOPED_TRACE("tab " + std::to_string(t));
+    ASSERT_EQ(Go(t), GoOutcome::Completed);
+    for (int row = 1; row <= 3; ++row) EXPECT_TRUE(HasTabResults(t, bench.List().Items.at(row))) << "row " << row;
+  }
+  EXPECT_GT(InkInPlotArea(window->ChartOf(tab::IdealShape)->Image()), kChartInk);
+  EXPECT_TRUE(ui.Messages().empty()) << ui.Messages().front().Text;
 }
 
 TEST_F(MainWindowTest, TheChartFollowsTheSizeOfItsWidget) {
