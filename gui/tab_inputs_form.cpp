@@ -37,11 +37,18 @@ QCheckBox* Tick(bool& field, const QString& caption, const QString& name) {
 QWidget* FilterInputs(workbench::FilterTabInputs& in) {
   auto* form = new QWidget;
   auto* layout = new QFormLayout(form);
-  layout->addRow("計算種別", Choice(in.CalcType, {"移動平均", "フーリエ変換", "IRI", "Slope"}, "calcType"));
+  QComboBox* type = Choice(in.CalcType, {"移動平均", "フーリエ変換", "IRI", "Slope"}, "calcType");
+  layout->addRow("計算種別", type);
   layout->addRow("帯域", Choice(in.Band, {"HighPass", "LowPass", "BandPass", "BandCut"}, "band"));
   layout->addRow("長波長側 (m)", TextBox(in.LongCut, "longCut"));
   layout->addRow("短波長側 (m)", TextBox(in.ShortCut, "shortCut"));
-  layout->addRow(Tick(in.Converge, "FFT収束演算", "converge"));
+  QCheckBox* converge = Tick(in.Converge, "FFT収束演算", "converge");
+  layout->addRow(converge);
+  // The repeated passes are the Fourier filter's only.
+  constexpr int kFourier = 1;
+  const auto enable = [converge](int calcType) { converge->setEnabled(calcType == kFourier); };
+  QObject::connect(type, &QComboBox::currentIndexChanged, converge, enable);
+  enable(in.CalcType);
   return form;
 }
 
