@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 
 #include <iostream>
+#include <string_view>
 
 #include "base/startup.h"
 #include "main_window.h"
@@ -32,6 +33,10 @@ Arguments Parse(const QStringList& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Pictures need no screen: without a platform chosen they are drawn offscreen.
+  for (int i = 1; i < argc; ++i)
+    if (std::string_view(argv[i]) == "--screenshots" && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+      qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication app(argc, argv);
   const Arguments arguments = Parse(QApplication::arguments());
   const bool shots = !arguments.ScreenshotFolder.isEmpty();
@@ -54,8 +59,9 @@ int main(int argc, char** argv) {
   velmora::gui::MainWindow window(bench);
   dialogs.SetParentWindow(&window);
   window.show();
-  if (!arguments.Files.empty()) window.AddFiles(arguments.Files);
+  const bool added = arguments.Files.empty() || window.AddFiles(arguments.Files);
   if (!shots) return QApplication::exec();
+  if (!added) return 1;  // the file and what is wrong with it have been said
 
   QString error;
   const QStringList written = velmora::gui::WriteScreenshots(window, arguments.ScreenshotFolder, error);
