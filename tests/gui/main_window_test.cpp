@@ -18,6 +18,7 @@
 #include "base/startup.h"
 #include "profile_table_model.h"
 #include "support/test_support.h"
+#include "gui/qt_app.h"
 #include "tab_charts.h"
 
 namespace velmora::gui {
@@ -25,18 +26,6 @@ namespace {
 
 namespace tab = workbench::tab;
 using workbench::GoOutcome;
-
-QApplication& App() {
-  // One application for the program; the window never needs a display.
-  static int argc = 1;
-  static char name[] = "test_gui";
-  static char* argv[] = {name, nullptr};
-  static QApplication* app = [] {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    return new QApplication(argc, argv);
-  }();
-  return *app;
-}
 
 std::vector<std::string> Examples() {
   const auto dir = testing::SourceDir() / "examples";
@@ -61,7 +50,7 @@ double InkInPlotArea(const QImage& image) {
 class MainWindowTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    App();
+    TestApplication();
     StartUpOptions options;
     options.AppPathOverride = VELMORA_BIN_DIR;
     options.ScratchRoot = (scratch / "user").string();
