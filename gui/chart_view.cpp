@@ -13,7 +13,9 @@ ChartView::ChartView(Source source, QWidget* parent) : QWidget(parent), source_(
 }
 
 void ChartView::Refresh() {
-  image_ = source_(size());
+  QImage next = source_(size());
+  if (next.isNull()) return;
+  image_ = std::move(next);
   update();
 }
 

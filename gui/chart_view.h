@@ -10,10 +10,11 @@ namespace velmora::gui {
 
 class ChartView final : public QWidget {
  public:
+  // The chart at a size; a null image when it cannot be drawn now (the picture shown stays).
   using Source = std::function<QImage(QSize)>;
   explicit ChartView(Source source, QWidget* parent = nullptr);
 
-  // Draws the chart again at the current size.
+  // Draws the chart again at the current size, when the source can.
   void Refresh();
   const QImage& Image() const { return image_; }
 

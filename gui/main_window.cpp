@@ -70,7 +70,10 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   page.List->horizontalHeader()->setStretchLastSection(true);
   for (int column = ProfileTableModel::Name + 1; !allColumns && column < ProfileTableModel::ColumnCount; ++column)
     page.List->hideColumn(column);
-  page.Chart = new ChartView([this, tab](QSize size) { return RenderTabChart(bench_, tab, bench_.Selection(tab), size); });
+  // While a Go runs the worker writes into the records: the chart waits for the end of the Go.
+  page.Chart = new ChartView([this, tab](QSize size) {
+    return go_.Busy() ? QImage() : RenderTabChart(bench_, tab, bench_.Selection(tab), size);
+  });
 
   auto* buttons = new QHBoxLayout;
   if (tab == tab::Profile) {

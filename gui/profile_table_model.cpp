@@ -1,8 +1,5 @@
 #include "profile_table_model.h"
 
-#include <QBrush>
-#include <QColor>
-
 #include "base/common.h"
 
 namespace velmora::gui {
@@ -18,31 +15,39 @@ QString KpText(const ErdRecord& erd) {
 
 }  // namespace
 
+void ProfileTableModel::EndListChange() {
+  rows_.clear();
+  const auto& panels = bench_.List().Views.front().Panels;
+  for (int row = 1; row <= bench_.ProfileCount(); ++row) {
+    const ProfileRecord& profile = bench_.List().Items.at(row);
+    const ErdRecord& erd = profile.Erd;
+    const auto index = static_cast<std::size_t>(row - 1);
+    rows_.push_back({QString::fromStdString(ProfileList::NameOf(profile)), QString::number(erd.StepSize, 'f', 3),
+                     QString::number(erd.StepSize * (erd.NumSamples - 1), 'f', 2), KpText(erd), erd.NumSamples,
+                     index < panels.size() ? PanelColour(panels[index]) : QColor()});
+  }
+  endResetModel();
+}
+
 int ProfileTableModel::rowCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : bench_.ProfileCount();
+  return parent.isValid() ? 0 : static_cast<int>(rows_.size());
 }
 
 int ProfileTableModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : ColumnCount; }
 
 QVariant ProfileTableModel::data(const QModelIndex& index, int role) const {
-  if (!index.isValid() || index.row() >= bench_.ProfileCount()) return {};
-  const int row = index.row() + 1;
-  const ProfileRecord& profile = bench_.List().Items.at(row);
-  const ErdRecord& erd = profile.Erd;
-  if (role == Qt::DecorationRole && index.column() == Name) {
-    const auto& panels = bench_.List().Views.front().Panels;
-    if (static_cast<std::size_t>(index.row()) < panels.size()) return PanelColour(panels[static_cast<std::size_t>(index.row())]);
-    return {};
-  }
+  if (!index.isValid() || index.row() >= rowCount()) return {};
+  const Row& row = rows_[static_cast<std::size_t>(index.row())];
+  if (role == Qt::DecorationRole && index.column() == Name && row.Panel.isValid()) return row.Panel;
   if (role == Qt::TextAlignmentRole && index.column() != Name)
     return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
   if (role != Qt::DisplayRole) return {};
   switch (index.column()) {
-    case Name: return QString::fromStdString(ProfileList::NameOf(profile));
-    case Pitch: return QString::number(erd.StepSize, 'f', 3);
-    case Samples: return erd.NumSamples;
-    case Length: return QString::number(erd.StepSize * (erd.NumSamples - 1), 'f', 2);
-    case Kp: return KpText(erd);
+    case Name: return row.Name;
+    case Pitch: return row.Pitch;
+    case Samples: return row.Samples;
+    case Length: return row.Length;
+    case Kp: return row.Kp;
     default: return {};
   }
 }

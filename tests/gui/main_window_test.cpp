@@ -198,11 +198,16 @@ TEST_F(MainWindowTest, TheWindowIsLockedWhileGoRunsAndAStopKeepsTheResultsBefore
 
   bench.Iri.EvalLength = "20";
   ui.StopAfterValues = 0;
+  ChartView* chart = window->ChartOf(tab::Iri);
+  const qint64 shown = chart->Image().cacheKey();
   ASSERT_TRUE(window->StartGo(tab::Iri));
   EXPECT_FALSE(window->Tabs()->isEnabled());
+  chart->Refresh();  // a resize while the worker writes the records keeps the picture
+  EXPECT_EQ(chart->Image().cacheKey(), shown);
   EXPECT_FALSE(window->StartGo(tab::Filter));  // no second Go while one runs
   EXPECT_EQ(window->WaitForGo(), GoOutcome::Cancelled);
   EXPECT_TRUE(window->Tabs()->isEnabled());
+  EXPECT_NE(chart->Image().cacheKey(), shown);  // drawn again at the end
 
   const WaveSeries& now = bench.List().Items.at(1).Analysis.Iri.IriWindowWave;
   ASSERT_EQ(now.Values.size(), kept.Values.size());
