@@ -3,7 +3,8 @@
 
 PACKAGES := g++ cmake make pkg-config libgtest-dev libgmock-dev libbenchmark-dev libfmt-dev \
             libcli11-dev libzip-dev libpugixml-dev libfftw3-dev \
-            nlohmann-json3-dev gettext zip unzip python3 python3-openpyxl libcairo2-dev fonts-noto-cjk
+            nlohmann-json3-dev gettext zip unzip python3 python3-openpyxl libcairo2-dev fonts-noto-cjk \
+            qt6-base-dev
 BUILD    := build
 JOBS     ?= $(shell nproc)
 SUDO     := $(shell [ "$$(id -u)" -eq 0 ] || echo sudo)
@@ -11,7 +12,7 @@ SUDO     := $(shell [ "$$(id -u)" -eq 0 ] || echo sudo)
 FUZZ_PACKAGES := clang libclang-rt-14-dev
 FUZZ_SECONDS  ?= 600
 
-.PHONY: all deps configure build test demo asan bench fuzz clean
+.PHONY: all deps configure build test demo gui gui-shots asan bench fuzz clean
 
 all: build
 
@@ -35,6 +36,14 @@ test: build
 
 demo: build
 	./tools/demo.sh $(BUILD)/bin/velmora
+
+# The desktop window on the bundled examples; gui-shots writes a picture of each tab after its Go
+# into out/screenshots without a screen.
+gui: build
+	$(BUILD)/bin/velmora-gui examples/*.erd
+
+gui-shots: build
+	QT_QPA_PLATFORM=offscreen $(BUILD)/bin/velmora-gui --screenshots out/screenshots examples/*.erd
 
 asan: deps
 	cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON -DVELMORA_BENCH=OFF

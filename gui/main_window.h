@@ -1,0 +1,84 @@
+#pragma once
+// frmTop on the desktop: the tab control over the workbench, a profile list in every tab, a Go
+// button that computes on a worker thread while the window stays live, and each tab's chart.
+#include <QLabel>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTableView>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "chart_view.h"
+#include "profile_table_model.h"
+#include "tab_charts.h"
+#include "workbench/background_go.h"
+#include "workbench/workbench.h"
+
+namespace velmora::gui {
+
+class MainWindow final : public QMainWindow {
+ public:
+  // The workbench has been loaded (FormLoad); its session's interaction answers for the window.
+  explicit MainWindow(workbench::Workbench& bench, QWidget* parent = nullptr);
+  // A Go still running is stopped and its end awaited first.
+  ~MainWindow() override;
+
+  // Registers ERD files as "add profiles" does and selects every profile in every tab's list.
+  // False when a file could not be registered (the engine has said why).
+  bool AddFiles(const std::vector<std::string>& paths);
+  // The file dialog of "add profiles".
+  void AddFilesFromDialog();
+  // Enters a tab of the workbench (its index in the tab table); a tab of the other mode is not entered.
+  void ShowTab(int tab);
+  // Whether the tab is offered in the mode now (after start the PSD tab waits for two mode changes).
+  bool TabShown(int tab) const;
+  // mnuBunseki: toggles profile analysis and repair-shape study, and the tabs shown for each.
+  void ToggleMode();
+  // Starts the Go of a tab on the worker; false while another runs or the tab has no page.
+  bool StartGo(int tab);
+  bool GoBusy() const { return go_.Busy(); }
+  // Runs the event loop until the running Go has ended; its outcome.
+  workbench::GoOutcome WaitForGo();
+  workbench::GoOutcome LastOutcome() const { return lastOutcome_; }
+
+  QTableView* ListOf(int tab) const;
+  ChartView* ChartOf(int tab) const;
+  QPushButton* GoButtonOf(int tab) const;  // null for tabs without one
+  QLabel* ShownOf(int tab) const;          // null for tabs that draw all selected profiles
+  QTabWidget* Tabs() const { return tabs_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  struct Page {
+    int Tab = 0;
+    QTableView* List = nullptr;
+    QPushButton* Go = nullptr;
+    ChartView* Chart = nullptr;
+    QLabel* Shown = nullptr;  // per-profile charts: which profile is drawn
+  };
+  void AddPage(const TabPage& info, bool allColumns);
+  void SelectionChanged(const Page& page);
+  void Redraw(const Page& page);
+  void GoEnded(int tab, workbench::GoOutcome outcome);
+  void BuildMenu();
+  const Page* PageOf(int tab) const;
+  void ShowTabsOfMode();
+
+  workbench::Workbench& bench_;
+  ProfileTableModel model_;
+  QTabWidget* tabs_ = nullptr;
+  std::vector<Page> pages_;  // in the order of the tab control
+  QAction* mode_ = nullptr;  // mnuBunseki, its caption the mode
+  workbench::BackgroundGo go_;
+  workbench::GoOutcome lastOutcome_ = workbench::GoOutcome::Failed;
+  bool filling_ = false;  // the lists are being filled: selection events only record
+};
+
+}  // namespace velmora::gui

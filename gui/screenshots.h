@@ -1,0 +1,14 @@
+#pragma once
+// Pictures of the window for the documentation: each tab after its Go on the profiles registered.
+#include <QString>
+
+#include "main_window.h"
+
+namespace velmora::gui {
+
+// Enters each tab in turn, runs its Go (the PSD tab computes on entry) and writes the window as
+// "<folder>/<nn>_<tab>.png", each file whole or not at all. The files written, or an empty list
+// with the reason in `error`.
+QStringList WriteScreenshots(MainWindow& window, const QString& folder, QString& error);
+
+}  // namespace velmora::gui

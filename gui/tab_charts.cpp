@@ -1,0 +1,144 @@
+#include "tab_charts.h"
+
+#include <QPainter>
+
+#include <cstring>
+#include <stdexcept>
+
+#include "base/legacy_error.h"
+#include "graph/charts.h"
+
+namespace velmora::gui {
+namespace {
+
+using workbench::tab::BandReduction;
+using workbench::tab::Filter;
+using workbench::tab::IdealShape;
+using workbench::tab::MediumWave;
+using workbench::tab::ShortWave;
+using workbench::tab::ThreeWave;
+using workbench::tab::Iri;
+using workbench::tab::Octave;
+using workbench::tab::Profile;
+using workbench::tab::Psd;
+
+void DrawTab(const graph::ChartCanvas& canvas, int tab, std::span<const ProfileRecord* const> profiles,
+             const workbench::Workbench& bench) {
+  switch (tab) {
+    case Profile: graph::DrawProfileChart(canvas, profiles); break;
+    case Filter: graph::DrawFilterChart(canvas, profiles); break;
+    case Iri: graph::DrawIriChart(canvas, profiles, bench.Iri.Bands); break;
+    case Psd: graph::DrawPsdChart(canvas, profiles, {}); break;
+    // The per-profile charts show the first selected profile.
+    case Octave: graph::DrawOctaveChart(canvas, *profiles.front()); break;
+    case BandReduction:
+      graph::DrawBandReductionChart(canvas, *profiles.front(), bench.Session().CurrentConditions.LineColour);
+      break;
+    // Every step of the study shows the study of the profile as far as it has come.
+    case ThreeWave:
+    case MediumWave:
+    case ShortWave:
+    case IdealShape: graph::DrawRepairChart(canvas, *profiles.front()); break;
+    default: throw std::logic_error("no chart for tab " + std::to_string(tab));
+  }
+}
+
+// A cairo raster (premultiplied ARGB, native order) copied into an image of its own.
+QImage ImageOf(cairo_surface_t* raster) {
+  cairo_surface_flush(raster);
+  const int width = cairo_image_surface_get_width(raster);
+  const int height = cairo_image_surface_get_height(raster);
+  const QImage view(cairo_image_surface_get_data(raster), width, height, cairo_image_surface_get_stride(raster),
+                    QImage::Format_ARGB32_Premultiplied);
+  return view.copy();
+}
+
+QImage Notice(QSize size, const QString& text) {
+  QImage image(size, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::white);
+  QPainter painter(&image);
+  painter.drawText(image.rect(), Qt::AlignCenter | Qt::TextWordWrap, text);
+  return image;
+}
+
+}  // namespace
+
+const std::vector<TabPage>& AnalysisPages() {
+  static const std::vector<TabPage> pages{{Filter, "フィルター処理", true, "filter"},
+                                          {Octave, "プロファイル分解", true, "octave", 1500},
+                                          {BandReduction, "バンド別低減", true, "reduce", 1400},
+                                          {Psd, "PSD", false, "psd"},
+                                          {Iri, "IRI", true, "iri"}};
+  return pages;
+}
+
+const std::vector<TabPage>& RepairPages() {
+  static const std::vector<TabPage> pages{{ThreeWave, "3波長分解", true, "threewave", 1100},
+                                          {MediumWave, "中波長", true, "medium", 1100},
+                                          {ShortWave, "短波長", true, "short", 1100},
+                                          {IdealShape, "理想形状", true, "ideal", 1100}};
+  return pages;
+}
+
+const TabPage& ProfilePage() {
+  static const TabPage page{Profile, "プロファイル", false, "profile"};
+  return page;
+}
+
+bool HasTabResults(int tab, const ProfileRecord& profile) {
+  const AnalysisBlock& a = profile.Analysis;
+  switch (tab) {
+    case Profile: return profile.WorkCount > 0;
+    case Filter: return a.Filter.FilterWave.Calculated;
+    case Octave: return a.Octave.Calculated;
+    case BandReduction: return a.BandReduction.Calculated;
+    case Psd: return a.Psd.Calculated;
+    case Iri: return a.Iri.IriWindowWave.Calculated;
+    case ThreeWave: return profile.ThreeWave.Valid;
+    case MediumWave: return profile.RepairStudy.MiddleValid;
+    case ShortWave: return profile.RepairStudy.ShortReducedValid;
+    case IdealShape: return profile.RepairStudy.IdealValid;
+    default: return false;
+  }
+}
+
+int ShownProfile(const workbench::Workbench& bench, int tab, const std::vector<int>& rows) {
+  for (int row : rows)
+    if (HasTabResults(tab, bench.List().Items.at(row))) return row;
+  return 0;
+}
+
+QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vector<int>& rows, QSize size) {
+  size = size.expandedTo(QSize(100, 100));
+  std::vector<const ProfileRecord*> profiles;
+  for (int row : rows) {
+    const ProfileRecord& profile = bench.List().Items.at(row);
+    if (HasTabResults(tab, profile)) profiles.push_back(&profile);
+  }
+  if (profiles.empty())
+    return Notice(size, rows.empty() ? QStringLiteral("リストでプロファイルを選択してください。")
+                                     : QStringLiteral("結果がありません。Go を押してください。"));
+  const Session& session = bench.Session();
+  graph::Picture picture(size.width(), size.height());
+  graph::DrawDevices devices;
+  const graph::Hdc hdc = devices.regHDCPicture(picture);
+  devices.flBox(hdc, 0, 0, size.width(), size.height(), {.Style = 5, .Fill = graph::kWhite});
+  const graph::ChartCanvas canvas{.Devices = devices,
+                                  .Target = hdc,
+                                  .Surface = picture.Surface,
+                                  .Area = {16, 12, size.width() - 16.0, size.height() - 12.0},
+                                  .Font = graph::FontSpec(),
+                                  .Palette = session.Settings.PaletteProfile,
+                                  .Bands = session.CurrentConditions.BandColours};
+  try {
+    DrawTab(canvas, tab, profiles, bench);
+  } catch (const std::invalid_argument& error) {  // data no axis can be divided over
+    return Notice(size, QString::fromStdString(error.what()));
+  } catch (const LegacyError& error) {
+    return Notice(size, QString::fromStdString(error.what()));
+  }
+  devices.releaseHDC(hdc);
+  return ImageOf(picture.Raster());
+}
+
+}  // namespace velmora::gui
