@@ -93,16 +93,8 @@ bool RunVerification(CommandSession& session, const PlotOptions& o, std::vector<
     CliUi::FlagCheck check(session.Ui, {{"--max-shift", "最大ずらし量", ""}});
     if (!bench.Go(workbench::tab::Verification)) return false;
   }
-  const CorrelationResults& results = bench.Evaluation.Verification.Results;
-  const auto series = ComparedSeries(bench.Session(), bench.List(), results, bench.Session().CurrentConditions.Iri);
-  for (std::int32_t j = 2; j <= results.Selection.ProfileCount; ++j) {
-    const auto& a = series[0];
-    const auto& b = series[static_cast<std::size_t>(j - 1)];
-    const std::int32_t maxShift = MaxShiftFor(results.Options, a.size());
-    const auto n = static_cast<std::int32_t>(std::min(a.size(), b.size()));
-    curves.push_back({results.Selection.Names[static_cast<std::size_t>(j - 1)], CorrelationByShift(n, a, b, maxShift),
-                      maxShift, results.Cell(1, j).Peak(CorrelationRow::Rho)});
-  }
+  curves = graph::CorrelationCurves(bench.Session(), bench.List(), bench.Evaluation.Verification.Results,
+                                     bench.Session().CurrentConditions.Iri);
   return true;
 }
 

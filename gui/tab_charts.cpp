@@ -17,6 +17,7 @@ using workbench::tab::IdealShape;
 using workbench::tab::MediumWave;
 using workbench::tab::ShortWave;
 using workbench::tab::ThreeWave;
+using workbench::tab::Verification;
 using workbench::tab::Iri;
 using workbench::tab::Octave;
 using workbench::tab::Profile;
@@ -68,7 +69,8 @@ const std::vector<TabPage>& AnalysisPages() {
                                           {Octave, "プロファイル分解", true, "octave", 1500},
                                           {BandReduction, "バンド別低減", true, "reduce", 1400},
                                           {Psd, "PSD", false, "psd"},
-                                          {Iri, "IRI", true, "iri"}};
+                                          {Iri, "IRI", true, "iri"},
+                                          {Verification, "精度検証", true, "xcorr"}};
   return pages;
 }
 
@@ -115,7 +117,10 @@ QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vec
     const ProfileRecord& profile = bench.List().Items.at(row);
     if (HasTabResults(tab, profile)) profiles.push_back(&profile);
   }
-  if (profiles.empty())
+  // The verification's results are the last run's, not the profiles'.
+  const CorrelationResults& verification = bench.Evaluation.Verification.Results;
+  const bool drawable = tab == Verification ? verification.Selection.ProfileCount >= 2 : !profiles.empty();
+  if (!drawable)
     return Notice(size, rows.empty() ? QStringLiteral("リストでプロファイルを選択してください。")
                                      : QStringLiteral("結果がありません。Go を押してください。"));
   const Session& session = bench.Session();
@@ -131,7 +136,12 @@ QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vec
                                   .Palette = session.Settings.PaletteProfile,
                                   .Bands = session.CurrentConditions.BandColours};
   try {
-    DrawTab(canvas, tab, profiles, bench);
+    if (tab == Verification)
+      graph::DrawCorrelationChart(canvas, verification.Selection.Names.at(0),
+                                  graph::CorrelationCurves(bench.Session(), bench.List(), verification,
+                                                           bench.Session().CurrentConditions.Iri));
+    else
+      DrawTab(canvas, tab, profiles, bench);
   } catch (const std::invalid_argument& error) {  // data no axis can be divided over
     return Notice(size, QString::fromStdString(error.what()));
   } catch (const LegacyError& error) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "analysis/psd_view.h"
+#include "evaluation/cross_correlation.h"
 #include "evaluation/cross_correlation_kernel.h"
 #include "evaluation/statistics.h"
 #include "graph/chart_panel.h"
@@ -57,6 +58,10 @@ struct CorrelationCurve {
   std::int32_t MaxShift = 0;
   CorrelationPeak Peak;
 };
+// The curves of a verification run: each later profile of `results` against the first, over the
+// series the run compared (`iri` as for the run), at every shift up to the run's largest.
+std::vector<CorrelationCurve> CorrelationCurves(Session& session, const ProfileList& list,
+                                                const CorrelationResults& results, const IriParams& iri);
 // Correlation against shift of each profile compared with `baseName`, its peak marked with value and shift.
 void DrawCorrelationChart(const ChartCanvas& canvas, const std::string& baseName,
                           const std::vector<CorrelationCurve>& curves);

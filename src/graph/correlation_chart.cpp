@@ -7,6 +7,21 @@
 
 namespace velmora::graph {
 
+std::vector<CorrelationCurve> CorrelationCurves(Session& session, const ProfileList& list,
+                                                const CorrelationResults& results, const IriParams& iri) {
+  const auto series = ComparedSeries(session, list, results, iri);
+  std::vector<CorrelationCurve> curves;
+  for (std::int32_t j = 2; j <= results.Selection.ProfileCount; ++j) {
+    const auto& a = series[0];
+    const auto& b = series[static_cast<std::size_t>(j - 1)];
+    const std::int32_t maxShift = MaxShiftFor(results.Options, a.size());
+    const auto n = static_cast<std::int32_t>(std::min(a.size(), b.size()));
+    curves.push_back({results.Selection.Names[static_cast<std::size_t>(j - 1)], CorrelationByShift(n, a, b, maxShift),
+                      maxShift, results.Cell(1, j).Peak(CorrelationRow::Rho)});
+  }
+  return curves;
+}
+
 void DrawCorrelationChart(const ChartCanvas& canvas, const std::string& baseName,
                           const std::vector<CorrelationCurve>& curves) {
   std::int32_t reach = 1;

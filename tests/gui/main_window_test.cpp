@@ -13,6 +13,7 @@
 #include <QMimeData>
 #include <QUrl>
 
+#include <algorithm>
 #include <memory>
 
 #include "base/startup.h"
@@ -36,13 +37,31 @@ std::vector<std::string> Examples() {
 // of text covers a few hundredths of it; curves with their grid many times more.
 constexpr double kTextInk = 0.03;
 constexpr double kChartInk = 0.05;
+QRect PlotArea(const QImage& image) {
+  return {image.width() / 5, image.height() / 8, image.width() * 3 / 5, image.height() * 3 / 4};
+}
+
 double InkInPlotArea(const QImage& image) {
-  const QRect plot(image.width() / 5, image.height() / 8, image.width() * 3 / 5, image.height() * 3 / 4);
+  const QRect plot = PlotArea(image);
   int ink = 0;
   for (int y = plot.top(); y <= plot.bottom(); ++y)
     for (int x = plot.left(); x <= plot.right(); ++x)
       if (image.pixel(x, y) != qRgb(255, 255, 255)) ++ink;
   return static_cast<double>(ink) / (plot.width() * plot.height());
+}
+
+// Share of the pixels there in a colour rather than black, grey or white: the curves, not the grid
+// or a line of text.
+double ColourInPlotArea(const QImage& image) {
+  const QRect plot = PlotArea(image);
+  int coloured = 0;
+  for (int y = plot.top(); y <= plot.bottom(); ++y)
+    for (int x = plot.left(); x <= plot.right(); ++x) {
+      const QRgb p = image.pixel(x, y);
+      const int spread = std::max({qRed(p), qGreen(p), qBlue(p)}) - std::min({qRed(p), qGreen(p), qBlue(p)});
+      if (spread > 64) ++coloured;
+    }
+  return static_cast<double>(coloured) / (plot.width() * plot.height());
 }
 
 // The program's start-up with its shipped settings in a private scratch tree, the workbench loaded
@@ -159,13 +178,31 @@ TEST_F(MainWindowTest, TheModeSwitchShowsTheTabsOfEachMode) {
     return captions.join(",");
   };
   const auto caption = [this] { return window->menuBar()->actions().back()->text(); };
-  EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,フィルター処理,プロファイル分解,バンド別低減,IRI"));
+  EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,フィルター処理,プロファイル分解,バンド別低減,IRI,精度検証"));
   EXPECT_EQ(caption(), QString::fromUtf8("●プロファイル分析　○補修形状検討"));
   window->ToggleMode();
   EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,3波長分解,中波長,短波長,理想形状"));
   EXPECT_EQ(caption(), QString::fromUtf8("○プロファイル分析　●補修形状検討"));
   window->ToggleMode();
-  EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,フィルター処理,プロファイル分解,バンド別低減,PSD,IRI"));
+  EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,フィルター処理,プロファイル分解,バンド別低減,PSD,IRI,精度検証"));
+}
+
+TEST_F(MainWindowTest, TheVerificationComparesProfilesOfOnePitchAndDrawsTheirCorrelation) {
+  ASSERT_TRUE(AddExamples());
+  // road_b has a pitch of 0.05 m, the others 0.1 m: the three together are refused with the engine's message.
+  EXPECT_EQ(Go(tab::Verification), GoOutcome::Failed);
+  ASSERT_EQ(ui.Messages().size(), 1u);
+  EXPECT_NE(ui.Messages().front().Text.find("サンプルピッチ"), std::string::npos) << ui.Messages().front().Text;
+  EXPECT_EQ(ColourInPlotArea(window->ChartOf(tab::Verification)->Image()), 0.0);
+
+  QTableView* list = window->ListOf(tab::Verification);
+  list->selectRow(0);
+  list->selectionModel()->select(list->model()->index(2, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+  ASSERT_EQ(Go(tab::Verification), GoOutcome::Completed);
+  EXPECT_EQ(bench.Evaluation.Verification.Results.Selection.Names,
+            (std::vector<std::string>{"road_a_kp", "road_c_rough"}));
+  // One thin curve over the grid: its colour, which no notice has, is the mark of a chart.
+  EXPECT_GT(ColourInPlotArea(window->ChartOf(tab::Verification)->Image()), 0.002);
 }
 
 TEST_F(MainWindowTest, TheStudyRunsStepByStepInItsMode) {
