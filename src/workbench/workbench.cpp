@@ -204,8 +204,12 @@ bool Workbench::Go(int tab) { return RunGo(tab) == GoOutcome::Completed; }
 
 GoOutcome Workbench::RunGo(int tab) {
   if (LoadingProfile || list_.Count() == 0) return GoOutcome::Failed;
+  // A stopped Go leaves the conditions as they were before it stored the tab's inputs.
+  CalcConditions conditions = session_.CurrentConditions;
   if (!StoreInputs(tab)) return GoOutcome::Failed;
-  return RedrawOutcome(tab, true);
+  const GoOutcome outcome = RedrawOutcome(tab, true);
+  if (outcome == GoOutcome::Cancelled) session_.CurrentConditions = std::move(conditions);
+  return outcome;
 }
 
 bool Workbench::StoreInputs(int tab) {

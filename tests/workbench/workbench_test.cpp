@@ -438,6 +438,18 @@ TEST_F(BackgroundGoTest, AStopAskedForByTheProgressLeavesThePreviousResultsUntou
   EXPECT_EQ(bench.ComputeCount(tab::Octave), computedAfterStop);
 }
 
+TEST_F(BackgroundGoTest, AStoppedGoLeavesTheConditionsAsTheyWereBeforeItsInputs) {
+  const CalcConditions before = session.CurrentConditions;
+  bench.SelectAll(tab::Iri);
+  bench.Iri.EvalLength = before.Iri.IriBaseLength == 20 ? "30" : "20";
+  ui_.StopAfterValues = static_cast<int>(ui_.ProgressValues.size());
+  EXPECT_EQ(bench.RunGo(tab::Iri), GoOutcome::Cancelled);
+  EXPECT_EQ(session.CurrentConditions, before);
+  ui_.StopAfterValues = -1;
+  EXPECT_EQ(bench.RunGo(tab::Iri), GoOutcome::Completed);
+  EXPECT_NE(session.CurrentConditions, before);  // a Go to the end keeps what it stored
+}
+
 TEST_F(BackgroundGoTest, ACancelButtonStopsTheRunAndAGoToTheEndStoresWhatASynchronousGoStores) {
   background.RequestStop();  // before the start: a new Go starts afresh
   EXPECT_EQ(RunInBackground(), GoOutcome::Completed);
