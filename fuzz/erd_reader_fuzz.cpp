@@ -10,7 +10,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace velmora;
   const std::string path = fuzz::WriteInput(data, size, "input.erd");
-  fuzz::MuteInteraction ui;
+  SilentInteraction ui = fuzz::QuietInteraction();
   Session session(ui);
   ErdRecord rec;
   try {

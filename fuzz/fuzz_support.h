@@ -40,24 +40,9 @@ inline std::string WriteInput(const std::uint8_t* data, std::size_t size, const 
   return path.string();
 }
 
-// Answers every question with its default and keeps the messages off stderr, unless
-// VELMORA_FUZZ_VERBOSE is set (to see why a finding's input was refused or accepted).
-class MuteInteraction final : public UserInteraction {
- public:
-  MsgAnswer Message(const std::string& text, const std::string&, MsgIcon, MsgButtons, MsgAnswer answer) override {
-    if (std::getenv("VELMORA_FUZZ_VERBOSE")) std::fprintf(stderr, "message: %s\n", text.c_str());
-    return answer;
-  }
-  std::optional<std::string> Input(const std::string&, const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-  std::vector<std::string> OpenFiles(const FileDialogRequest&) override { return {}; }
-  std::string SaveFile(const FileDialogRequest&) override { return {}; }
-  std::string ChooseFolder(const FileDialogRequest&) override { return {}; }
-  void ProgressStart(const std::string&, const std::string&) override {}
-  bool ProgressValue(int) override { return true; }
-  void ProgressExit() override {}
-};
+// The session's interaction: answers every question with its default, and shows the messages only
+// when VELMORA_FUZZ_VERBOSE is set (to see why a finding's input was refused or accepted).
+inline SilentInteraction QuietInteraction() { return SilentInteraction(std::getenv("VELMORA_FUZZ_VERBOSE") != nullptr); }
 
 inline void Require(bool holds, const char* what) {
   if (holds) return;

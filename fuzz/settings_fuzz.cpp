@@ -6,7 +6,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace velmora;
-  fuzz::MuteInteraction ui;
+  SilentInteraction ui = fuzz::QuietInteraction();
   Session session(ui);
   session.Paths.AppPath = fuzz::Folder().string();
   session.Paths.DefaultIniFileName = "Default.ini";

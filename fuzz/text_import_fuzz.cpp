@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   options.Header = flags & 16;
   options.TitleFromHeader = flags & 32;
   options.Pitch = (flags & 64) ? "0.01" : "0.25";
-  fuzz::MuteInteraction ui;
+  SilentInteraction ui = fuzz::QuietInteraction();
   Session session(ui);
   const std::filesystem::path temp = fuzz::Folder() / "Temp";
   std::filesystem::create_directories(temp);

@@ -8,7 +8,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace velmora;
   const std::string path = fuzz::WriteInput(data, size, "User.dat");
-  fuzz::MuteInteraction ui;
+  SilentInteraction ui = fuzz::QuietInteraction();
   Session session(ui);
   ProjectRecord project;
   CalcConditions conditions;

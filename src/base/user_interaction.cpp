@@ -6,7 +6,7 @@ namespace velmora {
 
 MsgAnswer SilentInteraction::Message(const std::string& text, const std::string& title, MsgIcon, MsgButtons,
                                      MsgAnswer defaultAnswer) {
-  std::fprintf(stderr, "[%s] %s\n", title.c_str(), text.c_str());
+  if (echo_) std::fprintf(stderr, "[%s] %s\n", title.c_str(), text.c_str());
   return defaultAnswer;
 }
 

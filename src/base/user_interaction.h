@@ -56,9 +56,10 @@ class UserInteraction : public ProgressSink {
 };
 
 // Answers every question with its default, cancels dialogs, never stops a computation and writes
-// messages to stderr: what a session uses until a front end installs its own.
+// messages to stderr (unless `echo` is false): what a session uses until a front end installs its own.
 class SilentInteraction final : public UserInteraction {
  public:
+  explicit SilentInteraction(bool echo = true) : echo_(echo) {}
   MsgAnswer Message(const std::string& text, const std::string& title, MsgIcon icon, MsgButtons buttons,
                     MsgAnswer defaultAnswer) override;
   std::optional<std::string> Input(const std::string&, const std::string&, const std::string&) override {
@@ -70,6 +71,9 @@ class SilentInteraction final : public UserInteraction {
   void ProgressStart(const std::string&, const std::string&) override {}
   bool ProgressValue(int) override { return true; }
   void ProgressExit() override {}
+
+ private:
+  bool echo_;
 };
 
 }  // namespace velmora
