@@ -1,9 +1,11 @@
 #include "base/legacy_format.h"
 
+#include <array>
 #include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <cstdint>
 #include <cstdlib>
 
 #include <fmt/format.h>
@@ -135,6 +137,83 @@ int PlainFixedDecimals(std::string_view pattern) {
   return static_cast<int>(pattern.size()) - 2;
 }
 
+constexpr auto kPow10 = [] {
+  std::array<std::uint64_t, 16> powers{};
+  powers[0] = 1;
+  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
+  return powers;
+}();
+
+// m · 10^k · 2^e rounded to an integer, ties to even, as a correctly rounded conversion rounds;
+// false when the exact product does not fit the 128-bit arithmetic or the result 64 bits.
+__extension__ using Wide = unsigned __int128;
+
+bool ScaledRounded(std::uint64_t m, int e, int k, std::uint64_t& result) {
+  if (k < 0 || k > 27) return false;
+  Wide p = m;
+  for (int i = 0; i < k; ++i) p *= 5;  // 5^27 · 2^53 < 2^116
+  const int shift = -(e + k);
+  if (shift <= 0) {
+    if (shift < -10) return false;
+    p <<= -shift;
+  } else {
+    if (shift >= 120) return false;
+    const Wide rest = p & ((Wide{1} << shift) - 1);
+    const Wide half = Wide{1} << (shift - 1);
+    p >>= shift;
+    if (rest > half || (rest == half && (p & 1) != 0)) ++p;
+  }
+  if ((p >> 64) != 0) return false;
+  result = static_cast<std::uint64_t>(p);
+  return true;
+}
+
+// The same two roundings in integers for the values the result files hold (magnitudes from about
+// 1e-12 up to 1e15): the 15 significant digits of |value| = m · 2^e are m · 10^(15 − point) · 2^e
+// rounded, then whole decimals are dropped half away from zero. False when the value needs the
+// general route.
+bool AppendFixedDecimalsByIntegers(std::string& out, double value, int decimals) {
+  const double magnitude = std::fabs(value);
+  if (magnitude < 1e-12 || magnitude >= 1e15 || decimals > 15) return false;
+  int binaryExponent = 0;
+  const double fraction = std::frexp(magnitude, &binaryExponent);  // magnitude = fraction · 2^binaryExponent
+  const auto m = static_cast<std::uint64_t>(std::ldexp(fraction, 53));
+  const int e = binaryExponent - 53;
+  // point: the number of digits before the decimal point in d.ddd…·10^(point−1)
+  int point = static_cast<int>(std::floor((binaryExponent - 1) * 0.30102999566398120)) + 1;
+  std::uint64_t digits15 = 0;
+  for (int attempt = 0;; ++attempt) {
+    if (attempt == 3 || !ScaledRounded(m, e, 15 - point, digits15)) return false;
+    if (digits15 >= kPow10[15]) {
+      ++point;  // rounding reached the next power of ten, or the estimate was low
+    } else if (digits15 < kPow10[14]) {
+      --point;
+    } else {
+      break;
+    }
+  }
+  const int keep = point + decimals;  // significant digits left after the second rounding
+  if (keep > 15) return false;
+  std::uint64_t scaled = 0;  // |value| rounded, times 10^decimals
+  if (keep >= 0) {
+    const std::uint64_t dropped = kPow10[15 - keep];
+    scaled = (digits15 + dropped / 2) / dropped;
+  }
+  char text[24];
+  char* end = std::to_chars(text, text + sizeof text, scaled).ptr;
+  const int length = static_cast<int>(end - text);
+  if (length <= decimals) {
+    out += "0.";
+    out.append(static_cast<std::size_t>(decimals - length), '0');
+    out.append(text, end);
+  } else {
+    out.append(text, static_cast<std::size_t>(length - decimals));
+    out += '.';
+    out.append(end - decimals, end);
+  }
+  return true;
+}
+
 }  // namespace
 
 // FormatNumber for a "0.00…0" pattern, by the same two roundings (to 15 significant digits, then
@@ -142,6 +221,7 @@ int PlainFixedDecimals(std::string_view pattern) {
 void AppendFixedDecimals(std::string& out, double value, int decimals) {
   if (std::isnan(value) || std::isinf(value)) RaiseOverflow(fmt::format("{}", value));
   if (std::signbit(value) && value != 0) out += '-';
+  if (value != 0 && AppendFixedDecimalsByIntegers(out, value, decimals)) return;
   char digits[40];
   int count = 1, point = 1;
   digits[0] = '0';

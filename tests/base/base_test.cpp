@@ -790,11 +790,17 @@ TEST(FormatNumber, PlainDecimalsGiveWhatThePatternInterpreterGives) {
   // also at ties, carries into a new digit, values that round to zero, and the extremes.
   std::mt19937_64 random(11);
   std::uniform_real_distribution<double> mantissa(-10, 10);
-  std::uniform_int_distribution<int> exponent(-12, 12);
+  std::uniform_int_distribution<int> exponent(-14, 15);
   std::vector<double> values = {0.0, -0.0, 0.5, -0.5, 9.999995, 0.000005, -0.000004999, 0.125, 2.675, 99999.999995,
-                                1e15, 1e-300, -1e300, 123456789.123456789, std::numeric_limits<double>::denorm_min()};
-  for (int k = 0; k < 20000; ++k) values.push_back(mantissa(random) * std::pow(10.0, exponent(random)));
-  for (const char* pattern : {"0.0", "0.00000", "0.00000000", "0.000000"})
+                                1e15, 1e-300, -1e300, 123456789.123456789, std::numeric_limits<double>::denorm_min(),
+                                // exact binary ties at the 15th digit (to even), and roundings into a new power of ten
+                                123456789012345.5, 123456789012346.5, 12345678901234.25, 12345678901234.75,
+                                9.999999999999999, 0.09999999999999999, 99999.99999999999, 999999999999999.9,
+                                // the edges of the integer route: 1e-12 and 1e15, and integers
+                                1e-12, 9.99999999999e-13, 999999999999999.0, 4503599627370495.0, 3.0, 1e14, 0.01};
+  for (int k = 0; k < 200000; ++k) values.push_back(mantissa(random) * std::pow(10.0, exponent(random)));
+  for (int k = 0; k < 2000; ++k) values.push_back(std::nextafter(std::pow(10.0, k % 28 - 13), k % 2 ? 0.0 : 1e300));
+  for (const char* pattern : {"0.0", "0.000", "0.00000", "0.00000000", "0.000000", "0.000000000000000"})
     for (double v : values) ASSERT_EQ(FormatNumber(v, pattern), FormatNumberByPattern(v, pattern)) << v << " " << pattern;
 }
 
