@@ -367,6 +367,7 @@ bool DecomposeProfile(Session& session, ProfileRecord& record, bool converge, co
       !Guarded(session, kModule, "PrepareProfile", [&] { PrepareProfile(DebugTablesOf(session), record); }))
     return false;
 
+  EnsureOctaveMasks(record.Analysis);
   const AnalysisBlock& block = record.Analysis;
   ProgressScope display(session.Ui(), kProgressTitle, "しばらくお待ちください。");
   OctaveBands bands;

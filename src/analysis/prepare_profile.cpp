@@ -63,16 +63,22 @@ void PrepareAnalysis(const DebugTables& debug, AnalysisBlock& block, std::int32_
   StoreWave(block.Profile, std::move(copy));
   block.FftLength1 = FftLength1(n);
   block.FftLength2 = FftLength2(n);
-  // The masks work with the pitch as 1/(samples per metre), as every later use does.
-  const double dx = 1.0 / block.SamplesPerMetre;
-  MakeOctaveMasks(block.FftLength2, dx, block.Masks);
+  block.Masks = {};
   block.Octave.Calculated = false;
   block.BandReduction.Calculated = false;
   block.Psd.Calculated = false;
   if (debug.On) {
+    const double dx = 1.0 / block.SamplesPerMetre;
+    EnsureOctaveMasks(block);
     WriteMaskTable(debug, block, dx);
     WriteProfileTable(debug, block, dx);
   }
+}
+
+void EnsureOctaveMasks(AnalysisBlock& block) {
+  if (block.Masks[1].size() == block.FftLength2) return;
+  // The masks work with the pitch as 1/(samples per metre), as every later use does.
+  MakeOctaveMasks(block.FftLength2, 1.0 / block.SamplesPerMetre, block.Masks);
 }
 
 void PrepareProfile(const DebugTables& debug, ProfileRecord& record) {

@@ -214,6 +214,7 @@ bool AnalyseStudyWave(Session& session, const Array1<double>& wave, double pitch
     AnalysisBlock block;
     PrepareAnalysis(DebugTablesOf(session), block, n, wave, pitch);
     if (octave) {
+      EnsureOctaveMasks(block);
       std::int32_t seq = 0;
       Need(Cal_プロファイル分解_単体処理(session, writeDebug, seq, 0, n, block.FftLength1, block.FftLength2, block.Masks, wave,
                                        out.Octave.Band));

@@ -565,7 +565,7 @@ TEST(OctaveMasks, EachPositionLiesInTheOctaveOfItsHarmonic) {
   }
 }
 
-TEST_F(OctaveTest, PrepareFillsLengthsCopyAndMasksAndRefusesBadPitchAndCount) {
+TEST_F(OctaveTest, PrepareFillsLengthsAndCopyMasksOnDemandAndRefusesBadPitchAndCount) {
   ProfileRecord record = testing::MakeProfile("test", 0.1, {1, 2, 3, 4, 5});
   PrepareProfile(DebugTables{}, record);
   const AnalysisBlock& block = record.Analysis;
@@ -573,6 +573,9 @@ TEST_F(OctaveTest, PrepareFillsLengthsCopyAndMasksAndRefusesBadPitchAndCount) {
   EXPECT_EQ(std::tuple(block.Count, block.FftLength1, block.FftLength2), std::tuple(5, 8, 16));
   EXPECT_EQ(block.Profile.Values, Array1<double>({1, 2, 3, 4, 5}));
   EXPECT_DOUBLE_EQ(block.Profile.Stats.StdDev, std::sqrt(2.0));
+  // The masks wait for the first band split.
+  EXPECT_EQ(block.Masks[1].size(), 0);
+  EnsureOctaveMasks(record.Analysis);
   for (int k = 1; k <= 10; ++k) EXPECT_EQ(block.Masks[k].size(), 16);
   // 16 points at 0.1 m: the zero position is j = 1, 0.625 c/m = 1/1.6, the top of octave 6.
   EXPECT_EQ(block.Masks[6][1], 1);
