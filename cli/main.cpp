@@ -10,6 +10,7 @@
 
 #include "base/folders.h"
 #include "base/legacy_format.h"
+#include "base/memory_tunables.h"
 #include "command_registry.h"
 #include "help_files.h"
 #include "interrupts.h"
@@ -97,6 +98,7 @@ int CheckFilesOrProject(const Runners& runners, const CommonOptions& common, Run
 }  // namespace
 
 int main(int argc, char** argv) {
+  velmora::RestartWithMallocTunables(argv);
   UseLanguage(ChooseLanguage(LangFlag(argc, argv)));
   CLI::App app{"velmora: road profiles in, IRI, filters, octave bands, PSD, statistics, profiler verification and "
                "repair-shape study out. Elevations in mm, distances in m, KP in km, IRI in mm/m."};

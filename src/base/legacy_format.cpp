@@ -1,6 +1,7 @@
 #include "base/legacy_format.h"
 
 #include <array>
+#include <bit>
 #include <cctype>
 #include <charconv>
 #include <cmath>
@@ -146,12 +147,18 @@ constexpr auto kPow10 = [] {
 
 // m · 10^k · 2^e rounded to an integer, ties to even, as a correctly rounded conversion rounds;
 // false when the exact product does not fit the 128-bit arithmetic or the result 64 bits.
+constexpr auto kPow5 = [] {
+  std::array<std::uint64_t, 28> powers{};
+  powers[0] = 1;
+  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 5;
+  return powers;
+}();
+
 __extension__ using Wide = unsigned __int128;
 
 bool ScaledRounded(std::uint64_t m, int e, int k, std::uint64_t& result) {
-  if (k < 0 || k > 27) return false;
-  Wide p = m;
-  for (int i = 0; i < k; ++i) p *= 5;  // 5^27 · 2^53 < 2^116
+  if (k < 0 || k >= static_cast<int>(kPow5.size())) return false;
+  Wide p = static_cast<Wide>(m) * kPow5[static_cast<std::size_t>(k)];  // 5^27 · 2^53 < 2^116
   const int shift = -(e + k);
   if (shift <= 0) {
     if (shift < -10) return false;
@@ -175,12 +182,13 @@ bool ScaledRounded(std::uint64_t m, int e, int k, std::uint64_t& result) {
 bool AppendFixedDecimalsByIntegers(std::string& out, double value, int decimals) {
   const double magnitude = std::fabs(value);
   if (magnitude < 1e-12 || magnitude >= 1e15 || decimals > 15) return false;
-  int binaryExponent = 0;
-  const double fraction = std::frexp(magnitude, &binaryExponent);  // magnitude = fraction · 2^binaryExponent
-  const auto m = static_cast<std::uint64_t>(std::ldexp(fraction, 53));
-  const int e = binaryExponent - 53;
-  // point: the number of digits before the decimal point in d.ddd…·10^(point−1)
-  int point = static_cast<int>(std::floor((binaryExponent - 1) * 0.30102999566398120)) + 1;
+  // magnitude = m · 2^e with 2^52 <= m < 2^53 (no subnormals at these magnitudes)
+  const auto bits = std::bit_cast<std::uint64_t>(magnitude);
+  const std::uint64_t m = (bits & ((std::uint64_t{1} << 52) - 1)) | (std::uint64_t{1} << 52);
+  const int e = static_cast<int>(bits >> 52) - 1075;
+  // point: the number of digits before the decimal point in d.ddd…·10^(point−1), estimated from
+  // 2^(e+52) <= magnitude and corrected below
+  int point = static_cast<int>(std::floor((e + 52) * 0.30102999566398120)) + 1;
   std::uint64_t digits15 = 0;
   for (int attempt = 0;; ++attempt) {
     if (attempt == 3 || !ScaledRounded(m, e, 15 - point, digits15)) return false;
