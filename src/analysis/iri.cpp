@@ -38,12 +38,11 @@ std::int32_t ResponseOf(std::vector<double>& work, std::int32_t n, double dx, co
   return n;
 }
 
-Array1<double> FirstElements(const std::vector<double>& values, std::int32_t count) {
-  Array1<double> out;
-  out.assign_zero(count);
-  const std::int32_t copied = std::min<std::int32_t>(count, static_cast<std::int32_t>(values.size()));
-  std::copy_n(values.begin(), std::max<std::int32_t>(copied, 0), out.begin());
-  return out;
+// The first `count` values, zeros after the end, in the vector's own storage: results are moved into
+// place, not copied.
+Array1<double> FirstElements(std::vector<double>&& values, std::int32_t count) {
+  values.resize(static_cast<std::size_t>(std::max<std::int32_t>(count, 0)));
+  return Array1<double>(std::move(values));
 }
 
 void WriteSeriesTable(const DebugTables& debug, const std::string& fileName, const std::string& header, const Array1<double>& values) {
@@ -70,9 +69,9 @@ void BandResponseAndWindow(std::vector<double> work, std::int32_t n, double dx, 
                            std::int32_t profileWindowEnd, std::int32_t windowCount, Array1<double>& response,
                            WaveSeries& window) {
   const std::int32_t responseCount = ResponseOf(work, n, dx, params);
-  response = FirstElements(work, responseCount);
-  const auto t = SlidingWindowIri(work, responseCount, profileWindowEnd + 1, PowerOf(params));
-  StoreWave(window, FirstElements(t, windowCount));
+  response = FirstElements(std::move(work), responseCount);
+  StoreWave(window, FirstElements(SlidingWindowIri(response.span(), responseCount, profileWindowEnd + 1, PowerOf(params)),
+                                  windowCount));
 }
 
 std::vector<double> CheckedWave(const Array1<double>& values, std::int32_t n, const char* what) {
@@ -157,7 +156,7 @@ void CalcIriFilter(const DebugTables& debug, AnalysisBlock& block, const IriPara
   const double dx = PitchOf(block);
   std::vector<double> work = CheckedWave(block.Profile.Values, block.Count, "profile");
   const std::int32_t count = std::max(ResponseOf(work, block.Count, dx, params), 0);
-  StoreWave(r.IriFilterWave, FirstElements(work, count));
+  StoreWave(r.IriFilterWave, FirstElements(std::move(work), count));
   r.IriFilterCount = count;
   if (debug.On) WriteSeriesTable(debug, "IRI_Filter.csv", "No, IRI Filter(10m)", r.IriFilterWave.Values);
 }
@@ -172,12 +171,12 @@ void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriPar
   std::vector<double> work = CheckedWave(block.Profile.Values, n, "profile");
   const std::int32_t responseCount = ResponseOf(work, n, dx, params);
   r.IriResponseCount = responseCount;
-  r.IriResponseWave = FirstElements(work, std::max(responseCount, 0));
-  r.IriWholeProfile = IriPowerMean(work, responseCount, power);
+  r.IriResponseWave = FirstElements(std::move(work), responseCount);
+  r.IriWholeProfile = IriPowerMean(r.IriResponseWave.span(), responseCount, power);
 
   const std::int32_t windowEnd = IntLong((dx / 2 + length) / dx) + 1;
   r.IriWindowCount = std::max(CLng(responseCount - Int(length / dx + 0.1)), 0);
-  StoreWave(r.IriWindowWave, FirstElements(SlidingWindowIri(work, responseCount, windowEnd, power),
+  StoreWave(r.IriWindowWave, FirstElements(SlidingWindowIri(r.IriResponseWave.span(), responseCount, windowEnd, power),
                                            r.IriWindowCount));
 
   if (debug.On) {

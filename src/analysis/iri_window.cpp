@@ -22,12 +22,20 @@ double Root(double meanOfPowers, int power) {
   return std::pow(meanOfPowers, 1.0 / static_cast<double>(power));
 }
 
-// Sum of the terms e - width + 1 .. e (1-based), ascending from 0: the window's sum as it would be
-// taken from scratch.
-double WindowSum(const std::vector<double>& terms, std::int32_t e, std::int32_t width) {
-  double sum = 0;
-  for (std::int32_t j = e - width + 1; j <= e; ++j) sum += terms[static_cast<std::size_t>(j - 1)];
-  return sum;
+// The window ending at e (1-based) from scratch, ascending from 0: its sum of terms and how many
+// of them are not zero.
+struct WindowTotal {
+  double Sum = 0;
+  std::int32_t NonZero = 0;
+};
+WindowTotal WindowFromScratch(std::span<const double> r, std::int32_t e, std::int32_t width, int power) {
+  WindowTotal total;
+  for (std::int32_t j = e - width + 1; j <= e; ++j) {
+    const double term = PowerTerm(r[static_cast<std::size_t>(j - 1)], power);
+    total.Sum += term;
+    total.NonZero += term != 0 ? 1 : 0;
+  }
+  return total;
 }
 
 // A running sum kept as an unevaluated pair hi + lo: each addition's rounding error is caught exactly
@@ -69,33 +77,33 @@ std::vector<double> SlidingWindowIri(std::span<const double> r, std::int32_t cou
   const std::int32_t windows = std::max<std::int32_t>(1, count - firstEnd + 1);
   const std::int32_t width = firstEnd;
 
-  std::vector<double> terms(static_cast<std::size_t>(needed));
-  std::vector<std::int32_t> nonZeroUpTo(static_cast<std::size_t>(needed) + 1, 0);  // prefix counts
-  for (std::int32_t j = 1; j <= needed; ++j) {
-    terms[static_cast<std::size_t>(j - 1)] = PowerTerm(r[static_cast<std::size_t>(j - 1)], power);
-    nonZeroUpTo[static_cast<std::size_t>(j)] =
-        nonZeroUpTo[static_cast<std::size_t>(j - 1)] + (terms[static_cast<std::size_t>(j - 1)] != 0 ? 1 : 0);
-  }
-
+  // The terms are taken again as they leave the window rather than kept: a million-sample profile
+  // then needs no array beside its response and the result.
+  const auto term = [&](std::int32_t j) { return PowerTerm(r[static_cast<std::size_t>(j - 1)], power); };
   // A fresh sum every so often bounds what the running sum can drift; spacing it by at least the
   // window keeps the whole pass O(count).
   const std::int32_t refreshEvery = std::max<std::int32_t>(4096, width);
   std::vector<double> out(static_cast<std::size_t>(windows));
+  WindowTotal first = WindowFromScratch(r, firstEnd, width, power);
   RunningSum sum;
-  sum.Reset(WindowSum(terms, firstEnd, width));
+  sum.Reset(first.Sum);
+  std::int32_t nonZero = first.NonZero;
   for (std::int32_t i = 1; i <= windows; ++i) {
     const std::int32_t e = firstEnd + i - 1;
     if (i > 1) {
       if ((i - 1) % refreshEvery == 0) {
-        sum.Reset(WindowSum(terms, e, width));
+        const WindowTotal fresh = WindowFromScratch(r, e, width, power);
+        sum.Reset(fresh.Sum);
+        nonZero = fresh.NonZero;
       } else {
-        sum.Add(terms[static_cast<std::size_t>(e - 1)]);
-        sum.Add(-terms[static_cast<std::size_t>(e - width - 1)]);
+        const double entering = term(e), leaving = term(e - width);
+        sum.Add(entering);
+        sum.Add(-leaving);
+        nonZero += (entering != 0 ? 1 : 0) - (leaving != 0 ? 1 : 0);
       }
     }
     // A window of zeros is exactly zero however its sum was reached.
-    const bool allZero = nonZeroUpTo[static_cast<std::size_t>(e)] == nonZeroUpTo[static_cast<std::size_t>(e - width)];
-    const double windowSum = allZero ? 0.0 : std::max(0.0, sum.Value());
+    const double windowSum = nonZero == 0 ? 0.0 : std::max(0.0, sum.Value());
     out[static_cast<std::size_t>(i - 1)] = Root(windowSum / width, power);
   }
   return out;
