@@ -55,6 +55,7 @@ std::unique_ptr<CommandSession> OpenSession(const CommonOptions& common, const s
   if (files.empty() && !arguments.empty()) return nullptr;
   run.Inputs = files;
   auto session = std::make_unique<CommandSession>(common);
+  session->Bench.UndoStoppedGo = false;  // an interrupt ends the run: nothing to put back
   StartUpOptions options;
   options.CommandLine = common.Debug ? "SWDEBUG" : "";
   options.AppPathOverride = common.SettingsDir;

@@ -261,7 +261,7 @@ GoOutcome Workbench::RedrawOutcome(int tab, bool alwaysShowProgress) {
       std::vector<int> stale;
       for (int row : rows)
         if (resultKeys_[static_cast<std::size_t>(row - 1)][At(tab)] != key) stale.push_back(row);
-      if (!stale.empty()) before = SaveWorkState();
+      if (!stale.empty() && UndoStoppedGo) before = SaveWorkState();
       // A failure leaves no claim of validity behind.
       for (int row : stale) resultKeys_[static_cast<std::size_t>(row - 1)][At(tab)].clear();
       if (computation.ComputeRows) {

@@ -86,6 +86,10 @@ class Workbench {
   bool RepairRangeVisible = false;   // frame_補修計画範囲 and chk補修計画範囲
   bool DispGrpVisible = true;        // chkDispGrp shown on the current tab
   bool DispGrp = false;              // chkDispGrp "グラフを描画しない": compute, do not draw
+  // A stopped Go puts back everything it changed, from a copy of the profile list taken before it
+  // computes. A front end that ends when a Go is stopped (the command line) turns this off and
+  // saves the copy: on a long profile with its results it is the size of the whole list.
+  bool UndoStoppedGo = true;
   int VisiblePanel = tab::Profile;   // pnlTab(i)
   std::string WindowTitle{kTitleNew};
   std::array<bool, 7> ProjectCommandEnabled{};  // cmdProject(0..6)
