@@ -1,6 +1,8 @@
 #include "report/result_csv.h"
 
 #include <algorithm>
+#include <exception>
+#include <thread>
 
 #include "base/common.h"
 #include "base/legacy_format.h"
@@ -28,6 +30,63 @@ constexpr int kDistanceDecimals = 5, kValueDecimals = 8;
 // The position that opens a row.
 void AppendFirstField(std::string& line, double position) {
   if (!IsNoValue(position)) AppendFixedDecimals(line, position, kDistanceDecimals);
+}
+
+// Formats rows first..last-1 of a table; made anew for every block, so state it keeps between rows
+// (a row buffer) belongs to one thread.
+using RowFormatter = std::function<void(std::size_t, std::string&)>;
+
+// A block of formatted lines: their text one after the other, and where each ends.
+struct LineBlock {
+  std::string Text;
+  std::vector<std::size_t> Ends;
+
+  void Format(std::size_t first, std::size_t last, const std::function<RowFormatter()>& makeFormatter) {
+    Text.clear();
+    Ends.clear();
+    const RowFormatter formatRow = makeFormatter();
+    for (std::size_t r = first; r < last; ++r) {
+      formatRow(r, Text);
+      Ends.push_back(Text.size());
+    }
+  }
+  void Emit(const LineOut& out) const {
+    std::size_t start = 0;
+    for (const std::size_t end : Ends) {
+      out(std::string_view(Text).substr(start, end - start));
+      start = end;
+    }
+  }
+};
+
+// The rows of a long table formatted in blocks on two threads and handed to `out` in their order:
+// formatting the numbers is most of the time a long result file takes, and the lines are the same.
+void WriteRows(const LineOut& out, std::size_t count, const std::function<RowFormatter()>& makeFormatter) {
+  constexpr std::size_t kBlockRows = 16384;
+  LineBlock own, other;
+  for (std::size_t first = 0; first < count; first += 2 * kBlockRows) {
+    const std::size_t middle = std::min(first + kBlockRows, count), last = std::min(middle + kBlockRows, count);
+    std::exception_ptr failure;
+    std::thread helper;
+    if (middle < last)
+      helper = std::thread([&] {
+        try {
+          other.Format(middle, last, makeFormatter);
+        } catch (...) {
+          failure = std::current_exception();
+        }
+      });
+    try {
+      own.Format(first, middle, makeFormatter);
+    } catch (...) {
+      if (helper.joinable()) helper.join();
+      throw;
+    }
+    if (helper.joinable()) helper.join();
+    if (failure) std::rethrow_exception(failure);
+    own.Emit(out);
+    if (middle < last) other.Emit(out);
+  }
 }
 
 }  // namespace
@@ -74,17 +133,16 @@ void WritePointCsv(const LineOut& out, const PositionAxis& axis, const ProfileGe
   }
   head += JoinFields(heads);
   out(head);
-  std::string line;  // one buffer for every row
-  for (std::size_t r = 0; r < rows; ++r) {
-    line.clear();
-    AppendFirstField(line, SamplePosition(axis, static_cast<std::int64_t>(r) + 1, geometry.StepSize, geometry.KpStart,
-                                          geometry.KpSign));
-    for (const PointColumn& column : columns) {
-      if (r < column.Values.size()) AppendField(line, column.Values[r], kValueDecimals);
-      else line += ", ";
-    }
-    out(line);
-  }
+  WriteRows(out, rows, [&]() -> RowFormatter {
+    return [&](std::size_t r, std::string& line) {
+      AppendFirstField(line, SamplePosition(axis, static_cast<std::int64_t>(r) + 1, geometry.StepSize,
+                                            geometry.KpStart, geometry.KpSign));
+      for (const PointColumn& column : columns) {
+        if (r < column.Values.size()) AppendField(line, column.Values[r], kValueDecimals);
+        else line += ", ";
+      }
+    };
+  });
 }
 
 void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
@@ -104,17 +162,15 @@ void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const Profile
     return axis.Unit == KpUnit::Km ? km : km * 1000.0;
   };
   out(head);
-  std::string line;
-  SectionRow row;  // filled anew for every row, its storage kept
-  for (std::size_t r = 0; r < count; ++r) {
-    rowAt(r, row);
-    line.clear();
-    AppendFirstField(line, place(row.KpFrom));
-    AppendField(line, place(row.KpTo), kDistanceDecimals);
-    AppendField(line, place((row.KpFrom + row.KpTo) / 2.0), kDistanceDecimals);
-    for (double value : row.Values) AppendField(line, value, kValueDecimals);
-    out(line);
-  }
+  WriteRows(out, count, [&]() -> RowFormatter {
+    return [&, row = SectionRow{}](std::size_t r, std::string& line) mutable {
+      rowAt(r, row);  // filled anew for every row, its storage kept
+      AppendFirstField(line, place(row.KpFrom));
+      AppendField(line, place(row.KpTo), kDistanceDecimals);
+      AppendField(line, place((row.KpFrom + row.KpTo) / 2.0), kDistanceDecimals);
+      for (double value : row.Values) AppendField(line, value, kValueDecimals);
+    };
+  });
 }
 
 }  // namespace velmora

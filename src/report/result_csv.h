@@ -60,7 +60,8 @@ struct SectionRow {
 void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
                      const std::vector<std::string>& heads, const std::vector<SectionRow>& rows);
 // The same with the rows made one at a time by `rowAt(r, row)`, r = 0 .. count-1, for tables of a
-// row per sample that are too long to hold as rows.
+// row per sample that are too long to hold as rows. `rowAt` is called from two threads at once
+// (each with its own row), so it must only read what it shares.
 using SectionRowAt = std::function<void(std::size_t, SectionRow&)>;
 void WriteSectionCsv(const LineOut& out, const PositionAxis& axis, const ProfileGeometry& geometry,
                      const std::vector<std::string>& heads, std::size_t count, const SectionRowAt& rowAt);

@@ -6,10 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 #include <ostream>
 #include <regex>
 
 #include "analysis/band_reduction.h"
+#include "base/legacy_error.h"
 #include "base/text_encoding.h"
 #include "evaluation/correlation_tables.h"
 #include "evaluation/evaluation_fixture.h"
@@ -74,6 +76,27 @@ TEST(ResultCsv, SectionTablePlacesStartEndAndMiddle) {
   EXPECT_EQ(SectionCsvLines(kZero, {0.1, 1.0, 1}, {"IRI(mm/m)"}, back)[1], "0.00000, 10.00000, 5.00000, 1.00000000");
   EXPECT_EQ(SectionCsvLines(kKpM, {0.1, 1.0, 1}, {"IRI(mm/m)"}, back)[1],
             "1000.00000, 990.00000, 995.00000, 1.00000000");
+}
+
+// Long tables are formatted in blocks on two threads: every row must still come once, in order, at
+// the block edges too, and a value that cannot be written stops the table from either thread.
+TEST(ResultCsv, LongTablesKeepEveryRowInOrderAndStopAtABadValueInAnyBlock) {
+  constexpr std::size_t kRows = 70001;  // past four blocks, the last one short
+  std::vector<double> values(kRows);
+  for (std::size_t r = 0; r < kRows; ++r) values[r] = static_cast<double>(r) / 4;  // exact quarters
+  const Lines lines = PointCsvLines(kZero, {1.0, kNoValue, 0}, {{"v", values}});
+  ASSERT_EQ(lines.size(), kRows + 1);
+  for (const std::size_t r : {std::size_t{0}, std::size_t{16383}, std::size_t{16384}, std::size_t{32768},
+                              std::size_t{49151}, kRows - 1}) {
+    const std::string quarter[] = {"00", "25", "50", "75"};
+    EXPECT_EQ(lines[r + 1], std::to_string(r) + ".00000, " + std::to_string(r / 4) + "." + quarter[r % 4] + "000000")
+        << r;
+  }
+  for (const std::size_t bad : {std::size_t{5}, std::size_t{20000}}) {  // the first and the second thread's block
+    std::vector<double> broken = values;
+    broken[bad] = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_THROW(PointCsvLines(kZero, {1.0, kNoValue, 0}, {{"v", broken}}), LegacyError) << bad;
+  }
 }
 
 // Samples 0.5 m apart from KP 1.0 km.
