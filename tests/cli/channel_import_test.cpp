@@ -84,13 +84,6 @@ TEST_F(ChannelImportTest, RefusalsNameTheFileAndLineAndRegisterNothing) {
   }
 }
 
-TEST_F(ChannelImportTest, DelimitedTextStillNeedsItsPitch) {
-  WriteBytes(temp / "road.csv", "1,2\r\n3,4\r\n");
-  EXPECT_EQ(Run("import " + Quoted(temp / "road.csv"), "out", "en"), 2);
-  EXPECT_EQ(Stderr(), "velmora: import: --pitch (m): no pitch given\n");
-  EXPECT_TRUE(Written().empty());
-}
-
 TEST_F(ChannelImportTest, MeasuredFilesImportWithTheirOwnPitch) {
   const auto data = testing::SharedDataDir() / "freevryheid_iri";
   if (!std::filesystem::exists(data / "basic.erd") || !std::filesystem::exists(data / "Test_Run1.PRO"))

@@ -16,6 +16,7 @@ struct Refusal {
   std::vector<std::string> messages;  // parts of stderr
   std::vector<std::string> file = {};  // a text file written first: its name under {temp}, then its lines
   std::string lang = "ja";
+  bool whole = false;  // the one message is all of stderr, and nothing is on stdout
 };
 
 // One line per problem, "velmora: COMMAND: WHAT: why", naming the file or the flag (with its unit).
@@ -40,12 +41,22 @@ const std::vector<Refusal> kRefusals = {
      {"velmora: reduce: --frobnicate: このコマンドのオプションまたは引数ではありません"}},
     {"UnknownOptionInEnglish", "reduce {road} --frobnicate", kUsage,
      {"velmora: reduce: --frobnicate: not an option or argument of this command"}, {}, "en"},
-    {"MissingFileArgument", "iri", kUsage, {"velmora: iri: FILE: is required"}, {}, "en"},
     {"LimitThatIsNotANumber", "reduce {road} --lines 1,2,x,4,5,6,7,8,9", kUsage,
      {"velmora: reduce: --lines: 低減ライン 3 の \"x\" は数値ではありません（mm）"}},
+    {"PairWithAnUnknownMember", "iri {A} --pair A nowhere", kUsage,
+     {"velmora: iri: --pair: \"nowhere\" is neither a file nor a profile among the files\n"}, {}, "en", true},
+    {"PairOfUnequalPitches", "iri --pair {B} {A}", kFailed,
+     {"velmora: iri: --pair: the two profiles differ in pitch: 0.100000 m and 0.250000 m\n"}, {}, "en", true},
+    {"MissingFileArgument", "iri", kUsage, {"velmora: iri: FILE: is required (see --help)\n"}, {}, "en", true},
+    {"DelimitedTextWithoutPitch", "import '{temp}/road.csv'", kUsage, {"velmora: import: --pitch (m): no pitch given\n"},
+     {"road.csv", "1,2", "3,4"}, "en", true},
+    {"PlotSizeWithoutHeight", "plot profile --size 600 {road}", kUsage, {"--size: \"600\" is not WIDTHxHEIGHT"}, {}, "en"},
+    {"PlotSizeTooSmall", "plot profile --size 10x10 {road}", kUsage, {"--size: \"10x10\" is not WIDTHxHEIGHT"}, {}, "en"},
+    {"PlotOfAnUnknownKind", "plot wave {road}", kUsage, {"wave"}, {}, "en"},
+    {"PlotInAnUnknownFormat", "plot profile --format gif {road}", kUsage, {"gif"}, {}, "en"},
+    {"PlotAtTooFewDots", "plot profile --dpi 5 {road}", kUsage, {"--dpi"}, {}, "en"},
     {"TooFewLimits", "reduce {road} --lines 1,2,3", kUsage, {"velmora: reduce: --lines: nine limits (mm) are needed, separated by commas; got 3"},
      {}, "en"},
-    {"MissingFileOfReduce", "reduce '{temp}/gone.erd'", kFailed, {"{temp}/gone.erd"}},
     {"OctaveBeyondNine", "octave {road} --bands 10", kUsage, {"velmora: octave: --bands"}},
     {"SmoothingThatIsNotANumber", "psd {road} --smooth many", kUsage, {"velmora: psd: --smooth: \"many\" は 1 以上の整数ではありません"}},
     {"SmoothingOfZeroInEnglish", "psd {road} --smooth 0", kUsage, {"velmora: psd: --smooth: \"0\" is not a whole number of at least 1\n"},
@@ -111,6 +122,10 @@ TEST_P(Refused, WithItsStatusAndMessageAndNoFile) {
   EXPECT_EQ(Stderr().find("[ "), std::string::npos) << Stderr();
   for (const std::string& message : r.messages)
     EXPECT_NE(Stderr().find(Expand(message)), std::string::npos) << Stderr();
+  if (r.whole) {
+    EXPECT_EQ(Stderr(), Expand(r.messages.at(0)));
+    EXPECT_EQ(Stdout(), "");
+  }
   EXPECT_TRUE(Written().empty());
 }
 

@@ -146,28 +146,24 @@ TEST_F(CliTest, WritesTheFiveStudyFilesTheRegisteredWavesAndPrintsTheThreeIris) 
   EXPECT_EQ(ErdOf(temp / "out" / erds.at(0)).NumSamples, 5000);
 }
 
-TEST_F(CliTest, StudyTakesItsBandLinesFromTheSettingsUnlessAFlagGivesThem) {
+TEST_F(CliTest, StudyTakesItsBandLinesFromTheSettingsAndAnAdjustmentChangesTheCorrectedProfile) {
+  const auto firstLine = [this] { return Stdout().substr(0, Stdout().find('\n')); };
+  const auto profileIri = [this] { return Stdout().substr(0, Stdout().find("\tcorrected")); };
+  ASSERT_EQ(Run("repair " + Example("road_b.erd")), 0) << Stderr();
+  EXPECT_EQ(Written().size(), 5u);  // nothing registered unless asked
+  const std::string fromSettings = firstLine(), plainIri = profileIri();
   // The bundled Default.ini holds the lines 12, 8, 5, 3, 2, 1.2, 0.8, 0.5, 0.3 mm: naming them changes
   // nothing, clearing them changes the corrected profile.
-  const auto firstLine = [this] { return Stdout().substr(0, Stdout().find('\n')); };
-  ASSERT_EQ(Run("repair " + Example("road_b.erd")), 0) << Stderr();
-  const std::string fromSettings = firstLine();
   ASSERT_EQ(Run("repair " + Example("road_b.erd") + " --lines 12,8,5,3,2,1.2,0.8,0.5,0.3", "named"), 0) << Stderr();
   EXPECT_EQ(firstLine(), fromSettings);
   ASSERT_EQ(Run("repair " + Example("road_b.erd") + " --lines ,,,,,,,,", "none"), 0) << Stderr();
   EXPECT_NE(firstLine(), fromSettings);
-}
-
-TEST_F(CliTest, AdjustedStudyChangesTheCorrectedProfile) {
-  ASSERT_EQ(Run("repair " + Example("road_b.erd")), 0) << Stderr();
-  EXPECT_EQ(Written().size(), 5u);  // nothing registered unless asked
-  const std::string plain = Stdout();
+  // Same profile IRI; a 5 mm change at one point gives another corrected profile.
   WriteSystemTextFile(temp / "adjust.csv", {"KP(km),厚さ(mm)", "0.1,5"});
   ASSERT_EQ(Run("repair " + Example("road_b.erd") + " --adjust '" + (temp / "adjust.csv").string() + "'", "adjusted"), 0)
       << Stderr();
-  // Same profile IRI; a 5 mm change at one point gives another corrected profile.
-  EXPECT_EQ(plain.substr(0, plain.find("\tcorrected")), Stdout().substr(0, Stdout().find("\tcorrected")));
-  EXPECT_NE(plain, Stdout());
+  EXPECT_EQ(profileIri(), plainIri);
+  EXPECT_NE(firstLine(), fromSettings);
 }
 
 TEST_F(CliTest, InfoDescribesEveryFileAlsoTwoOfOneName) {

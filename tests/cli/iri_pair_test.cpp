@@ -1,5 +1,6 @@
 // velmora iri --pair: MRI and HRI printed beside the IRIs of the two paths and written whole and per
-// section; the refusals; and the two wheel paths of basic.erd imported and paired.
+// section, and the two wheel paths of basic.erd imported and paired. The refusals of --pair are among
+// the command lines of cli_test.cpp.
 #include <cmath>
 #include <filesystem>
 #include <regex>
@@ -71,22 +72,6 @@ TEST_F(CliTest, PairAddsMriAndHriToTheIrisOfItsTwoPaths) {
   // By profile name among the files, as well.
   ASSERT_EQ(Run("iri " + left + " " + right + " --pair lane_L lane_R", "byname"), 0) << Stderr();
   EXPECT_NEAR(Printed(Stdout(), "\tMRI"), mri, 1e-12);
-}
-
-TEST_F(CliTest, PairRefusesAnUnknownMemberAndUnequalPitches) {
-  const std::string left = WriteErd("a", Wave(400, 0.1, 0.0), 0.1);
-  const std::string coarse = WriteErd("b", Wave(400, 0.25, 0.0), 0.25);
-  const struct { std::string arguments; int status; std::string message; } cases[] = {
-      {"iri " + left + " --pair a nowhere", 2, "velmora: iri: --pair: \"nowhere\" is neither a file nor a profile among the files\n"},
-      {"iri --pair " + left + " " + coarse, 1, "velmora: iri: --pair: the two profiles differ in pitch: 0.100000 m and 0.250000 m\n"},
-      {"iri", 2, "velmora: iri: FILE: is required (see --help)\n"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.arguments);
-    EXPECT_EQ(Run(c.arguments, "out", "en"), c.status);
-    EXPECT_EQ(Stderr(), c.message);
-    EXPECT_TRUE(Written().empty());
-  }
 }
 
 // basic.erd's header gives IRILWP 183 and IRIRWP 163 in/mi (1 mm/m = 63.36 in/mi).

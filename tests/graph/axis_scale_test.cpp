@@ -172,33 +172,27 @@ TEST(Canvas, PixelLengthsInTheUserScaleArePositive) {
 }
 
 TEST(Paper, SizesByCodeAndOrientation) {
-  PrinterTarget printer;
-  double width = 0, height = 0;
-  printer.Orientation = kLandscape;
-  GetPaperSize(printer, width, height);
-  EXPECT_EQ(width, 297);
-  EXPECT_EQ(height, 210);
-  printer.PaperSize = 13;
-  printer.Orientation = kPortrait;
-  GetPaperSize(printer, width, height);
-  EXPECT_EQ(width, 182);
-  EXPECT_EQ(height, 257);
-  printer.PaperSize = *PaperCodeOf("A3");
-  GetPaperSize(printer, width, height);
-  EXPECT_EQ(width, 297);
-  EXPECT_EQ(height, 420);
+  const struct {
+    int code, orientation;
+    double width, height;  // mm; none for a code without a size
+  } cases[] = {{kPaperA4, kLandscape, 297, 210}, {13, kPortrait, 182, 257}, {*PaperCodeOf("A3"), kPortrait, 297, 420},
+               {999, kPortrait, 0, 0}};
+  for (const auto& c : cases) {
+    PrinterTarget printer;
+    printer.PaperSize = c.code;
+    printer.Orientation = c.orientation;
+    double width = -1, height = -1;
+    GetPaperSize(printer, width, height);
+    EXPECT_EQ(std::pair(width, height), std::pair(c.width, c.height)) << c.code;
+    EXPECT_EQ(PreparePrinter(printer), c.width > 0) << c.code;
+  }
   EXPECT_EQ(PaperCodeOf("B4"), 12);
   EXPECT_EQ(PaperCodeOf("A6"), std::nullopt);
   EXPECT_EQ(PaperCodeOf(""), std::nullopt);  // the second A4 code has no name of its own
-  printer.PaperSize = 999;
-  GetPaperSize(printer, width, height);
-  EXPECT_EQ(width, 0);
-  EXPECT_EQ(height, 0);
-  EXPECT_FALSE(PreparePrinter(printer));
-  printer.PaperSize = kPaperA4;
-  ASSERT_TRUE(PreparePrinter(printer));
-  EXPECT_EQ(printer.Surface.PixelWidth, 794);  // 210 mm at 96 dpi
-  EXPECT_EQ(printer.Surface.ScaleWidth, 210);
+  PrinterTarget a4;
+  ASSERT_TRUE(PreparePrinter(a4));
+  EXPECT_EQ(a4.Surface.PixelWidth, 794);  // 210 mm at 96 dpi
+  EXPECT_EQ(a4.Surface.ScaleWidth, 210);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <pugixml.hpp>
 #include <regex>
 #include <string>
@@ -40,96 +41,108 @@ class DrawOnPicture : public ::testing::Test {
   Hdc hdc;
 };
 
-TEST_F(DrawOnPicture, LineRunsBetweenItsEndPixels) {
-  devices.drLine(hdc, 0.5, 5, 9.5, 5, {.Color = kRed});  // pixels (5, 50) to (95, 50)
-  EXPECT_EQ(At(6, 50), kRed);
-  EXPECT_EQ(At(50, 50), kRed);
-  EXPECT_EQ(At(94, 50), kRed);
-  EXPECT_EQ(At(50, 49), kWhite);
-  EXPECT_EQ(At(50, 51), kWhite);
-  EXPECT_EQ(At(3, 50), kWhite);
-  EXPECT_EQ(At(97, 50), kWhite);
+// A pixel read after the drawing and the colour it must have.
+struct Probe {
+  int X, Y;
+  Colour Expected;
+};
+
+struct PixelCase {
+  const char* Name;
+  std::function<void(DrawDevices&, Hdc, DrawSurface&)> Draw;
+  std::vector<Probe> Probes;
+};
+void PrintTo(const PixelCase& c, std::ostream* out) { *out << c.Name; }
+
+class DrawnPixels : public DrawOnPicture, public ::testing::WithParamInterface<PixelCase> {};
+
+TEST_P(DrawnPixels, HaveTheColoursWorkedOutForThem) {
+  GetParam().Draw(devices, hdc, picture.Surface);
+  for (const Probe& p : GetParam().Probes) EXPECT_EQ(At(p.X, p.Y), p.Expected) << "at " << p.X << "," << p.Y;
 }
 
-TEST_F(DrawOnPicture, ClipBoxStopsLinesAtItsEdgesUntilClipOff) {
-  devices.clipBox(hdc, 2, 8, 8, 2);  // pixels 20..80
-  devices.drLine(hdc, 0, 5, 10, 5, {.Color = kBlue});
-  EXPECT_EQ(At(19, 50), kWhite);
-  EXPECT_EQ(At(20, 50), kBlue);
-  EXPECT_EQ(At(79, 50), kBlue);
-  EXPECT_EQ(At(80, 50), kWhite);
-  devices.clipOff(hdc);
-  devices.drLine(hdc, 0, 3, 10, 3, {.Color = kBlue});
-  EXPECT_EQ(At(5, 70), kBlue);
-  EXPECT_EQ(At(90, 70), kBlue);
+// A box from user (2, 8) to (8, 2), pixels 20..80, hatched in blue without a pen.
+PixelCase Hatched(const char* name, int hatch, std::vector<Probe> probes) {
+  return {name, [hatch](DrawDevices& d, Hdc h, DrawSurface&) { d.drBoxHatch(h, 2, 8, 8, 2, {.Style = 5, .Color = kBlue, .Hatch = hatch}); },
+          std::move(probes)};
 }
 
-TEST_F(DrawOnPicture, FilledBoxHasItsFillInsideAndThePenOnTheEdge) {
-  devices.flBox(hdc, 1, 9, 3, 7, {.Color = kRed, .Fill = kGreen});  // pixels 10..29
-  EXPECT_EQ(At(20, 20), kGreen);
-  EXPECT_EQ(At(10, 20), kRed);
-  EXPECT_EQ(At(29, 20), kRed);
-  EXPECT_EQ(At(30, 20), kWhite);
-  EXPECT_EQ(At(9, 20), kWhite);
+std::vector<Probe> WhiteAt(std::vector<std::pair<int, int>> pixels) {
+  std::vector<Probe> probes;
+  for (const auto& [x, y] : pixels) probes.push_back({x, y, kWhite});
+  return probes;
 }
 
-TEST_F(DrawOnPicture, OutlineBoxLeavesItsInsideAlone) {
-  devices.drBox(hdc, 1, 9, 3, 7, {.Color = kRed, .Fill = kGreen});
-  EXPECT_EQ(At(10, 20), kRed);
-  EXPECT_EQ(At(20, 20), kWhite);
-}
+const PixelCase kPixelCases[] = {
+    PixelCase{"LineRunsBetweenItsEndPixels",  // pixels (5, 50) to (95, 50)
+              [](DrawDevices& d, Hdc h, DrawSurface&) { d.drLine(h, 0.5, 5, 9.5, 5, {.Color = kRed}); },
+              {{6, 50, kRed}, {50, 50, kRed}, {94, 50, kRed}, {50, 49, kWhite}, {50, 51, kWhite}, {3, 50, kWhite},
+               {97, 50, kWhite}}},
+    PixelCase{"ClipBoxStopsLinesAtItsEdgesUntilClipOff",
+              [](DrawDevices& d, Hdc h, DrawSurface&) {
+                d.clipBox(h, 2, 8, 8, 2);  // pixels 20..80
+                d.drLine(h, 0, 5, 10, 5, {.Color = kBlue});
+                d.clipOff(h);
+                d.drLine(h, 0, 3, 10, 3, {.Color = kBlue});
+              },
+              {{19, 50, kWhite}, {20, 50, kBlue}, {79, 50, kBlue}, {80, 50, kWhite}, {5, 70, kBlue}, {90, 70, kBlue}}},
+    PixelCase{"FilledBoxHasItsFillInsideAndThePenOnTheEdge",  // pixels 10..29
+              [](DrawDevices& d, Hdc h, DrawSurface&) { d.flBox(h, 1, 9, 3, 7, {.Color = kRed, .Fill = kGreen}); },
+              {{20, 20, kGreen}, {10, 20, kRed}, {29, 20, kRed}, {30, 20, kWhite}, {9, 20, kWhite}}},
+    PixelCase{"OutlineBoxLeavesItsInsideAlone",
+              [](DrawDevices& d, Hdc h, DrawSurface&) { d.drBox(h, 1, 9, 3, 7, {.Color = kRed, .Fill = kGreen}); },
+              {{10, 20, kRed}, {20, 20, kWhite}}},
+    // The hatches repeat every eight pixels.
+    Hatched("HorizontalHatchOnRowsFourModEight", 0, {{50, 52, kBlue}, {50, 53, kWhite}}),
+    Hatched("VerticalHatchOnColumnsFourModEight", 1, {{44, 50, kBlue}, {45, 50, kWhite}}),
+    Hatched("DownwardHatchWhereXIsYModEight", 2, {{41, 49, kBlue}, {42, 49, kWhite}}),
+    Hatched("UpwardHatchWhereXPlusYIsSevenModEight", 3, {{41, 46, kBlue}, {41, 49, kWhite}}),
+    Hatched("CrossHatchBothStraightOnes", 4, {{44, 53, kBlue}, {50, 52, kBlue}, {45, 53, kWhite}}),
+    Hatched("DiagonalCrossHatchBothSlantedOnes", 5, {{41, 49, kBlue}, {41, 46, kBlue}, {42, 49, kWhite}}),
+    Hatched("AHatchOutsideItsRangeIsNotTaken", 6,
+            WhiteAt({{50, 30}, {50, 31}, {50, 32}, {50, 33}, {50, 34}, {50, 35}, {50, 36}, {50, 37}})),
+    PixelCase{"LineStyleOutOfRangeFallsBackToTheSurfacesNoPen",
+              [](DrawDevices& d, Hdc h, DrawSurface& s) {
+                s.DrawStyle = 5;
+                d.drLine(h, 0, 5, 10, 5, {.Style = 7, .Color = kRed});
+              },
+              {{50, 50, kWhite}}},
+    PixelCase{"AStyleInRangeOverridesTheSurfaces",
+              [](DrawDevices& d, Hdc h, DrawSurface& s) {
+                s.DrawStyle = 5;
+                d.drLine(h, 0, 5, 10, 5, {.Style = 0, .Color = kRed});
+              },
+              {{50, 50, kRed}}},
+    PixelCase{"DashedStyleLeavesGaps",  // 18 on, 6 off from x = 0.5
+              [](DrawDevices& d, Hdc h, DrawSurface&) { d.drLine(h, 0, 5, 10, 5, {.Style = 1, .Color = kRed}); },
+              {{10, 50, kRed}, {21, 50, kWhite}, {30, 50, kRed}}},
+    PixelCase{"MissingArgumentsTakeTheSurfaceDefaults",
+              [](DrawDevices& d, Hdc h, DrawSurface& s) {
+                s.ForeColor = kGreen;
+                s.DrawWidth = 3;
+                d.drLine(h, 0, 5, 10, 5);
+              },
+              {{50, 49, kGreen}, {50, 51, kGreen}, {50, 53, kWhite}}},
+    PixelCase{"ManyRectanglesInOneCall",
+              [](DrawDevices& d, Hdc h, DrawSurface&) {
+                const double x1[] = {1, 5}, y1[] = {9, 9}, x2[] = {2, 6}, y2[] = {8, 8};
+                d.flBoxes2(h, x1, y1, x2, y2, {.Style = 5, .Fill = kRed});
+              },
+              {{15, 15, kRed}, {55, 15, kRed}, {35, 15, kWhite}}},
+    PixelCase{"UnknownCodesHandlesAndEmptyCallsDrawNothing",
+              [](DrawDevices& d, Hdc h, DrawSurface&) {
+                const double xs[] = {0, 10};
+                const double ys[] = {5, 5};
+                d.drawAPIcmn(13, h, xs, ys, {.Color = kRed});
+                d.drawAPIcmn(primitive::Line, h + 1000, xs, ys, {.Color = kRed});
+                d.drawAPIcmn(primitive::Line, h, {}, {}, {.Color = kRed});
+                d.drawAPIcmn(primitive::Rectangle, h, std::span(xs, 1), std::span(ys, 1), {.Color = kRed});
+              },
+              WhiteAt({{0, 50}, {7, 50}, {14, 50}, {21, 50}, {28, 50}, {35, 50}, {42, 50}, {49, 50}, {56, 50},
+                       {63, 50}, {70, 50}, {77, 50}, {84, 50}, {91, 50}, {98, 50}})}};
 
-TEST_F(DrawOnPicture, HatchStylesRepeatEveryEightPixels) {
-  const struct {
-    int hatch;
-    int x, y;
-    bool inked;
-  } cases[] = {
-      {0, 50, 52, true},  {0, 50, 53, false},  // horizontal: rows 4, 12, ..., 52
-      {1, 44, 50, true},  {1, 45, 50, false},  // vertical: columns 4, ..., 44
-      {2, 41, 49, true},  {2, 42, 49, false},  // "\": x = y (mod 8)
-      {3, 41, 46, true},  {3, 41, 49, false},  // "/": x + y = 7 (mod 8)
-      {4, 44, 53, true},  {4, 50, 52, true},   {4, 45, 53, false},
-      {5, 41, 49, true},  {5, 41, 46, true},   {5, 42, 49, false},
-  };
-  for (const auto& c : cases) {
-    Picture fresh(100, 100);
-    fresh.Surface.Scale(0, 10, 10, 0);
-    DrawDevices own;
-    const Hdc target = own.regHDCPicture(fresh);
-    own.drBoxHatch(target, 2, 8, 8, 2, {.Style = 5, .Color = kBlue, .Hatch = c.hatch});
-    EXPECT_EQ(fresh.PixelAt(c.x, c.y) == kBlue, c.inked) << "hatch " << c.hatch << " at " << c.x << "," << c.y;
-  }
-}
-
-TEST_F(DrawOnPicture, AHatchOutsideItsRangeIsNotTaken) {
-  devices.drBoxHatch(hdc, 2, 8, 8, 2, {.Style = 5, .Color = kBlue, .Hatch = 6});
-  for (int y = 30; y < 38; ++y) EXPECT_EQ(At(50, y), kWhite) << y;
-}
-
-TEST_F(DrawOnPicture, LineStyleOutOfRangeFallsBackToTheSurfaceStyle) {
-  picture.Surface.DrawStyle = 5;  // no pen
-  devices.drLine(hdc, 0, 5, 10, 5, {.Style = 7, .Color = kRed});
-  EXPECT_EQ(At(50, 50), kWhite);
-  devices.drLine(hdc, 0, 5, 10, 5, {.Style = 0, .Color = kRed});
-  EXPECT_EQ(At(50, 50), kRed);
-}
-
-TEST_F(DrawOnPicture, DashedStyleLeavesGaps) {
-  devices.drLine(hdc, 0, 5, 10, 5, {.Style = 1, .Color = kRed});  // 18 on, 6 off from x = 0.5
-  EXPECT_EQ(At(10, 50), kRed);
-  EXPECT_EQ(At(21, 50), kWhite);
-  EXPECT_EQ(At(30, 50), kRed);
-}
-
-TEST_F(DrawOnPicture, MissingArgumentsTakeTheSurfaceDefaults) {
-  picture.Surface.ForeColor = kGreen;
-  picture.Surface.DrawWidth = 3;
-  devices.drLine(hdc, 0, 5, 10, 5);
-  EXPECT_EQ(At(50, 49), kGreen);
-  EXPECT_EQ(At(50, 51), kGreen);
-  EXPECT_EQ(At(50, 53), kWhite);
-}
+INSTANTIATE_TEST_SUITE_P(Cases, DrawnPixels, ::testing::ValuesIn(kPixelCases),
+                         [](const auto& info) { return std::string(info.param.Name); });
 
 TEST_F(DrawOnPicture, PointsCirclesAndPolygons) {
   const double px[] = {2.5};
@@ -148,24 +161,6 @@ TEST_F(DrawOnPicture, PointsCirclesAndPolygons) {
   devices.mFillPolygon(hdc, xs, ys, {.Style = 5, .Fill = kGreen});
   EXPECT_EQ(At(87, 13), kGreen);  // inside the triangle
   EXPECT_EQ(At(73, 27), kWhite);  // beyond its hypotenuse
-}
-
-TEST_F(DrawOnPicture, ManyRectanglesInOneCall) {
-  const double x1[] = {1, 5}, y1[] = {9, 9}, x2[] = {2, 6}, y2[] = {8, 8};
-  devices.flBoxes2(hdc, x1, y1, x2, y2, {.Style = 5, .Fill = kRed});
-  EXPECT_EQ(At(15, 15), kRed);
-  EXPECT_EQ(At(55, 15), kRed);
-  EXPECT_EQ(At(35, 15), kWhite);
-}
-
-TEST_F(DrawOnPicture, UnknownCodesHandlesAndEmptyCallsDrawNothing) {
-  const double xs[] = {0, 10};
-  const double ys[] = {5, 5};
-  devices.drawAPIcmn(13, hdc, xs, ys, {.Color = kRed});
-  devices.drawAPIcmn(primitive::Line, hdc + 1000, xs, ys, {.Color = kRed});
-  devices.drawAPIcmn(primitive::Line, hdc, {}, {}, {.Color = kRed});
-  devices.drawAPIcmn(primitive::Rectangle, hdc, std::span(xs, 1), std::span(ys, 1), {.Color = kRed});
-  for (int x = 0; x < 100; x += 7) EXPECT_EQ(At(x, 50), kWhite) << x;
 }
 
 TEST_F(DrawOnPicture, DrawingLeavesTheScaleAsItWas) {
@@ -237,11 +232,7 @@ void DrawSample(DrawDevices& devices, Hdc hdc) {
 
 class DrawToFiles : public ::testing::Test {
  protected:
-  DrawToFiles() : folder(std::filesystem::temp_directory_path() / ("velmora-graph-" + std::to_string(::getpid()))) {
-    std::filesystem::create_directories(folder);
-  }
-  ~DrawToFiles() override { std::filesystem::remove_all(folder); }
-  std::filesystem::path folder;
+  testing::TempDir folder;
 };
 
 TEST_F(DrawToFiles, MetafileIsSvgWithPathsAndTexts) {

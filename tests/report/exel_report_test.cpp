@@ -63,6 +63,7 @@ std::vector<ExelParamEntry> Filled(const ExelTemplate& report, const ProfileList
   return params;
 }
 
+const std::filesystem::path kExample = std::filesystem::path(VELMORA_SOURCE_DIR) / "examples/report/iri_report.xlsm";
 const PositionAxis kMetres{PositionMode::ZeroBased, KpUnit::M, false};
 
 class ExelDriver : public ::testing::Test {
@@ -79,6 +80,15 @@ class ExelDriver : public ::testing::Test {
     MakeScriptInputs(Filled(report, list, values), state.ProfileTitles, state);
     EXPECT_TRUE(SetupExelData(session, report, list, axis, state));
     return state;
+  }
+  // The example template over the two roads, before road_a and after road_b, into the test's folder.
+  ExelReportRequest TwoRoadRequest(const ExelTemplate& report) const {
+    ExelReportRequest request;
+    request.Params = Filled(report, TwoRoads(), {"", "", "road_a", "road_b"});
+    request.Axis = kMetres;
+    request.Folder = temp.path();
+    request.Time = testing::Noon();
+    return request;
   }
 };
 
@@ -116,8 +126,7 @@ TEST(ExelTemplateCells, ClassesStandTogetherAndParamsAreTrimmed) {
 }
 
 TEST(ExelTemplateCells, TheExampleTemplatesOptionSheet) {
-  const std::filesystem::path path = std::filesystem::path(VELMORA_SOURCE_DIR) / "examples/report/iri_report.xlsm";
-  const ExelTemplate report = MakeExelTemplate(path, ReadOptionRows(path));
+  const ExelTemplate report = MakeExelTemplate(kExample, ReadOptionRows(kExample));
   // As tools/make_report_templates.py lays it out.
   EXPECT_EQ(report.OptionRows.size(), 16u);
   EXPECT_EQ(report.DataSheetName, "データ");
@@ -137,17 +146,16 @@ TEST_F(ExelDriver, TheTemplateDialogRemembersItsFolderAndMayBeCancelled) {
   ExelTemplate report;
   EXPECT_FALSE(cmxReadExlFile(session, report));  // cancelled: nothing read
   EXPECT_TRUE(report.OptionRows.empty());
-  const std::filesystem::path example = std::filesystem::path(VELMORA_SOURCE_DIR) / "examples/report/iri_report.xlsm";
-  ui.Files = {{example.string()}};
+  ui.Files = {{kExample.string()}};
   ASSERT_TRUE(cmxReadExlFile(session, report));
   EXPECT_EQ(report.Columns.size(), 10u);
-  EXPECT_EQ(report.TemplatePath, example);
+  EXPECT_EQ(report.TemplatePath, kExample);
   cmxReadExlFile(session, report);
   std::vector<std::string> folders;
   for (const testing::RecordedMessage& m : ui.Log)
     if (m.Kind == "open") folders.push_back(m.Text);
   ASSERT_EQ(folders.size(), 3u);
-  EXPECT_EQ(folders[2], example.parent_path().string());  // the third dialog opens where the second chose
+  EXPECT_EQ(folders[2], kExample.parent_path().string());  // the third dialog opens where the second chose
 }
 
 TEST_F(ExelDriver, NoTemplateRowsIsWarnedAndAMissingFileNamed) {
@@ -245,25 +253,21 @@ TEST_F(ExelDriver, ThirtyThousandRowsPassQuietlyAndOneMoreAsksTwice) {
   EXPECT_EQ(state.Slots[1].RowCount, 30001);
 }
 
-TEST_F(ExelDriver, TableIsGatedAndPackedUpwards) {
+TEST_F(ExelDriver, TableIsGatedAndPackedUpwardsForwardAndReversedFromTheLastRow) {
   const ExelTemplate report = TwoRoadReport();
-  ExelScriptState state = Prepared(report, TwoRoads(), {"3", "5", "road_a", "road_b"});
-  const ExelReportTable table = MakeExelTable(ui, report, state);
-  EXPECT_FALSE(table.Failed);
-  EXPECT_EQ(InterfaceLines(report, table),
-            (std::vector<std::string>{"4,4,5,3,Data", "距離[m],road_a,IRI,",
-                                      "3.00000000,40.00000000,201.00000000,", "4.00000000,50.00000000,211.00000000,",
-                                      "5.00000000,60.00000000,,"}));
-}
-
-TEST_F(ExelDriver, ReversedWalksFromTheLastRowAndSwapsTheGate) {
-  const ExelTemplate report = TwoRoadReport();
-  ExelScriptState state = Prepared(report, TwoRoads(), {"3", "5", "road_a", "road_b"});
-  state.Reversed = true;
-  const ExelReportTable table = MakeExelTable(ui, report, state);
-  EXPECT_EQ(InterfaceLines(report, table),
-            (std::vector<std::string>{"4,4,5,3,Data", "距離[m],road_a,IRI,", "5.00000000,60.00000000,,",
-                                      "4.00000000,50.00000000,211.00000000,", "3.00000000,40.00000000,201.00000000,"}));
+  const std::vector<std::string> head{"4,4,5,3,Data", "距離[m],road_a,IRI,"};
+  const std::vector<std::string> rows{"3.00000000,40.00000000,201.00000000,", "4.00000000,50.00000000,211.00000000,",
+                                      "5.00000000,60.00000000,,"};
+  for (const bool reversed : {false, true}) {
+    ExelScriptState state = Prepared(report, TwoRoads(), {"3", "5", "road_a", "road_b"});
+    state.Reversed = reversed;
+    const ExelReportTable table = MakeExelTable(ui, report, state);
+    EXPECT_FALSE(table.Failed);
+    std::vector<std::string> expected = head;
+    if (reversed) expected.insert(expected.end(), rows.rbegin(), rows.rend());
+    else expected.insert(expected.end(), rows.begin(), rows.end());
+    EXPECT_EQ(InterfaceLines(report, table), expected) << (reversed ? "reversed" : "forward");
+  }
 }
 
 TEST_F(ExelDriver, StartBeyondTheGridLeavesTheColumnEmptyAndAnErrorStopsAll) {
@@ -282,15 +286,9 @@ TEST_F(ExelDriver, StartBeyondTheGridLeavesTheColumnEmptyAndAnErrorStopsAll) {
 }
 
 TEST_F(ExelDriver, InterfaceFileAndWorkbookBesideIt) {
-  const std::filesystem::path example = std::filesystem::path(VELMORA_SOURCE_DIR) / "examples/report/iri_report.xlsm";
   ExelTemplate report;
-  ASSERT_TRUE(ReadExelTemplateFile(session, example, report));
-  ExelReportRequest request;
-  request.Params = Filled(report, TwoRoads(), {"", "", "road_a", "road_b"});
-  request.Axis = kMetres;
-  request.Folder = temp.path();
-  request.Time = testing::Noon();
-  const auto files = cmxExlsCreate(session, report, TwoRoads(), request);
+  ASSERT_TRUE(ReadExelTemplateFile(session, kExample, report));
+  const auto files = cmxExlsCreate(session, report, TwoRoads(), TwoRoadRequest(report));
   ASSERT_TRUE(files.has_value());
   EXPECT_EQ(files->Workbook, temp / "iri_report_20240305120000.xlsm");
   EXPECT_EQ(files->Interface, temp / "iri_report_20240305120000_INTERFACE.dat");
@@ -308,21 +306,16 @@ TEST_F(ExelDriver, InterfaceFileAndWorkbookBesideIt) {
   EXPECT_EQ(cells.at({4, 2}), "距離[m]");
   EXPECT_EQ(cells.at({5, 3}), "10");
   EXPECT_EQ(cells.at({35, 2}), "30");
-  const XlsmPackage original = XlsmPackage::Open(example);
+  const XlsmPackage original = XlsmPackage::Open(kExample);
   EXPECT_EQ(written.Part("xl/vbaProject.bin"), original.Part("xl/vbaProject.bin"));
   EXPECT_EQ(written.Part(written.SheetPart("Option")), original.Part(original.SheetPart("Option")));
 }
 
 TEST_F(ExelDriver, ARunTimeFailureIsLoggedAndLeavesNoFiles) {
-  const std::filesystem::path example = std::filesystem::path(VELMORA_SOURCE_DIR) / "examples/report/iri_report.xlsm";
   ExelTemplate report;
-  ASSERT_TRUE(ReadExelTemplateFile(session, example, report));
+  ASSERT_TRUE(ReadExelTemplateFile(session, kExample, report));
   report.Columns[1].Fields[6] = "#PROF(ALL, before, , ) / 0";
-  ExelReportRequest request;
-  request.Params = Filled(report, TwoRoads(), {"", "", "road_a", "road_b"});
-  request.Axis = kMetres;
-  request.Folder = temp.path();
-  EXPECT_FALSE(cmxExlsCreate(session, report, TwoRoads(), request).has_value());
+  EXPECT_FALSE(cmxExlsCreate(session, report, TwoRoads(), TwoRoadRequest(report)).has_value());
   EXPECT_EQ(ui.Messages().back().Title, "[ frmTop : cmxExlCreate ]");
   EXPECT_TRUE(std::filesystem::is_empty(temp.path()));
 }

@@ -76,13 +76,16 @@ class ProjectArchiveTest : public ::testing::Test {
   fs::path destination = dir / "private";
 };
 
+// Packed over an older file of the same name, which is replaced.
 TEST_F(ProjectArchiveTest, StoresTheProjectFolderUnderItsNameInShiftJisWithoutBinFiles) {
   const fs::path archive = dir / "p.prj";
+  testing::WriteBytes(archive, "the old file");
   PackProjectFolder(project, archive);
   EXPECT_EQ(RawNames(archive), (std::vector<std::string>{"Project/Profile/", "Project/Profile/a.erd",
                                                          "Project/Profile/\x93\xb9\x98\x48.erd", "Project/Screening/",
                                                          "Project/User.dat"}))
       << "道路 is 0x93B9 0x9848 in Shift-JIS";
+  EXPECT_EQ(Tree(dir.path()).size(), 9u) << "p.prj beside the 8 of the tree, no temporary file";
   UnpackProjectArchive(archive, destination);
   EXPECT_EQ(Tree(destination), (std::vector<std::string>{"Project", "Project/Profile", "Project/Profile/a.erd",
                                                          "Project/Profile/道路.erd", "Project/Screening",
@@ -101,14 +104,6 @@ TEST_F(ProjectArchiveTest, OrdinaryZipToolsReadWhatIsWritten) {
       "assert z.testzip() is None; assert z.read(\"Project/User.dat\") == b\"[VER]\\r\\n0.1.0\\r\\n\"; "
       "assert len(z.namelist()) == 5' ";
   EXPECT_EQ(std::system((python + quoted).c_str()), 0);
-}
-
-TEST_F(ProjectArchiveTest, ASaveReplacesTheOldFileAndLeavesNothingBesideIt) {
-  const fs::path archive = dir / "p.prj";
-  testing::WriteBytes(archive, "the old file");
-  PackProjectFolder(project, archive);
-  EXPECT_EQ(RawNames(archive).size(), 5u);
-  EXPECT_EQ(Tree(dir.path()).size(), 9u) << "p.prj beside the 8 of the tree, no temporary file";
 }
 
 TEST_F(ProjectArchiveTest, ReadsBackslashesAndUtf8NamesAsWellAsShiftJis) {

@@ -51,16 +51,23 @@ std::string Eval(ExelScriptState& state, std::string_view script) {
   return EvaluateScript(state, script, 0).ToText();
 }
 
+// A script on SmallReport() at the given cursors and the value it gives, as text.
 struct ExpressionCase {
   const char* What;
   const char* Script;
-  const char* Text;  // the value as text
+  const char* Text;
+  std::int32_t RowCursor = 2;
+  std::int32_t Index10 = 1;
+  bool Reversed = false;
 };
 
 class ScriptExpression : public ::testing::TestWithParam<ExpressionCase> {};
 
 TEST_P(ScriptExpression, GivesTheHandWorkedValue) {
   ExelScriptState state = SmallReport();
+  state.RowCursor = GetParam().RowCursor;
+  state.Index10 = GetParam().Index10;
+  state.Reversed = GetParam().Reversed;
   EXPECT_EQ(Eval(state, GetParam().Script), GetParam().Text) << GetParam().What;
   EXPECT_EQ(state.ErrorCode, "") << GetParam().What;
 }
@@ -100,7 +107,33 @@ INSTANTIATE_TEST_SUITE_P(
         ExpressionCase{"#UNIT without parentheses", "#UNIT", "km"},
         ExpressionCase{"#UNIT ignores its arguments", "#unit(1, 2, 3)", "km"},
         ExpressionCase{"title cell of literals and the unit", "\"IRI [\" & #UNIT & \"]\"", "IRI [km]"},
-        ExpressionCase{"double quotes do not hide a parenthesis", "1 & \")\"", "1 & \")\""}));
+        ExpressionCase{"double quotes do not hide a parenthesis", "1 & \")\"", "1 & \")\""},
+        // The functions on the slot table: the series at the row cursor, no error for an unknown one.
+        ExpressionCase{"#PROF of the chosen slot", "#PROF(ALL, p2, , )", "22"},
+        ExpressionCase{"#PROF of the long wave", "#PROF(long, p1, , )", "-2"},
+        ExpressionCase{"#PROF of an octave", "#PROF(3OCT, p1, , )", "1"},
+        ExpressionCase{"#PROF of a band never filled stays null", "#PROF(2OCT, p1, , )", "-99999"},
+        ExpressionCase{"#PROF of a name not chosen", "#PROF(ALL, empty, , )", "-99999"},
+        ExpressionCase{"#PROF of a choice without a slot", "#PROF(ALL, ghost, , )", "-99999"},
+        ExpressionCase{"#PROF of an unknown series", "#PROF(XYZ, p1, , )", "0"},
+        ExpressionCase{"#PROF of two slots in one sum", "#PROF(ALL, p1, , ) - #PROF(ALL, p2, , )", "-10"},
+        // The IRI of the row, and of the sections at the section cursor, forward and reversed (n - i + 1).
+        ExpressionCase{"#IRI 10B of the row", "#IRI(10B, p1, , )", "4.25"},
+        ExpressionCase{"#IRI 10A of the second section", "#IRI(10A, p1, , )", "2.2", 2, 2},
+        ExpressionCase{"#IRI 10A reversed", "#IRI(10A, p1, , )", "1.1", 2, 2, true},
+        ExpressionCase{"#IRI 10A past the last section", "#IRI(10a, p1, , )", "-99999", 2, 3},
+        ExpressionCase{"#IRI 100A", "#IRI(100A, p1, , )", "3.3"},
+        ExpressionCase{"#IRI 200A of a slot without them", "#IRI(200A, p1, , )", "-99999"},
+        ExpressionCase{"#IRI 100A of a slot without sections", "#IRI(100A, p2, , )", "-99999"},
+        ExpressionCase{"#IRI 10B of a name not chosen", "#IRI(10B, empty, , )", "-99999"},
+        // Distances of the row and of the sections; past the end 1E+20 in the direction of travel.
+        ExpressionCase{"#DIST of the row", "#DIST(, a, b)", "0.2", 3},
+        ExpressionCase{"#DIST of the second 10 m section", "#DIST(10, a, b)", "0.01", 3, 2},
+        ExpressionCase{"#DIST of a section reversed", "#DIST(10, a, b)", "0", 3, 2, true},
+        ExpressionCase{"#DIST past the end", "#DIST(10, a, b)", "1E+20", 3, 3},
+        ExpressionCase{"#DIST past the end reversed", "#DIST(10, a, b)", "-1E+20", 3, 3, true},
+        ExpressionCase{"#GETPROFILENAME of a choice", "#GETPROFILENAME(p2)", "road_b"},
+        ExpressionCase{"#GETPROFILENAME of a name not chosen", "#GETPROFILENAME(empty)", ""}));
 
 // "#PROF(...) > -100000" holds a minus that is found as a subtraction: ((null > ) - 100000), the
 // comparison with an empty right side (-99999 > 0) being False, hence 0 - 100000 above.
@@ -195,58 +228,16 @@ TEST(ScriptErrors, NoMessageWhenErrorsAreNotShownAndDivisionByZeroIsTheCallers) 
   EXPECT_THROW(EvaluateScript(state, "(1+1) = abc", 1), LegacyError);
 }
 
-TEST(ScriptFunctions, ProfileSeriesOfTheChosenSlotAtTheRowCursor) {
+TEST(ScriptFunctions, IriPastTheLastSectionFinishesTheGate) {
   ExelScriptState state = SmallReport();
-  EXPECT_EQ(Eval(state, "#PROF(ALL, p2, , )"), "22");
-  EXPECT_EQ(Eval(state, "#PROF(long, p1, , )"), "-2");
-  EXPECT_EQ(Eval(state, "#PROF(3OCT, p1, , )"), "1");
-  EXPECT_EQ(Eval(state, "#PROF(2OCT, p1, , )"), "-99999");  // a band never filled stays null
-  EXPECT_EQ(Eval(state, "#PROF(ALL, empty, , )"), "-99999");
-  EXPECT_EQ(Eval(state, "#PROF(ALL, ghost, , )"), "-99999");
-  EXPECT_EQ(Eval(state, "#PROF(XYZ, p1, , )"), "0");  // no error for an unknown series
-  EXPECT_EQ(state.ErrorCode, "");
-  EXPECT_EQ(Eval(state, "#PROF(ALL, p1, , ) - #PROF(ALL, p2, , )"), "-10");
-}
-
-TEST(ScriptFunctions, IriOfRowsAndSectionsForwardAndReversed) {
-  ExelScriptState state = SmallReport();
-  EXPECT_EQ(Eval(state, "#IRI(10B, p1, , )"), "4.25");
-  state.Index10 = 2;
-  EXPECT_EQ(Eval(state, "#IRI(10A, p1, , )"), "2.2");
-  state.Reversed = true;  // entry n - i + 1
-  EXPECT_EQ(Eval(state, "#IRI(10A, p1, , )"), "1.1");
-  state.Reversed = false;
-  state.Index10 = 3;  // past the end: null, and the gate finishes
-  EXPECT_EQ(Eval(state, "#IRI(10a, p1, , )"), "-99999");
-  EXPECT_TRUE(state.Finished);
-  EXPECT_EQ(Eval(state, "#IRI(100A, p1, , )"), "3.3");
-  EXPECT_EQ(Eval(state, "#IRI(200A, p1, , )"), "-99999");
-  EXPECT_EQ(Eval(state, "#IRI(100A, p2, , )"), "-99999");  // slot 2 has no sections
-  EXPECT_EQ(Eval(state, "#IRI(10B, empty, , )"), "-99999");
-}
-
-TEST(ScriptFunctions, DistancesOfRowsAndSectionsAndPastTheEnd) {
-  ExelScriptState state = SmallReport();
-  state.RowCursor = 3;
-  EXPECT_EQ(Eval(state, "#DIST(, a, b)"), "0.2");
-  state.Index10 = 2;
-  EXPECT_EQ(Eval(state, "#DIST(10, a, b)"), "0.01");
-  state.Reversed = true;
-  EXPECT_EQ(Eval(state, "#DIST(10, a, b)"), "0");
   state.Index10 = 3;
-  EXPECT_EQ(Eval(state, "#DIST(10, a, b)"), "-1E+20");
-  state.Reversed = false;
-  EXPECT_EQ(Eval(state, "#DIST(10, a, b)"), "1E+20");
-  // The past-the-end text reads back through the numeric helper as the number it stands for.
-  EXPECT_EQ(uDblVal("1E+20"), 1e20);
-  EXPECT_EQ(uDblVal("-1E+20"), -1e20);
+  Eval(state, "#IRI(10A, p1, , )");
+  EXPECT_TRUE(state.Finished);
 }
 
 TEST(ScriptFunctions, ProfileNameAndUnitLeaveTheGateAlone) {
   ExelScriptState state = SmallReport();
-  EXPECT_EQ(Eval(state, "#GETPROFILENAME(p2)"), "road_b");
-  EXPECT_EQ(Eval(state, "#GETPROFILENAME(empty)"), "");
-  EXPECT_EQ(Eval(state, "#UNIT"), "km");
+  for (const char* script : {"#GETPROFILENAME(p2)", "#GETPROFILENAME(empty)", "#UNIT"}) Eval(state, script);
   EXPECT_FALSE(state.Started);
   EXPECT_FALSE(state.Finished);
 }
@@ -356,6 +347,9 @@ TEST(ArgumentSplit, CommasOutsideQuotesAndParentheses) {
 }
 
 TEST(ScriptValueText, NumbersBooleansAndEmpty) {
+  // The past-the-end distance reads back through the numeric helper as the number it stands for.
+  EXPECT_EQ(uDblVal("1E+20"), 1e20);
+  EXPECT_EQ(uDblVal("-1E+20"), -1e20);
   EXPECT_EQ(ScriptValue::FromNumber(1e20).ToText(), "1E+20");
   EXPECT_EQ(ScriptValue::FromNumber(-2.5).ToText(), "-2.5");
   EXPECT_EQ(ScriptValue::FromNumber(123456789012345678.0).ToText(), "1.23456789012346E+17");

@@ -213,23 +213,21 @@ TEST(ResultExport, BandNumbersPastNineAreRefusedAndAReductionDoesNotStandInForTh
 }
 
 TEST(ResultExport, WordsOfTheFileNames) {
-  FilterSpec f;
-  f.CalcType = FilterCalcType::MovingAverage;
-  f.Band = FilterKind::BandPass;
-  f.LongCut = 50;
-  f.ShortCut = 10;
-  EXPECT_EQ(FilterWord(f), "MABP_50-10m");
-  f.CalcType = FilterCalcType::Fourier;
-  f.Band = FilterKind::LowPass;
-  f.ShortCut = 2.5;
-  EXPECT_EQ(FilterWord(f), "FTLP_2.5m");
-  f.Band = FilterKind::HiPass;
-  EXPECT_EQ(FilterWord(f), "FTHP_50m");
-  f.CalcType = FilterCalcType::Slope;
-  f.SlopeMode = true;
-  EXPECT_EQ(FilterWord(f), "SLHC");
-  f.CalcType = FilterCalcType::Iri;
-  EXPECT_EQ(FilterWord(f), "IRI");
+  const struct {
+    FilterCalcType type;
+    FilterKind band;
+    double shortCut;
+    bool slopeMode;
+    const char* word;
+  } cases[] = {{FilterCalcType::MovingAverage, FilterKind::BandPass, 10, false, "MABP_50-10m"},
+               {FilterCalcType::Fourier, FilterKind::LowPass, 2.5, false, "FTLP_2.5m"},
+               {FilterCalcType::Fourier, FilterKind::HiPass, 2.5, false, "FTHP_50m"},
+               {FilterCalcType::Slope, FilterKind::HiPass, 2.5, true, "SLHC"},
+               {FilterCalcType::Iri, FilterKind::HiPass, 2.5, true, "IRI"}};
+  for (const auto& c : cases) {
+    const FilterSpec f{.CalcType = c.type, .Band = c.band, .SlopeMode = c.slopeMode, .LongCut = 50, .ShortCut = c.shortCut};
+    EXPECT_EQ(FilterWord(f), c.word);
+  }
   EXPECT_EQ(IriKindWord(ExportKind::IriContinuous, 10, 0), "10m連続");
   EXPECT_EQ(IriKindWord(ExportKind::IriFixed, 10, 200), "200m固定");
 }
