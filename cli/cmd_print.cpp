@@ -7,7 +7,6 @@
 #include <sys/wait.h>
 
 #include <functional>
-#include <optional>
 #include <stdexcept>
 
 #include "base/legacy_error.h"
@@ -112,25 +111,22 @@ void ComposeSheets(CommandSession& session, const PrintOptionsFlags& o, const gr
   graph::PreparePrinter(printer);
   graph::DrawDevices devices;
   const graph::Hdc hdc = devices.regHDCPrinter(printer);
-  std::optional<ProgressScope> progress;
-  const char* shown = nullptr;
-  for (std::size_t i = 0; i < pages.size(); ++i) {
-    if (pages[i].Progress != shown) {
-      progress.reset();
-      progress.emplace(session.Engine.Ui(), pages[i].Progress, "しばらくお待ちください。");
-      shown = pages[i].Progress;
+  // One progress display for each run of pages that share a caption.
+  for (std::size_t i = 0; i < pages.size();) {
+    const char* caption = pages[i].Progress;
+    const ProgressScope progress(session.Engine.Ui(), caption, "しばらくお待ちください。");
+    for (; i < pages.size() && pages[i].Progress == caption; ++i) {
+      if (i > 0) devices.pageChange(hdc);
+      pages[i].Draw({devices, hdc, printer.Surface});
+      if (o.Preview) {
+        const auto page = session.Run.Staging() / fmt::format("Velmora-{:02}_{}.svg", i + 1, stamp);
+        const graph::Hdc metafile = devices.regHDCMetaFile(page, printer.Surface);
+        pages[i].Draw({devices, metafile, printer.Surface});
+        devices.releaseHDC(metafile);
+      }
+      ReportProgress(session.Engine.Ui(), static_cast<int>((i + 1) * 100 / pages.size()));
     }
-    if (i > 0) devices.pageChange(hdc);
-    pages[i].Draw({devices, hdc, printer.Surface});
-    if (o.Preview) {
-      const auto page = session.Run.Staging() / fmt::format("Velmora-{:02}_{}.svg", i + 1, stamp);
-      const graph::Hdc metafile = devices.regHDCMetaFile(page, printer.Surface);
-      pages[i].Draw({devices, metafile, printer.Surface});
-      devices.releaseHDC(metafile);
-    }
-    ReportProgress(session.Engine.Ui(), static_cast<int>((i + 1) * 100 / pages.size()));
   }
-  progress.reset();
   devices.releaseHDC(hdc);
 }
 
