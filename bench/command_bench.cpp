@@ -1,5 +1,5 @@
-// Whole commands of the `velmora` program on a profile of 10^6 samples at 0.01 m (10 km), as a user
-// runs them: start-up, reading, the computation and every result file. Reports wall time and the
+// Whole commands of the `velmora` program on a profile of 10^6 samples at 0.01 m (10 km), and the
+// verification on a pair of 400 m at 0.01 m, as a user runs them: start-up, reading, the computation and every result file. Reports wall time and the
 // child's peak memory (resident set, bytes per sample), so figures can be compared run to run.
 // Run with the program built beside this benchmark: build/bin/command_bench.
 #include <benchmark/benchmark.h>
@@ -40,13 +40,35 @@ const fs::path& Folder() {
   return folder;
 }
 
-// Runs velmora with `arguments` once; the child's peak resident set in bytes.
-long RunOnce(const std::vector<std::string>& arguments) {
+// Two runs of a profiler over 400 m at 0.01 m (40,000 samples), the second 7 samples behind the
+// first, for the verification checked at half the length.
+const std::vector<std::string>& Pair() {
+  static const std::vector<std::string> files = [] {
+    std::mt19937_64 random(5);
+    std::normal_distribution<double> step(0.0, 0.05);
+    std::vector<double> walk(40'007);
+    double level = 0;
+    for (double& v : walk) v = (level += step(random));
+    std::vector<std::string> paths;
+    for (const int behind : {0, 7}) {
+      const fs::path path = Folder() / ("pass" + std::to_string(behind) + ".erd");
+      velmora::WriteERD(path.string(), velmora::bench::SyntheticErd(40'000, 0.01, [&](std::int32_t i) {
+                          return walk[static_cast<std::size_t>(i - 1 + 7 - behind)];
+                        }));
+      paths.push_back(path.string());
+    }
+    return paths;
+  }();
+  return files;
+}
+
+// Runs velmora with `arguments` on `files` once; the child's peak resident set in bytes.
+long RunOnce(const std::vector<std::string>& arguments, const std::vector<std::string>& files) {
   const fs::path out = Folder() / "out";
   fs::remove_all(out);
   std::vector<std::string> words = {(fs::path(VELMORA_BIN_DIR) / "velmora").string(), "--quiet", "-o", out.string()};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  words.push_back((Folder() / "road.erd").string());
+  words.insert(words.end(), files.begin(), files.end());
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
@@ -64,15 +86,23 @@ long RunOnce(const std::vector<std::string>& arguments) {
   return usage.ru_maxrss * 1024L;
 }
 
-void Command(benchmark::State& state, std::vector<std::string> arguments) {
-  Folder();
+void Timed(benchmark::State& state, const std::vector<std::string>& arguments, const std::vector<std::string>& files,
+           std::int32_t samples) {
   long peak = 0;
   for (auto _ : state) {
-    peak = RunOnce(arguments);
+    peak = RunOnce(arguments, files);
     if (peak < 0) state.SkipWithError("the command failed");
   }
   state.counters["peak_MB"] = static_cast<double>(peak) / 1e6;
-  state.counters["bytes_per_sample"] = static_cast<double>(peak) / kSamples;
+  state.counters["bytes_per_sample"] = static_cast<double>(peak) / samples;
+}
+
+void Command(benchmark::State& state, std::vector<std::string> arguments) {
+  Timed(state, arguments, {(Folder() / "road.erd").string()}, kSamples);
+}
+
+void CommandOnPair(benchmark::State& state, std::vector<std::string> arguments) {
+  Timed(state, arguments, Pair(), 2 * 40'000);
 }
 
 }  // namespace
@@ -83,3 +113,7 @@ BENCHMARK_CAPTURE(Command, octave, std::vector<std::string>{"octave"})->Unit(ben
 BENCHMARK_CAPTURE(Command, reduce, std::vector<std::string>{"reduce"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
 BENCHMARK_CAPTURE(Command, summary, std::vector<std::string>{"summary"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
 BENCHMARK_CAPTURE(Command, repair, std::vector<std::string>{"repair"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+// The verification as shipped (IRI filter, and the save's second run without it) and on the
+// elevations alone.
+BENCHMARK_CAPTURE(CommandOnPair, xcorr_half, std::vector<std::string>{"xcorr", "--max-shift", "half"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+BENCHMARK_CAPTURE(CommandOnPair, xcorr_half_unfiltered, std::vector<std::string>{"xcorr", "--max-shift", "half", "--filter", "none"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);

@@ -38,12 +38,6 @@ std::string ProfileName(const ProfileRecord& record) {
   return std::filesystem::path(record.FileName).stem().string();
 }
 
-// The error with the profile's file name in front, keeping its number.
-LegacyError NamingFile(const ProfileRecord& record, const std::exception& error) {
-  const auto* legacy = dynamic_cast<const LegacyError*>(&error);
-  return LegacyError(legacy ? legacy->Number() : ErrorNumber::InvalidData, record.FileName + ": " + error.what());
-}
-
 bool UpToDate(const FilterResults& results, const FilterSpec& filterSpec, const IriParams& iri) {
   return results.FilterWave.Calculated && results.Request == filterSpec &&
          (filterSpec.CalcType != FilterCalcType::Iri || results.Iri == iri);
@@ -169,7 +163,7 @@ FilterRunOutcome RunFilter(Session& session, const FilterSpec& filterSpec, bool 
       try {
         ok = FilterOne(session, record->Analysis, filterSpec, iri, limits, fresh);
       } catch (const std::exception& error) {
-        ErrorLog(session, kModule, kGoProc, NamingFile(*record, error));
+        ErrorLog(session, kModule, kGoProc, NamingFiles(record->FileName, error));
       }
       if (!ok) return outcome;
       fresh.Request = filterSpec;

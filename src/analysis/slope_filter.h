@@ -9,8 +9,8 @@ namespace velmora {
 
 // y(1..n) elevations in mm at pitch dx m. Without cut: the slopes s(i) = (y(i+1) − y(i)) / dx in mm/m
 // (0 when dx is 0), s(n) = 0. With cut: every |s(i)| ≥ cut is set to 0 and the profile is rebuilt
-// from y(1) by summing dx · s, so a step stays removed at all later points. Profiles of more than
-// 32,767 samples raise overflow: the filter has always been limited to that.
+// from y(1) by summing dx · s, so a step stays removed at all later points. Any length the profile
+// has; n beyond y raises subscript out of range.
 Array1<double> SlopeSeries(std::int32_t n, const Array1<double>& y, double dx, bool cutMode, double cut);
 
 // The slope filter of the block's prepared profile into Filter.SlopeWave (with statistics).

@@ -21,4 +21,9 @@ void RaiseFileError(ErrorNumber number, std::string_view path, std::string_view 
   throw LegacyError(number, fmt::format("{}: {}", path, what));
 }
 
+LegacyError NamingFiles(std::string_view files, const std::exception& error) {
+  const auto* legacy = dynamic_cast<const LegacyError*>(&error);
+  return LegacyError(legacy ? legacy->Number() : ErrorNumber::InvalidData, fmt::format("{}: {}", files, error.what()));
+}
+
 }  // namespace velmora

@@ -42,4 +42,8 @@ class LegacyError : public std::runtime_error {
 // A file that cannot be opened, read or written: the text names the file and the reason.
 [[noreturn]] void RaiseFileError(ErrorNumber number, std::string_view path, std::string_view what);
 
+// `error` with "<files>: " in front of its text, so the log says which input failed. Keeps the
+// number of a LegacyError; any other error (memory, say) counts as invalid data.
+LegacyError NamingFiles(std::string_view files, const std::exception& error);
+
 }  // namespace velmora

@@ -30,11 +30,6 @@ double Int(double value) { return std::floor(value); }
 std::int32_t IntLong(double value) { return Narrow<std::int32_t>(std::floor(value), value); }
 std::int32_t FixLong(double value) { return Narrow<std::int32_t>(std::trunc(value), value); }
 
-std::int16_t CheckedI16(long long value) {
-  if (value < std::numeric_limits<std::int16_t>::min() || value > std::numeric_limits<std::int16_t>::max())
-    RaiseOverflow(fmt::format("{}", value));
-  return static_cast<std::int16_t>(value);
-}
 std::int32_t CheckedI32(long long value) {
   if (value < std::numeric_limits<std::int32_t>::min() || value > std::numeric_limits<std::int32_t>::max())
     RaiseOverflow(fmt::format("{}", value));

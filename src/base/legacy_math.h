@@ -16,8 +16,7 @@ std::int32_t IntLong(double value);
 // Fix: truncation toward zero, as i32 with overflow check.
 std::int32_t FixLong(double value);
 
-// Narrowing of an integer result that the legacy code kept in a 16-bit or 32-bit variable.
-std::int16_t CheckedI16(long long value);
+// Narrowing of an integer result that the legacy code kept in a 32-bit variable.
 std::int32_t CheckedI32(long long value);
 
 }  // namespace velmora

@@ -187,6 +187,9 @@ bool RunCrossCorrelation(Session& session, const ProfileList& list, std::span<co
 
     ProgressScope progress(session.Ui(), "相互相関値の集計中です", "しばらくお待ちください。");
     fresh.Matrix.assign(static_cast<std::size_t>(count) * static_cast<std::size_t>(count), CorrelationCell{});
+    auto fileOf = [&](std::int32_t k) {
+      return list.Items.at(selection.ListIndices[static_cast<std::size_t>(k - 1)]).FileName;
+    };
     const long total = static_cast<long>(count) * (count + 1) / 2;
     long pairs = 0;
     for (std::int32_t i = 1; i <= count; ++i) {
@@ -195,7 +198,12 @@ bool RunCrossCorrelation(Session& session, const ProfileList& list, std::span<co
         const auto& b = series[static_cast<std::size_t>(j - 1)];
         const std::int32_t maxShift = MaxShiftFor(fresh.Options, a.size());
         const auto n = static_cast<std::int32_t>(std::min(a.size(), b.size()));
-        fresh.Cell(i, j) = CrossCorrelatePair(n, a, b, maxShift);
+        try {
+          fresh.Cell(i, j) = CrossCorrelatePair(n, a, b, maxShift);
+        } catch (const std::exception& error) {
+          // A flat profile, or a pair too long for memory: say which pair.
+          throw NamingFiles(fileOf(i) + " / " + fileOf(j), error);
+        }
         ReportProgress(session.Ui(), static_cast<int>(++pairs * 100 / total));
       }
     }

@@ -707,19 +707,22 @@ TEST_F(FilterTest, SlopesAndTheProfileRebuiltWithoutSteepOnes) {
   ExpectValues(SlopeSeries(5, y, 0.5, true, 10), {0, 1, 3, 3, 2});
 }
 
-TEST_F(FilterTest, SlopesOfARoadLongerThanTheOld16BitCounterAreThoseOfThePlainLoop) {
-  const std::int32_t n = 40001;
-  const double dx = 0.01, cut = 150;
-  Array1<double> y(static_cast<std::size_t>(n));
-  for (std::int32_t i = 1; i <= n; ++i) y[i] = 3 * std::sin(0.002 * i) + ((i * 7919) % 13 == 0 ? 2.0 : 0.0);
-  // The definition as a plain loop: forward differences, the last 0; then the profile rebuilt from
-  // the slopes below the cut.
-  Array1<double> slope(static_cast<std::size_t>(n)), rebuilt(static_cast<std::size_t>(n));
-  for (std::int32_t i = 1; i < n; ++i) slope[i] = (y[i + 1] - y[i]) / dx;
-  rebuilt[1] = y[1];
-  for (std::int32_t i = 2; i <= n; ++i) rebuilt[i] = rebuilt[i - 1] + dx * (std::abs(slope[i - 1]) >= cut ? 0 : slope[i - 1]);
-  EXPECT_EQ(SlopeSeries(n, y, dx, false, 0), slope);
-  EXPECT_EQ(SlopeSeries(n, y, dx, true, cut), rebuilt);
+TEST_F(FilterTest, SlopesOfRoadsAtAndBeyondTheOld16BitCounterAreThoseOfThePlainLoop) {
+  // 32,767 samples was the most the old counter took; 40,001 is a 400 m road at 1 cm.
+  for (const std::int32_t n : {32767, 40001}) {
+    SCOPED_TRACE(n);
+    const double dx = 0.01, cut = 150;
+    Array1<double> y(static_cast<std::size_t>(n));
+    for (std::int32_t i = 1; i <= n; ++i) y[i] = 3 * std::sin(0.002 * i) + ((i * 7919) % 13 == 0 ? 2.0 : 0.0);
+    // The definition as a plain loop: forward differences, the last 0; then the profile rebuilt from
+    // the slopes below the cut.
+    Array1<double> slope(static_cast<std::size_t>(n)), rebuilt(static_cast<std::size_t>(n));
+    for (std::int32_t i = 1; i < n; ++i) slope[i] = (y[i + 1] - y[i]) / dx;
+    rebuilt[1] = y[1];
+    for (std::int32_t i = 2; i <= n; ++i) rebuilt[i] = rebuilt[i - 1] + dx * (std::abs(slope[i - 1]) >= cut ? 0 : slope[i - 1]);
+    EXPECT_EQ(SlopeSeries(n, y, dx, false, 0), slope);
+    EXPECT_EQ(SlopeSeries(n, y, dx, true, cut), rebuilt);
+  }
 }
 
 TEST_F(FilterTest, EachKindChecksItsOwnCutOffs) {

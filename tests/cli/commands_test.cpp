@@ -115,6 +115,17 @@ TEST_F(CliTest, XcorrPrintsTheTableWritesSixFilesAndTheShiftedCopy) {
   EXPECT_EQ(ErdOf(temp / "out" / "B-3P.ERD").NumSamples, 400);
 }
 
+TEST_F(CliTest, ARoadOf400MetresAt1CentimetreTakesTheSlopeFilterAndIsCheckedAtHalfItsLength) {
+  // 40,000 samples: more than the 32,767 the slope filter and the shift counter once took. B runs 7
+  // samples behind A, so over 20,000 shifts either way the best one is still 7.
+  const std::string a = WriteErd("A", Road(40000, 7), 0.01, 1.0);
+  const std::string b = WriteErd("B", Road(40000), 0.01, 1.0);
+  ASSERT_EQ(Run("xcorr " + a + " " + b + " --filter none --max-shift half --measure shift"), 0) << Stderr();
+  EXPECT_EQ(Stdout().rfind("\tA\tB\nA\t\t\nB\t7\t\n", 0), 0u) << Stdout();
+  ASSERT_EQ(Run("filter " + a + " --type slope", "slope"), 0) << Stderr();
+  EXPECT_EQ(LinesOf("_Slope_", "slope").size(), 40001u);  // a head line and one line per sample
+}
+
 TEST_F(CliTest, WritesTheFiveStudyFilesTheRegisteredWavesAndPrintsTheThreeIris) {
   ASSERT_EQ(Run("repair " + Example("road_b.erd") + " --long 51.2 --short 4 --length 10 --lines ,,,,,,,, --register L,ideal"), 0)
       << Stderr();

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <random>
 #include <tuple>
 
@@ -74,18 +77,76 @@ TEST(CrossCorrelatePair, ConstantSeriesAndLimitsFailThroughTheErrorPath) {
   EXPECT_EQ(ErrorOf([&] { CrossCorrelatePair(60, wavy, wavy, 5); }), ErrorNumber::SubscriptOutOfRange);
 }
 
-TEST(CrossCorrelatePair, LongPairsBeyondTheOldIntegerLimitsFindTheirLagAndKeepThePlainLoopSums) {
-  // 40,001 samples and 40,001 shifts: more than a 16-bit counter held, and n * n above 2^31 - 1.
-  // b is a seen 7 samples later, so every measure peaks at shift +7 and the coefficient there is
-  // that of a series with itself over the overlap, close to 1.
-  const int n = 40001, lag = 7;
-  const std::vector<double> road = Road(n + lag);
-  const std::vector<double> a(road.begin(), road.begin() + n);
-  const std::vector<double> b(road.begin() + lag, road.end());
-  const CorrelationCell cell = CrossCorrelatePair(n, b, a, 20000);
-  EXPECT_EQ(cell.Peak(CorrelationRow::Rho).Shift, lag);
-  EXPECT_GT(cell.Peak(CorrelationRow::Rho).Value, 0.99);
-  EXPECT_EQ(detail::ShiftSums(a, b, 20000), detail::ShiftSumsPlain(a, b, 20000));
+// The pair written out plainly from the method: deviations from the whole series' means, standard
+// deviations with divisor n - 1, for each shift the products over the overlap summed in index order,
+// the seven rows with the coefficient over sqrt(n * n), and a scan where a later value wins only when
+// strictly greater. n * n is formed in 64 bits: below 46,341 samples that is the old 32-bit product.
+CorrelationCell CorrelationByDefinition(const std::vector<double>& a, const std::vector<double>& b,
+                                        std::int64_t maxShift) {
+  const auto n = static_cast<std::int64_t>(a.size());
+  auto meanOf = [n](const std::vector<double>& x) {
+    double sum = 0;
+    for (double v : x) sum += v;
+    return sum / static_cast<double>(n);
+  };
+  auto deviationsOf = [&](const std::vector<double>& x) {
+    const double mean = meanOf(x);
+    std::vector<double> d;
+    for (double v : x) d.push_back(v - mean);
+    return d;
+  };
+  auto sdOf = [&](const std::vector<double>& d) {
+    const double mean = meanOf(d);
+    double squares = 0;
+    for (double v : d) squares += (v - mean) * (v - mean);
+    return std::sqrt(squares / static_cast<double>(n - 1));
+  };
+  const std::vector<double> dA = deviationsOf(a), dB = deviationsOf(b);
+  const double sdA = sdOf(dA), sdB = sdOf(dB);
+  CorrelationCell cell;
+  cell.SdRatio = std::min(sdA, sdB) / std::max(sdA, sdB);
+  const double rootNSquared = std::sqrt(static_cast<double>(n * n));
+  for (std::int64_t k = 1; k <= 2 * maxShift + 1; ++k) {
+    const std::int64_t shift = k - 1 - maxShift, len = n - std::abs(shift);
+    const std::int64_t startA = shift < 0 ? -shift + 1 : 1, startB = shift >= 1 ? shift + 1 : 1;
+    double sum = 0;
+    for (std::int64_t i = 1; i <= len; ++i)
+      sum += dA[static_cast<std::size_t>(startA + i - 2)] * dB[static_cast<std::size_t>(startB + i - 2)];
+    const double r = sum / (sdA * sdB), rho = r / rootNSquared;
+    const double rows[] = {sum, sum / static_cast<double>(len), sum / static_cast<double>(n), r, rho,
+                           cell.SdRatio * r, cell.SdRatio * rho};
+    for (std::size_t row = 0; row < cell.Peaks.size(); ++row)
+      if (k == 1 || rows[row] > cell.Peaks[row].Value) cell.Peaks[row] = {rows[row], static_cast<std::int32_t>(shift)};
+  }
+  return cell;
+}
+
+TEST(CrossCorrelatePair, AtAndBeyondTheOldIntegerLimitsEqualsTheMethodWrittenOut) {
+  // b is a seen `lag` samples later, so the coefficient peaks at +lag. A series with itself peaks at 0
+  // with (n - 1)/n: S(0) = (n - 1) sd^2 and the coefficient divides by sd^2 and by n.
+  struct Case {
+    const char* what;
+    int n, maxShift, lag;
+  };
+  for (const Case& c : {Case{"32,767 shifts, the old counter's most", 16400, 16383, 5},
+                        Case{"46,340 samples, the largest n * n of 32 bits", 46340, 8, 0},
+                        Case{"46,341 samples, n * n beyond 32 bits", 46341, 8, 0},
+                        Case{"40,001 shifts over 40,001 samples", 40001, 20000, 7}}) {
+    SCOPED_TRACE(c.what);
+    const std::vector<double> road = Road(c.n + c.lag);
+    const std::vector<double> a(road.begin() + c.lag, road.end()), b(road.begin(), road.begin() + c.n);
+    const CorrelationCell cell = CrossCorrelatePair(c.n, a, b, c.maxShift);
+    const CorrelationCell plain = CorrelationByDefinition(a, b, c.maxShift);
+    for (std::size_t row = 0; row < cell.Peaks.size(); ++row) {
+      EXPECT_EQ(cell.Peaks[row].Value, plain.Peaks[row].Value) << "row " << row + 1;
+      EXPECT_EQ(cell.Peaks[row].Shift, plain.Peaks[row].Shift) << "row " << row + 1;
+    }
+    EXPECT_EQ(cell.SdRatio, plain.SdRatio);
+    EXPECT_EQ(cell.Peak(CorrelationRow::Rho).Shift, c.lag);
+    if (c.lag == 0) {
+      EXPECT_NEAR(cell.Peak(CorrelationRow::Rho).Value, (c.n - 1.0) / c.n, 1e-12);
+    }
+  }
 }
 
 TEST(ShiftSums, PlainLoopByHandAndEveryShiftCountAndThreadCountBitForBit) {
@@ -224,10 +285,12 @@ TEST_F(CrossCorrelationTest, RunFailuresGoThroughTheErrorPathAndKeepTheResults) 
   CorrelationResults results;
   results.Valid = true;
   results.Selection.ProfileCount = 7;
-  EXPECT_FALSE(Run(ListOf({P("A", std::vector<double>(100, 1.0)), P("B", Road(100))}), results));
+  EXPECT_FALSE(Run(ListOf({P("B", Road(100)), P("A", std::vector<double>(100, 1.0))}), results));
   EXPECT_EQ(results.Selection.ProfileCount, 7);  // left as it was
   ASSERT_EQ(ui_.Messages().size(), 1u);
   EXPECT_EQ(ui_.Messages()[0].Title, "[ frmTop : cmdGO相互相関 ]");
+  // The flat profile fails first in its pair with B: the message names both files.
+  EXPECT_EQ(ui_.Messages()[0].Text.rfind("ERROR : B.erd / A.erd: 0 で除算しました。", 0), 0u) << ui_.Messages()[0].Text;
 }
 
 TEST_F(CrossCorrelationTest, ALagOfThreeRegistersBMinusThreePWithItsKpMoved) {
