@@ -22,6 +22,8 @@ namespace {
 constexpr const char* kIriCaptions[] = {"走行速度 (km/h)", "Ks/Ms", "Cs/Ms", "Mu/Ms", "Kt/Ms", "助走区間 (m)"};
 // A box the check refuses gets the invalid colours of the profile tab: white text on red.
 constexpr const char* kInvalidStyle = "QLineEdit { background: #ff0000; color: #ffffff; }";
+// The band-filter boxes show values that only the settings file changes.
+constexpr const char* kReadOnlyStyle = "QLineEdit { background: #eeeeee; color: #555555; }";
 
 QLineEdit* NumberBox(const QString& name) {
   auto* box = new QLineEdit;
@@ -45,6 +47,7 @@ QString PageName(ConditionsPage page) { return QString::number(static_cast<int>(
 ConditionsForm::ConditionsForm(ConditionsDialog& engine, QWidget* parent) : QDialog(parent), engine_(engine) {
   setWindowTitle(kConditionsCaption);
   auto* pages = new QTabWidget;
+  pages->setObjectName("pages");
   pages->addTab(BandFilterPage(), kConditionsPageCaptions[0]);
   pages->addTab(IriPage(), kConditionsPageCaptions[1]);
   pages->addTab(RepairLinePage(), kConditionsPageCaptions[2]);
@@ -60,6 +63,7 @@ ConditionsForm::ConditionsForm(ConditionsDialog& engine, QWidget* parent) : QDia
   layout->addWidget(pages);
   layout->addWidget(buttons);
   Show();
+  setMinimumWidth(560);
 }
 
 QWidget* ConditionsForm::BandFilterPage() {
@@ -69,6 +73,8 @@ QWidget* ConditionsForm::BandFilterPage() {
   for (std::size_t i = 0; i < bandFilter_.size(); ++i) {
     bandFilter_[i] = NumberBox(QString("txtBandFilter%1").arg(i));
     bandFilter_[i]->setReadOnly(true);
+    bandFilter_[i]->setFocusPolicy(Qt::NoFocus);
+    bandFilter_[i]->setStyleSheet(kReadOnlyStyle);
     form->addRow(captions[i], bandFilter_[i]);
   }
   form->addRow(new QLabel(kBandFilterHint));
@@ -201,7 +207,7 @@ void ConditionsForm::MarkInvalid() {
   const std::vector<std::string> invalid = InvalidBoxes(engine_.Boxes);
   const auto mark = [&invalid](QLineEdit* box, const std::string& name) {
     const bool bad = std::find(invalid.begin(), invalid.end(), name) != invalid.end();
-    box->setStyleSheet(bad ? kInvalidStyle : "");
+    box->setStyleSheet(bad ? kInvalidStyle : box->isReadOnly() ? kReadOnlyStyle : "");
   };
   for (std::size_t i = 0; i < bandFilter_.size(); ++i) mark(bandFilter_[i], "txtBandFilter(" + std::to_string(i) + ")");
   for (std::size_t i = 0; i < iri_.size(); ++i) mark(iri_[i], "txt_IRI(" + std::to_string(i) + ")");

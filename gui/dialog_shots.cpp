@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QTabWidget>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -47,9 +48,20 @@ QStringList WriteDialogScreenshots(MainWindow& window, workbench::Workbench& ben
   // Nothing a picture shows may reach the project.
   const ListChange untouched = [](const std::function<bool()>&) { return false; };
 
+  // Tab 1 with one profile selected, its header in the boxes beside the list.
+  window.ShowTab(workbench::tab::Profile);
+  window.ListOf(workbench::tab::Profile)->selectRow(0);
+  const QString header = QDir(folder).filePath("dialog_profile_header.png");
+  if (!SavePng(window.grab(), header, error)) return {};
+  written << header;
+
   ConditionsDialog conditions(bench.Session());
   ConditionsForm conditionsForm(conditions, &window);
-  if (!shoot(conditionsForm, "conditions")) return {};
+  auto* pages = conditionsForm.findChild<QTabWidget*>("pages");
+  for (int page = 0; page < pages->count(); ++page) {
+    pages->setCurrentIndex(page);
+    if (!shoot(conditionsForm, QString("conditions_%1").arg(page + 1))) return {};
+  }
 
   QTemporaryDir scratch;
   const QString text = QDir(scratch.path()).filePath("profiles.csv");

@@ -63,6 +63,7 @@ ImportWizard::ImportWizard(workbench::Workbench& bench, std::string file, ListCh
 
   Show(LoadImportSettings(bench_.Session()));
   RefreshPreview();
+  boxes_[0]->setFocus();
   resize(760, 620);
 }
 
@@ -104,9 +105,9 @@ QWidget* ImportWizard::RangeBoxes() {
     grid->addWidget(boxes_[static_cast<std::size_t>(1 + 2 * r)], 2 + r, 1);
     grid->addWidget(new QLabel("～"), 2 + r, 2, Qt::AlignCenter);
     grid->addWidget(boxes_[static_cast<std::size_t>(2 + 2 * r)], 2 + r, 3);
-    grid->addWidget(new QLabel("省略時：1"), 2 + r, 4);
+    boxes_[static_cast<std::size_t>(1 + 2 * r)]->setPlaceholderText("省略時：1");
   }
-  grid->setColumnStretch(5, 1);
+  grid->setColumnStretch(4, 1);
   return group;
 }
 
@@ -156,6 +157,9 @@ void ImportWizard::RefreshPreview() {
     headings << (index < preview_.Heading.size() ? QString::fromStdString(preview_.Heading[index]) : QString::number(c));
   }
   grid_->setHorizontalHeaderLabels(headings);
+  // An empty end of the range is the grid's last row or column.
+  boxes_[2]->setPlaceholderText(QString::number(preview_.RowCount()));
+  boxes_[4]->setPlaceholderText(QString::number(preview_.Columns));
   for (int r = 1; r <= rows; ++r)
     for (int c = 1; c <= preview_.Columns; ++c)
       grid_->setItem(r - 1, c - 1, new QTableWidgetItem(QString::fromStdString(preview_.Cell(r, c))));

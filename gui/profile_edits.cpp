@@ -112,6 +112,7 @@ QWidget* ProfileEdits::HeaderBoxes() {
   grid->addWidget(elevationSide_, 1, 2);
   length_ = new QLabel;
   grid->addWidget(length_, 3, 2);
+  grid->setColumnMinimumWidth(2, length_->fontMetrics().horizontalAdvance("⇒ 距離：00000.00000(m)"));
 
   auto* kp = new QHBoxLayout;
   kpSense_ = Choices({"加算", "減算"}, "optKP", kp);

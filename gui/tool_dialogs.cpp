@@ -167,6 +167,15 @@ ToolForm CompositeForm(Session& session, const std::vector<ToolItem>& items) {
   QComboBox* csvUnit = Choice({"m", "km"}, "cboCSV単位");
   baseLayout->addRow("位置の単位", csvUnit);
   layout->addWidget(base);
+  // Only the boxes of the chosen kind of base are in force.
+  const auto choose = [baseProfile, file, browse, heading, csvUnit](bool csv) {
+    baseProfile->setEnabled(!csv);
+    for (QWidget* box : std::initializer_list<QWidget*>{file, browse, heading, csvUnit}) box->setEnabled(csv);
+  };
+  choose(false);
+  QObject::connect(kind, &QButtonGroup::idToggled, inputs, [choose](int id, bool on) {
+    if (on) choose(id == 1);
+  });
   QObject::connect(browse, &QPushButton::clicked, file, [&session, file] {
     FileDialogRequest request;
     request.Title = "CSVファイル";
