@@ -184,7 +184,8 @@ QPushButton* ConditionsForm::ColourButton(std::size_t index) {
 
 void ConditionsForm::Show() {
   const ConditionsBoxes& boxes = engine_.Boxes;
-  for (std::size_t i = 0; i < bandFilter_.size(); ++i) bandFilter_[i]->setText(QString::fromStdString(boxes.txtBandFilter[i]));
+  for (std::size_t i = 0; i < bandFilter_.size(); ++i)
+    bandFilter_[i]->setText(QString::fromStdString(boxes.txtBandFilter[i]));
   for (std::size_t i = 0; i < iri_.size(); ++i) iri_[i]->setText(QString::fromStdString(boxes.txt_IRI[i]));
   powerWeighting_[boxes.optIRI_PW == 0 ? 0 : 1]->setChecked(true);
   partialSections_[boxes.opt_IRI算出区間条件_しない ? 1 : 0]->setChecked(true);
@@ -200,7 +201,8 @@ void ConditionsForm::Take() {
   for (std::size_t i = 0; i < iri_.size(); ++i) boxes.txt_IRI[i] = iri_[i]->text().toStdString();
   boxes.optIRI_PW = powerWeighting_[1]->isChecked() ? 1 : 0;
   boxes.opt_IRI算出区間条件_しない = partialSections_[1]->isChecked();
-  for (std::size_t i = 0; i < bandLines_.size(); ++i) boxes.txt_バンド別低減ライン[i] = bandLines_[i]->text().toStdString();
+  for (std::size_t i = 0; i < bandLines_.size(); ++i)
+    boxes.txt_バンド別低減ライン[i] = bandLines_[i]->text().toStdString();
 }
 
 void ConditionsForm::MarkInvalid() {

@@ -21,7 +21,8 @@ bool WriteSampleText(const workbench::Workbench& bench, const QString& path) {
   if (!file.open(QIODevice::WriteOnly)) return false;
   constexpr std::ptrdiff_t kLines = 30;
   QStringList heading;
-  for (const ProfileRecord& profile : bench.List().Items) heading << QString::fromStdString(ProfileList::NameOf(profile));
+  for (const ProfileRecord& profile : bench.List().Items)
+    heading << QString::fromStdString(ProfileList::NameOf(profile));
   file.write((heading.join(",") + "\r\n").toLatin1());
   for (std::ptrdiff_t i = 1; i <= kLines; ++i) {
     QStringList cells;

@@ -154,7 +154,8 @@ void ImportWizard::RefreshPreview() {
   QStringList headings;
   for (int c = 1; c <= preview_.Columns; ++c) {
     const auto index = static_cast<std::size_t>(c - 1);
-    headings << (index < preview_.Heading.size() ? QString::fromStdString(preview_.Heading[index]) : QString::number(c));
+    headings << (index < preview_.Heading.size() ? QString::fromStdString(preview_.Heading[index])
+                                                 : QString::number(c));
   }
   grid_->setHorizontalHeaderLabels(headings);
   // An empty end of the range is the grid's last row or column.

@@ -46,9 +46,9 @@ class ImportWizard final : public QDialog {
   std::array<QCheckBox*, 5> delimiters_{};  // chk区切文字: カンマ, タブ, セミコロン, スペース, その他
   QLineEdit* otherText_ = nullptr;          // txtSep
   QCheckBox* header_ = nullptr;             // chkHeader
-  QCheckBox* titleFromHeader_ = nullptr;    // chkタイトル使用
-  std::array<QLineEdit*, 5> boxes_{};       // txt緒元: pitch, first and last row, first and last column
-  QTableWidget* grid_ = nullptr;            // ss
+  QCheckBox* titleFromHeader_ = nullptr;  // chkタイトル使用
+  std::array<QLineEdit*, 5> boxes_{};     // txt緒元: pitch, first and last row, first and last column
+  QTableWidget* grid_ = nullptr;          // ss
 };
 
 // Opens the wizard modally for one file; true when its profiles were registered.

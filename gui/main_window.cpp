@@ -152,7 +152,7 @@ void MainWindow::BuildMenu() {
     FileDialogRequest request;
     request.Title = "テキストファイル取込";
     request.Filter = "テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*";
-    OpenFiles(bench_.Session().Ui().OpenFiles(request));
+    TakeFiles(bench_.Session().Ui().OpenFiles(request));
   });
   QAction* quit = menu->addAction("終了");
   connect(quit, &QAction::triggered, this, &QWidget::close);
@@ -163,6 +163,12 @@ void MainWindow::BuildMenu() {
     connect(tools->addAction(toolCaptions[tool]), &QAction::triggered, this, [this, tool] { OpenTool(tool); });
   mode_ = menuBar()->addAction(QString::fromStdString(bench_.ModeCaption()));
   connect(mode_, &QAction::triggered, this, &MainWindow::ToggleMode);
+}
+
+void MainWindow::EditConditions() {
+  bench_.MnuConditions();
+  // A change of the conditions sets the tabs' inputs from them.
+  ShowTabInputs(tabs_);
 }
 
 void MainWindow::ToggleMode() {
@@ -227,7 +233,7 @@ bool MainWindow::ChangeProfiles(const std::function<bool()>& change, bool select
 
 // As "add profiles" takes files: the ERD files are registered together, delimited text files go
 // through the import wizard one at a time, and other kinds are left out.
-void MainWindow::OpenFiles(const std::vector<std::string>& paths) {
+void MainWindow::TakeFiles(const std::vector<std::string>& paths) {
   std::vector<std::string> profiles;
   std::vector<std::string> texts;
   for (const std::string& path : paths) {
@@ -245,7 +251,7 @@ void MainWindow::AddFilesFromDialog() {
   request.Title = "ERDファイル追加";
   request.Filter = "ERDファイル (*.ERD)|*.ERD|テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*";
   request.MultiSelect = true;
-  OpenFiles(bench_.Session().Ui().OpenFiles(request));
+  TakeFiles(bench_.Session().Ui().OpenFiles(request));
 }
 
 bool MainWindow::TabShown(int tab) const { return bench_.TabEnabled.at(static_cast<std::size_t>(tab)); }
@@ -303,7 +309,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-  OpenFiles(LocalFiles(event->mimeData()));
+  TakeFiles(LocalFiles(event->mimeData()));
   event->acceptProposedAction();
 }
 

@@ -38,7 +38,7 @@ class MainWindow final : public QMainWindow {
   // selected. The change's result; false without running it while a Go runs.
   bool ChangeProfiles(const std::function<bool()>& change, bool selectAll);
   // The menu's dialogs: 計算条件の設定 and mnuToolSub(tool), both modal.
-  void EditConditions() { bench_.MnuConditions(); }
+  void EditConditions();
   void OpenTool(int tool) { bench_.MnuTool(tool); }
   ProfileEdits* Edits() const { return profileEdits_; }
   // Enters a tab of the workbench (its index in the tab table); a tab of the other mode is not entered.
@@ -80,7 +80,7 @@ class MainWindow final : public QMainWindow {
   void BuildMenu();
   const Page* PageOf(int tab) const;
   void ShowTabsOfMode();
-  void OpenFiles(const std::vector<std::string>& paths);
+  void TakeFiles(const std::vector<std::string>& paths);
 
   workbench::Workbench& bench_;
   workbench::EngineBindings bindings_;

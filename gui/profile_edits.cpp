@@ -27,14 +27,15 @@ struct BoxPlace {
 };
 // Names and places of txt緒元(0..10): the names left, the numbers right.
 constexpr BoxPlace kPlaces[] = {
-    {0, "プロファイル名称", 0, 0}, {1, "高さ名称", 1, 0},  {2, "距離名称", 2, 0},    {3, "ピッチ", 3, 0},
-    {7, "始点 (KP)", 4, 0},        {5, "タイトル", 0, 1},  {8, "コメント", 1, 1},    {6, "チャンネル数", 2, 1},
-    {4, "データ件数", 3, 1},        {9, "ヘッダー情報", 5, 0}, {10, "データ件数", 5, 1},
+    {0, "プロファイル名称", 0, 0}, {1, "高さ名称", 1, 0},     {2, "距離名称", 2, 0},    {3, "ピッチ", 3, 0},
+    {7, "始点 (KP)", 4, 0},        {5, "タイトル", 0, 1},     {8, "コメント", 1, 1},    {6, "チャンネル数", 2, 1},
+    {4, "データ件数", 3, 1},       {9, "ヘッダー情報", 5, 0}, {10, "データ件数", 5, 1},
 };
 
 QString StyleOf(const BoxColours& colours) {
   if (colours.Back == kBoxNormalBack && colours.Fore == kBoxNormalFore) return {};
-  return QString("QLineEdit { background: %1; color: %2; }").arg(QtColour(colours.Back).name(), QtColour(colours.Fore).name());
+  return QString("QLineEdit { background: %1; color: %2; }")
+      .arg(QtColour(colours.Back).name(), QtColour(colours.Fore).name());
 }
 
 }  // namespace
@@ -140,8 +141,10 @@ std::vector<int> ProfileEdits::SelectedRows() const {
 void ProfileEdits::SelectionChanged() {
   const std::vector<int> rows = SelectedRows();
   shown_ = rows.size() == 1 ? rows.front() : 0;
-  if (shown_ > 0) bindings_.ShowProfile(shown_);
-  else bindings_.ProfileBoxes = ProfileTabBoxes{};
+  if (shown_ > 0)
+    bindings_.ShowProfile(shown_);
+  else
+    bindings_.ProfileBoxes = ProfileTabBoxes{};
   Fill();
   UpdateButtons();
 }
@@ -162,7 +165,8 @@ void ProfileEdits::Fill() {
 void ProfileEdits::PaintChecks() {
   ProfileTabBoxes& boxes = bindings_.ProfileBoxes;
   if (shown_ > 0) ChkDatColours(1, boxes);
-  for (std::size_t i = 0; i < boxes_.size(); ++i) boxes_[i]->setStyleSheet(shown_ > 0 ? StyleOf(boxes.Colours[i]) : QString());
+  for (std::size_t i = 0; i < boxes_.size(); ++i)
+    boxes_[i]->setStyleSheet(shown_ > 0 ? StyleOf(boxes.Colours[i]) : QString());
 }
 
 void ProfileEdits::UpdateButtons() {

@@ -58,7 +58,8 @@ struct ToolForm {
 
 ToolForm ReverseForm() {
   auto* inputs = new QLabel("選択したプロファイルの始点と終点を入れ替えます。");
-  return {"プロファイルの反転", inputs, [](const std::vector<ToolItem>& selected) { return ReverseProfiles(selected); }};
+  return {"プロファイルの反転", inputs,
+          [](const std::vector<ToolItem>& selected) { return ReverseProfiles(selected); }};
 }
 
 ToolForm HeightShiftForm(Session& session) {
@@ -124,7 +125,8 @@ ToolForm CutOutForm(Session& session) {
 
   auto* shortfall = new QGroupBox("不足データ処理");
   auto* fills = new QHBoxLayout(shortfall);
-  QButtonGroup* fill = Options({"行わない", "ゼロ埋め", "始めまたは、終りの値", "反転折り返し"}, "opt不足データ処理", inputs, fills);
+  QButtonGroup* fill =
+      Options({"行わない", "ゼロ埋め", "始めまたは、終りの値", "反転折り返し"}, "opt不足データ処理", inputs, fills);
   layout->addWidget(shortfall);
   layout->addWidget(new QLabel("※データ反転はされません。"));
   return {"プロファイル切出し", inputs,
@@ -189,8 +191,8 @@ ToolForm CompositeForm(Session& session, const std::vector<ToolItem>& items) {
   QButtonGroup* output = Options({"基準", "対象"}, "opt出力単位", inputs, pitches);
   layout->addWidget(pitch);
   return {"プロファイル合成", inputs,
-          [&session, items, kind, baseProfile, file, heading, csvUnit, output](const std::vector<ToolItem>& targets)
-              -> std::optional<std::vector<ToolOutput>> {
+          [&session, items, kind, baseProfile, file, heading, csvUnit,
+           output](const std::vector<ToolItem>& targets) -> std::optional<std::vector<ToolOutput>> {
             CompositeInput input;
             input.BaseIsCsv = kind->checkedId() == 1;
             const int index = baseProfile->currentIndex();

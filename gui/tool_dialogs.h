@@ -6,6 +6,7 @@
 #include <QListWidget>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 

@@ -27,8 +27,7 @@ bool Workbench::RemoveProfiles(const std::vector<int>& rows) {
   cmdProfileEdit(session_, list_, 4);
   if (list_.Count() == countBefore) return false;
   // From the last row up, as the list removed them.
-  for (auto it = gone.rbegin(); it != gone.rend(); ++it)
-    resultKeys_.erase(resultKeys_.begin() + (*it - 1));
+  for (auto it = gone.rbegin(); it != gone.rend(); ++it) resultKeys_.erase(resultKeys_.begin() + (*it - 1));
   // A tab keeps the rows it had selected that stay, under their new numbers.
   for (auto& selected : selection_) {
     std::vector<int> kept;

@@ -90,7 +90,8 @@ TEST_F(ConditionsFormTest, CancelAsksAboutAChangeAndDoesWhatTheAnswerSays) {
     bool StaysOpen;
     bool Stored;
   };
-  for (const Case c : {Case{MsgAnswer::Cancel, true, false}, Case{MsgAnswer::No, false, false}, Case{MsgAnswer::Yes, false, true}}) {
+  for (const Case c :
+       {Case{MsgAnswer::Cancel, true, false}, Case{MsgAnswer::No, false, false}, Case{MsgAnswer::Yes, false, true}}) {
     SCOPED_TRACE(static_cast<int>(c.Answer));
     ui.Log.clear();
     const double speed = session.CurrentConditions.Iri.Speed + 1;
@@ -117,6 +118,8 @@ TEST_F(ConditionsFormTest, CancelAsksAboutAChangeAndDoesWhatTheAnswerSays) {
 }
 
 TEST_F(ConditionsFormTest, TheMenuOpensItAndAStoredChangeMarksEveryTab) {
+  auto* longCut = window->findChild<QLineEdit*>("longCut");
+  longCut->setText("37");  // typed, not yet taken by a Go
   bench.TabDirty.fill(false);
   const double speed = session.CurrentConditions.Iri.Speed + 5;
   WithModal<ConditionsForm>([this] { window->EditConditions(); },
@@ -126,6 +129,9 @@ TEST_F(ConditionsFormTest, TheMenuOpensItAndAStoredChangeMarksEveryTab) {
                             });
   EXPECT_DOUBLE_EQ(session.CurrentConditions.Iri.Speed, speed);
   EXPECT_TRUE(std::all_of(bench.TabDirty.begin(), bench.TabDirty.end(), [](bool d) { return d; }));
+  // The tab's inputs are set from the conditions again, and the box shows what Go will take.
+  EXPECT_EQ(bench.Filter.LongCut, std::to_string(session.CurrentConditions.FilterLong));
+  EXPECT_EQ(longCut->text().toStdString(), bench.Filter.LongCut);
 }
 
 }  // namespace

@@ -22,9 +22,12 @@ class ImportWizardTest : public WindowFixture {
     return path.string();
   }
   std::unique_ptr<ImportWizard> Open(const std::string& file) {
-    return std::make_unique<ImportWizard>(bench, file, [this](const auto& change) { return window->ChangeProfiles(change, true); });
+    return std::make_unique<ImportWizard>(bench, file,
+                                          [this](const auto& change) { return window->ChangeProfiles(change, true); });
   }
-  static void Set(QWidget& wizard, const char* box, const QString& text) { wizard.findChild<QLineEdit*>(box)->setText(text); }
+  static void Set(QWidget& wizard, const char* box, const QString& text) {
+    wizard.findChild<QLineEdit*>(box)->setText(text);
+  }
   static void Tick(QWidget& wizard, const char* box, bool on) { wizard.findChild<QCheckBox*>(box)->setChecked(on); }
   std::vector<double> Samples(int row) const {
     const auto& elevation = bench.List().Items.at(row).Erd.Elevation;
@@ -40,7 +43,7 @@ TEST_F(ImportWizardTest, ThePreviewSplitsTheFileAtTheChosenDelimiters) {
   Tick(*wizard, "chk区切文字0", true);
   Tick(*wizard, "chk区切文字2", false);
   auto* grid = wizard->findChild<QTableWidget*>("ss");
-  EXPECT_EQ(grid->columnCount(), 1);  // no comma in the file: one cell a line
+  EXPECT_EQ(grid->columnCount(), 1);    // no comma in the file: one cell a line
   Tick(*wizard, "chk区切文字2", true);  // セミコロン
   Tick(*wizard, "chkHeader", true);
   ASSERT_EQ(grid->columnCount(), 2);
@@ -76,7 +79,8 @@ TEST_F(ImportWizardTest, ARangeOfRowsAndOneColumnGivesOneProfileNamedAfterTheFil
   auto wizard = Open(WriteText("runs.txt", "1,5\r\n2,6\r\n3,7\r\n4,8\r\n"));
   Tick(*wizard, "chk区切文字0", true);
   Tick(*wizard, "chkHeader", false);
-  for (const auto& [box, text] : {std::pair{"txt緒元0", "0.1"}, {"txt緒元1", "2"}, {"txt緒元2", "3"}, {"txt緒元3", "2"}, {"txt緒元4", "2"}})
+  for (const auto& [box, text] :
+       {std::pair{"txt緒元0", "0.1"}, {"txt緒元1", "2"}, {"txt緒元2", "3"}, {"txt緒元3", "2"}, {"txt緒元4", "2"}})
     Set(*wizard, box, text);
   ASSERT_EQ(wizard->Finish().size(), 1u);
   ASSERT_EQ(bench.ProfileCount(), 1);
@@ -116,7 +120,8 @@ TEST_F(ImportWizardTest, TheCheckRefusesBadBoxesWithTheWizardsMessages) {
 
 TEST_F(ImportWizardTest, AFileThatCannotBeReadIsNamedAndNoWizardOpens) {
   const std::string missing = (scratch / "nowhere.csv").string();
-  EXPECT_FALSE(RunImportWizard(bench, missing, [](const auto& change) { return change(); }, nullptr));
+  EXPECT_FALSE(RunImportWizard(
+      bench, missing, [](const auto& change) { return change(); }, nullptr));
   ASSERT_EQ(ui.Messages().size(), 1u);
   EXPECT_NE(ui.Messages().front().Text.find("nowhere.csv"), std::string::npos) << ui.Messages().front().Text;
   EXPECT_EQ(bench.ProfileCount(), 0);

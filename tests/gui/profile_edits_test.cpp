@@ -38,7 +38,8 @@ class ProfileEditsTest : public WindowFixture {
     QTableView* list = window->ListOf(tab::Profile);
     list->clearSelection();
     for (int row : rows)
-      list->selectionModel()->select(list->model()->index(row - 1, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+      list->selectionModel()->select(list->model()->index(row - 1, 0),
+                                     QItemSelectionModel::Select | QItemSelectionModel::Rows);
   }
   void Click(const char* name) { window->findChild<QPushButton*>(name)->click(); }
   // Types into a header box and leaves it, as Enter or a change of focus does.
@@ -52,7 +53,9 @@ class ProfileEditsTest : public WindowFixture {
       if (t != tab::Profile && !bench.TabDirty[static_cast<std::size_t>(t)]) return false;
     return true;
   }
-  bool AnyTabDirty() const { return std::any_of(bench.TabDirty.begin(), bench.TabDirty.end(), [](bool d) { return d; }); }
+  bool AnyTabDirty() const {
+    return std::any_of(bench.TabDirty.begin(), bench.TabDirty.end(), [](bool d) { return d; });
+  }
   QColor PanelOf(int row) const {
     return window->ListOf(tab::Profile)->model()->index(row - 1, 0).data(Qt::DecorationRole).value<QColor>();
   }
@@ -77,7 +80,8 @@ TEST_P(ListButtonTest, ChangesTheListAndMarksEveryTab) {
   QTableView* list = window->ListOf(tab::Profile);
   list->clearSelection();
   for (int row : c.Selected)
-    list->selectionModel()->select(list->model()->index(row - 1, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    list->selectionModel()->select(list->model()->index(row - 1, 0),
+                                   QItemSelectionModel::Select | QItemSelectionModel::Rows);
   const QColor firstPanel = PanelOf(1);
   bench.TabDirty.fill(false);
   ui.Inputs.assign(c.Inputs.begin(), c.Inputs.end());
@@ -99,7 +103,13 @@ TEST_P(ListButtonTest, ChangesTheListAndMarksEveryTab) {
 INSTANTIATE_TEST_SUITE_P(
     Buttons, ListButtonTest,
     ::testing::Values(
-        ListButtonCase{"rename", {2}, "cmdProfileEdit3", {"road_b2"}, {"road_a_kp", "road_b2", "road_c_rough"}, {1, 2, 3}, {"road_b.ERD"}},
+        ListButtonCase{"rename",
+                       {2},
+                       "cmdProfileEdit3",
+                       {"road_b2"},
+                       {"road_a_kp", "road_b2", "road_c_rough"},
+                       {1, 2, 3},
+                       {"road_b.ERD"}},
         ListButtonCase{"remove", {1, 3}, "cmdProfileEdit4", {}, {"road_b"}, {1}, {"road_a_kp.ERD", "road_c_rough.ERD"}},
         ListButtonCase{"down", {1}, "cmd上下移動1", {}, {"road_b", "road_a_kp", "road_c_rough"}, {1, 2, 3}, {}},
         ListButtonCase{"up", {3}, "cmd上下移動0", {}, {"road_a_kp", "road_c_rough", "road_b"}, {1, 2, 3}, {}}),
@@ -116,6 +126,33 @@ TEST_F(ProfileEditsTest, ARefusedOrCancelledButtonChangesNothing) {
   EXPECT_FALSE(AnyTabDirty());
   EXPECT_FALSE(window->findChild<QPushButton*>("cmd上下移動0")->isEnabled());  // the first row cannot go up
   EXPECT_TRUE(window->findChild<QPushButton*>("cmd上下移動1")->isEnabled());
+}
+
+TEST_F(ProfileEditsTest, AFileOfAListedNameReplacesItsProfileOnlyAfterAYes) {
+  // Another measurement under the name road_b: road_c_rough's 3000 samples at 0.1 m, where road_b
+  // has 5000 at 0.05 m.
+  const auto again = scratch / "again";
+  std::filesystem::create_directories(again);
+  std::filesystem::copy_file(Examples()[2], again / "road_b.erd");
+  const QAbstractItemModel* model = window->ListOf(tab::Profile)->model();
+  struct Case {
+    MsgAnswer Answer;
+    int Samples;
+    bool Replaced;
+  };
+  for (const Case c : {Case{MsgAnswer::No, 5000, false}, Case{MsgAnswer::Yes, 3000, true}}) {
+    SCOPED_TRACE(c.Answer == MsgAnswer::Yes ? "yes" : "no");
+    ui.Log.clear();
+    ui.Answers = {c.Answer};
+    bench.TabDirty.fill(false);
+    window->AddFiles({(again / "road_b.erd").string()});
+    ASSERT_EQ(ui.Messages().size(), 1u);
+    EXPECT_NE(ui.Messages().front().Text.find("置き換えますか？"), std::string::npos);
+    EXPECT_EQ(Names(), (QStringList{"road_a_kp", "road_b", "road_c_rough"}));
+    EXPECT_EQ(bench.List().Items.at(2).Erd.NumSamples, c.Samples);
+    EXPECT_EQ(model->index(1, ProfileTableModel::Samples).data().toInt(), c.Samples);
+    if (c.Replaced) EXPECT_TRUE(AnalysisTabsDirty());
+  }
 }
 
 TEST_F(ProfileEditsTest, TheHeaderBoxesShowTheOneSelectedProfile) {
@@ -179,7 +216,8 @@ TEST_F(ProfileEditsTest, ABadPitchOrKpStaysInItsWarningColourAndIsNotTaken) {
     const char* Text;
     Colour Warning;
   };
-  const Case cases[] = {{3, "abc", kBoxNotNumeric}, {3, "0", kBoxNotPositive}, {3, "", kBoxEmpty}, {7, "x1", kBoxNotNumeric}};
+  const Case cases[] = {
+      {3, "abc", kBoxNotNumeric}, {3, "0", kBoxNotPositive}, {3, "", kBoxEmpty}, {7, "x1", kBoxNotNumeric}};
   SelectOnTab1({1});
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.Text) + " in box " + std::to_string(c.Box));
@@ -189,7 +227,8 @@ TEST_F(ProfileEditsTest, ABadPitchOrKpStaysInItsWarningColourAndIsNotTaken) {
     EXPECT_DOUBLE_EQ(erd.StepSize, 0.1);
     EXPECT_DOUBLE_EQ(erd.KpStart, 12.3);
     EXPECT_FALSE(AnyTabDirty());
-    EXPECT_TRUE(edits->Box(c.Box)->styleSheet().contains(QtColour(c.Warning).name())) << edits->Box(c.Box)->styleSheet().toStdString();
+    EXPECT_TRUE(edits->Box(c.Box)->styleSheet().contains(QtColour(c.Warning).name()))
+        << edits->Box(c.Box)->styleSheet().toStdString();
     edits->Box(c.Box)->setText(c.Box == 3 ? "0.10000" : "12.30000");
   }
 }
