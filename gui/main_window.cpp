@@ -56,7 +56,7 @@ MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
   });
   bindings_.RunConditionsDialog = [this](ConditionsDialog& engine) { ConditionsForm(engine, this).exec(); };
   bench_.Hooks.OpenTool = [this](int tool, const Array1<ProfileRecord>&) {
-    const auto dialog = MakeToolDialog(tool, bench_, [this](const auto& change) { return ChangeProfiles(change, true); }, this);
+    const auto dialog = MakeToolDialog(tool, bench_, AddingProfiles(), this);
     if (dialog) dialog->exec();
   };
   BuildMenu();
@@ -165,6 +165,10 @@ void MainWindow::BuildMenu() {
   connect(mode_, &QAction::triggered, this, &MainWindow::ToggleMode);
 }
 
+ListChange MainWindow::AddingProfiles() {
+  return [this](const std::function<bool()>& change) { return ChangeProfiles(change, true); };
+}
+
 void MainWindow::EditConditions() {
   bench_.MnuConditions();
   // A change of the conditions sets the tabs' inputs from them.
@@ -243,7 +247,7 @@ void MainWindow::TakeFiles(const std::vector<std::string>& paths) {
   }
   if (!profiles.empty()) AddFiles(profiles);
   for (const std::string& text : texts)
-    RunImportWizard(bench_, text, [this](const auto& change) { return ChangeProfiles(change, true); }, this);
+    RunImportWizard(bench_, text, AddingProfiles(), this);
 }
 
 void MainWindow::AddFilesFromDialog() {

@@ -81,6 +81,8 @@ class MainWindow final : public QMainWindow {
   const Page* PageOf(int tab) const;
   void ShowTabsOfMode();
   void TakeFiles(const std::vector<std::string>& paths);
+  // A change that adds profiles: every list selects them all afterwards, as added files are.
+  ListChange AddingProfiles();
 
   workbench::Workbench& bench_;
   workbench::EngineBindings bindings_;
