@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "base/startup.h"
+#include "dialog_shots.h"
 #include "main_window.h"
 #include "qt_interaction.h"
 #include "screenshots.h"
@@ -64,7 +65,11 @@ int main(int argc, char** argv) {
   if (!added) return 1;  // the file and what is wrong with it have been said
 
   QString error;
-  const QStringList written = velmora::gui::WriteScreenshots(window, arguments.ScreenshotFolder, error);
+  QStringList written = velmora::gui::WriteScreenshots(window, arguments.ScreenshotFolder, error);
+  if (!written.isEmpty()) {
+    const QStringList dialogs = velmora::gui::WriteDialogScreenshots(window, bench, arguments.ScreenshotFolder, error);
+    written = dialogs.isEmpty() ? QStringList() : written + dialogs;
+  }
   if (written.isEmpty()) {
     std::cerr << error.toStdString() << '\n';
     return 1;

@@ -14,9 +14,14 @@
 
 #include <algorithm>
 
+#include "base/common.h"
+#include "base/path_helpers.h"
 #include "base/startup.h"
+#include "conditions_dialog.h"
+#include "import_wizard.h"
 #include "tab_charts.h"
 #include "tab_inputs_form.h"
+#include "tool_dialogs.h"
 
 namespace velmora::gui {
 namespace {
@@ -35,7 +40,7 @@ std::vector<std::string> LocalFiles(const QMimeData* data) {
 }  // namespace
 
 MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
-    : QMainWindow(parent), bench_(bench), model_(bench), go_(bench) {
+    : QMainWindow(parent), bench_(bench), bindings_(bench), model_(bench), go_(bench) {
   setWindowTitle(QString::fromStdString(bench_.WindowTitle));
   setAcceptDrops(true);
   tabs_ = new QTabWidget(this);
@@ -49,12 +54,18 @@ MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
     bench_.TabClick(page.Tab);
     Redraw(page);
   });
+  bindings_.RunConditionsDialog = [this](ConditionsDialog& engine) { ConditionsForm(engine, this).exec(); };
+  bench_.Hooks.OpenTool = [this](int tool, const Array1<ProfileRecord>&) {
+    const auto dialog = MakeToolDialog(tool, bench_, AddingProfiles(), this);
+    if (dialog) dialog->exec();
+  };
   BuildMenu();
   ShowTabsOfMode();
   resize(1200, 800);
 }
 
 MainWindow::~MainWindow() {
+  bench_.Hooks.OpenTool = nullptr;
   // The worker waits for its answers on this thread: let it finish before the window goes.
   go_.RequestStop();
   while (go_.Busy()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
@@ -92,7 +103,16 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   auto* left = new QWidget;
   auto* leftLayout = new QVBoxLayout(left);
   leftLayout->setContentsMargins(0, 0, 0, 0);
-  leftLayout->addWidget(page.List);
+  if (tab == tab::Profile) {
+    auto* listRow = new QHBoxLayout;
+    listRow->addWidget(page.List, 2);
+    profileEdits_ = new ProfileEdits(bench_, bindings_, page.List,
+                                     [this](const auto& change) { return ChangeProfiles(change, false); });
+    listRow->addWidget(profileEdits_, 3);
+    leftLayout->addLayout(listRow);
+  } else {
+    leftLayout->addWidget(page.List);
+  }
   if (QWidget* inputs = MakeTabInputs(bench_, tab)) leftLayout->addWidget(inputs);
   leftLayout->addLayout(buttons);
   auto* splitter = new QSplitter(tab == tab::Profile ? Qt::Vertical : Qt::Horizontal);
@@ -114,7 +134,7 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   }
   splitter->setStretchFactor(1, 1);
   if (tab != tab::Profile) splitter->setSizes({220, 980});
-  else splitter->setSizes({220, 560});
+  else splitter->setSizes({300, 480});
   tabs_->addTab(splitter, info.Caption);
 
   pages_.push_back(page);
@@ -127,10 +147,32 @@ void MainWindow::BuildMenu() {
   QAction* add = menu->addAction("ERD追加...");
   add->setShortcut(QKeySequence::Open);
   connect(add, &QAction::triggered, this, &MainWindow::AddFilesFromDialog);
+  QAction* import = menu->addAction("テキストファイル取込...");
+  connect(import, &QAction::triggered, this, [this] {
+    FileDialogRequest request;
+    request.Title = "テキストファイル取込";
+    request.Filter = "テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*";
+    TakeFiles(bench_.Session().Ui().OpenFiles(request));
+  });
   QAction* quit = menu->addAction("終了");
   connect(quit, &QAction::triggered, this, &QWidget::close);
+  connect(menuBar()->addAction("計算条件の設定"), &QAction::triggered, this, &MainWindow::EditConditions);
+  QMenu* tools = menuBar()->addMenu("ツール");
+  const char* toolCaptions[] = {"プロファイル合成", "プロファイル高さシフト", "プロファイル反転", "プロファイル切り出し"};
+  for (int tool = 0; tool < 4; ++tool)
+    connect(tools->addAction(toolCaptions[tool]), &QAction::triggered, this, [this, tool] { OpenTool(tool); });
   mode_ = menuBar()->addAction(QString::fromStdString(bench_.ModeCaption()));
   connect(mode_, &QAction::triggered, this, &MainWindow::ToggleMode);
+}
+
+ListChange MainWindow::AddingProfiles() {
+  return [this](const std::function<bool()>& change) { return ChangeProfiles(change, true); };
+}
+
+void MainWindow::EditConditions() {
+  bench_.MnuConditions();
+  // A change of the conditions sets the tabs' inputs from them.
+  ShowTabInputs(tabs_);
 }
 
 void MainWindow::ToggleMode() {
@@ -168,26 +210,52 @@ void MainWindow::Redraw(const Page& page) {
 }
 
 bool MainWindow::AddFiles(const std::vector<std::string>& paths) {
-  if (paths.empty() || go_.Busy()) return false;
+  if (paths.empty()) return false;
+  return ChangeProfiles([&] { return bench_.RegisterFiles(paths, true); }, true);
+}
+
+bool MainWindow::ChangeProfiles(const std::function<bool()>& change, bool selectAll) {
+  if (go_.Busy()) return false;
   model_.BeginListChange();
-  const bool ok = bench_.RegisterFiles(paths, true);
+  const bool changed = change();
   model_.EndListChange();
   filling_ = true;
   for (const Page& page : pages_) {
-    page.List->selectAll();
+    if (selectAll) {
+      page.List->selectAll();
+    } else {
+      QItemSelection rows;
+      for (int row : bench_.Selection(page.Tab)) rows.select(model_.index(row - 1, 0), model_.index(row - 1, 0));
+      page.List->selectionModel()->select(rows, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    }
     page.List->resizeColumnsToContents();
   }
   filling_ = false;
   for (const Page& page : pages_) Redraw(page);
-  return ok;
+  return changed;
+}
+
+// As "add profiles" takes files: the ERD files are registered together, delimited text files go
+// through the import wizard one at a time, and other kinds are left out.
+void MainWindow::TakeFiles(const std::vector<std::string>& paths) {
+  std::vector<std::string> profiles;
+  std::vector<std::string> texts;
+  for (const std::string& path : paths) {
+    const std::string extension = UCase(flGetExtension(path));
+    if (extension == "ERD") profiles.push_back(path);
+    else if (extension == "CSV" || extension == "TXT") texts.push_back(path);
+  }
+  if (!profiles.empty()) AddFiles(profiles);
+  for (const std::string& text : texts)
+    RunImportWizard(bench_, text, AddingProfiles(), this);
 }
 
 void MainWindow::AddFilesFromDialog() {
   FileDialogRequest request;
   request.Title = "ERDファイル追加";
-  request.Filter = "ERDファイル (*.ERD)|*.ERD|すべてのファイル (*.*)|*.*";
+  request.Filter = "ERDファイル (*.ERD)|*.ERD|テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*";
   request.MultiSelect = true;
-  AddFiles(bench_.Session().Ui().OpenFiles(request));
+  TakeFiles(bench_.Session().Ui().OpenFiles(request));
 }
 
 bool MainWindow::TabShown(int tab) const { return bench_.TabEnabled.at(static_cast<std::size_t>(tab)); }
@@ -245,7 +313,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-  AddFiles(LocalFiles(event->mimeData()));
+  TakeFiles(LocalFiles(event->mimeData()));
   event->acceptProposedAction();
 }
 

@@ -12,9 +12,11 @@
 #include <vector>
 
 #include "chart_view.h"
+#include "profile_edits.h"
 #include "profile_table_model.h"
 #include "tab_charts.h"
 #include "workbench/background_go.h"
+#include "workbench/engine_bindings.h"
 #include "workbench/workbench.h"
 
 namespace velmora::gui {
@@ -29,8 +31,16 @@ class MainWindow final : public QMainWindow {
   // Registers ERD files as "add profiles" does and selects every profile in every tab's list.
   // False when a file could not be registered (the engine has said why).
   bool AddFiles(const std::vector<std::string>& paths);
-  // The file dialog of "add profiles".
+  // The file dialog of "add profiles"; delimited text files among the chosen go to the import wizard.
   void AddFilesFromDialog();
+  // A change of the list's items (registration, import, a tool, an edit) with every tab's list refilled
+  // after it: with `selectAll` each list selects every profile, otherwise the rows the workbench keeps
+  // selected. The change's result; false without running it while a Go runs.
+  bool ChangeProfiles(const std::function<bool()>& change, bool selectAll);
+  // The menu's dialogs: 計算条件の設定 and mnuToolSub(tool), both modal.
+  void EditConditions();
+  void OpenTool(int tool) { bench_.MnuTool(tool); }
+  ProfileEdits* Edits() const { return profileEdits_; }
   // Enters a tab of the workbench (its index in the tab table); a tab of the other mode is not entered.
   void ShowTab(int tab);
   // Whether the tab is offered in the mode now (after start the PSD tab waits for two mode changes).
@@ -70,9 +80,14 @@ class MainWindow final : public QMainWindow {
   void BuildMenu();
   const Page* PageOf(int tab) const;
   void ShowTabsOfMode();
+  void TakeFiles(const std::vector<std::string>& paths);
+  // A change that adds profiles: every list selects them all afterwards, as added files are.
+  ListChange AddingProfiles();
 
   workbench::Workbench& bench_;
+  workbench::EngineBindings bindings_;
   ProfileTableModel model_;
+  ProfileEdits* profileEdits_ = nullptr;
   QTabWidget* tabs_ = nullptr;
   std::vector<Page> pages_;  // in the order of the tab control
   QAction* mode_ = nullptr;  // mnuBunseki, its caption the mode

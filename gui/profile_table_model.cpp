@@ -1,12 +1,10 @@
 #include "profile_table_model.h"
 
 #include "base/common.h"
+#include "qt_colour.h"
 
 namespace velmora::gui {
 namespace {
-
-// The row's colour panel: the list colours are 0xBBGGRR.
-QColor PanelColour(Colour colour) { return QColor(colour & 0xFF, (colour >> 8) & 0xFF, (colour >> 16) & 0xFF); }
 
 QString KpText(const ErdRecord& erd) {
   if (erd.KpStart == kNoValue) return {};
@@ -24,7 +22,7 @@ void ProfileTableModel::EndListChange() {
     const auto index = static_cast<std::size_t>(row - 1);
     rows_.push_back({QString::fromStdString(ProfileList::NameOf(profile)), QString::number(erd.StepSize, 'f', 3),
                      QString::number(erd.StepSize * (erd.NumSamples - 1), 'f', 2), KpText(erd), erd.NumSamples,
-                     index < panels.size() ? PanelColour(panels[index]) : QColor()});
+                     index < panels.size() ? QtColour(panels[index]) : QColor()});
   }
   endResetModel();
 }

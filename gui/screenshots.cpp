@@ -7,7 +7,6 @@
 #include "tab_charts.h"
 
 namespace velmora::gui {
-namespace {
 
 bool SavePng(const QPixmap& picture, const QString& path, QString& error) {
   QSaveFile file(path);
@@ -17,6 +16,8 @@ bool SavePng(const QPixmap& picture, const QString& path, QString& error) {
   }
   return true;
 }
+
+namespace {
 
 // The tab entered, its Go run (the PSD tab computes on entry) and the window written; the file's
 // path, or empty with the reason in `error`.

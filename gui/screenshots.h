@@ -6,6 +6,9 @@
 
 namespace velmora::gui {
 
+// Writes the picture as a PNG file, whole or not at all; false with the reason in `error`.
+bool SavePng(const QPixmap& picture, const QString& path, QString& error);
+
 // Enters each tab in turn, runs its Go (the PSD tab computes on entry) and writes the window as
 // "<folder>/<nn>_<tab>.png", each file whole or not at all. The files written, or an empty list
 // with the reason in `error`.

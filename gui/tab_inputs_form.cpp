@@ -10,9 +10,13 @@ namespace {
 
 namespace tab = workbench::tab;
 
+// The property of a text box that holds the address of its field.
+constexpr const char* kBoundField = "boundField";
+
 QLineEdit* TextBox(std::string& field, const QString& name) {
   auto* box = new QLineEdit(QString::fromStdString(field));
   box->setObjectName(name);
+  box->setProperty(kBoundField, QVariant::fromValue(static_cast<void*>(&field)));
   QObject::connect(box, &QLineEdit::textChanged, box, [&field](const QString& text) { field = text.toStdString(); });
   return box;
 }
@@ -71,6 +75,15 @@ QWidget* MakeTabInputs(workbench::Workbench& bench, int tab) {
     }
     case tab::Iri: return IriInputs(bench.Iri);
     default: return nullptr;
+  }
+}
+
+void ShowTabInputs(QWidget* root) {
+  for (QLineEdit* box : root->findChildren<QLineEdit*>()) {
+    const QVariant bound = box->property(kBoundField);
+    if (!bound.isValid()) continue;
+    const QString text = QString::fromStdString(*static_cast<const std::string*>(bound.value<void*>()));
+    if (box->text() != text) box->setText(text);
   }
 }
 

@@ -9,5 +9,8 @@ namespace velmora::gui {
 
 // The boxes of `tab` filled from the workbench (after FormLoad), or null for a tab without boxes.
 QWidget* MakeTabInputs(workbench::Workbench& bench, int tab);
+// The boxes under `root` show their fields again, after an operation (the conditions dialog) has set
+// the fields from the conditions.
+void ShowTabInputs(QWidget* root);
 
 }  // namespace velmora::gui

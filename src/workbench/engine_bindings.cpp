@@ -50,10 +50,11 @@ void EngineBindings::StoreBoxes(int row) {
   const double pitch = record.Erd.StepSize;
   const double kpStart = record.Erd.KpStart;
   const std::int32_t kpSign = record.Erd.KpSign;
+  const std::int32_t lane = record.Erd.Lane;
   StoreProfileTab(ProfileBoxes, record);
-  // A new pitch or KP changes every result drawn along the profile.
+  // A new pitch or KP (its start, sense or lane) changes every result drawn along the profile.
   if (!uNearlyEqual(record.Erd.StepSize, pitch) || !uNearlyEqual(record.Erd.KpStart, kpStart) ||
-      record.Erd.KpSign != kpSign)
+      record.Erd.KpSign != kpSign || record.Erd.Lane != lane)
     bench_.ProfileEdited(row);
 }
 

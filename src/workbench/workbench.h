@@ -128,6 +128,12 @@ class Workbench {
   // Delimited text into profiles (text import): the file's columns are checked against `options`
   // (a refusal says why), written as ERD files in TempPath and registered. The written files, or none.
   std::vector<std::string> ImportText(const std::string& file, const ImportOptions& options);
+  // The profile tab's list buttons (profile_list_edits.cpp): リネーム of one row, 登録解除 of rows, and
+  // ▲ (0) / ▼ (1) of one row. The results' keys and every tab's selection follow the rows, and every
+  // tab becomes dirty. False when nothing changed (cancelled, or the button is not enabled).
+  bool RenameProfile(int row);
+  bool RemoveProfiles(const std::vector<int>& rows);
+  bool MoveProfile(int row, int button);
   // Registers a profile already read (tools, the repair study's results); all tabs become dirty.
   void AddProfile(ProfileRecord record);
   // Replaces the working project by one that was read whole (a project file opened): its profiles

@@ -20,6 +20,7 @@
 #include "profile_table_model.h"
 #include "support/test_support.h"
 #include "gui/qt_app.h"
+#include "window_fixture.h"
 #include "tab_charts.h"
 
 namespace velmora::gui {
@@ -27,11 +28,6 @@ namespace {
 
 namespace tab = workbench::tab;
 using workbench::GoOutcome;
-
-std::vector<std::string> Examples() {
-  const auto dir = testing::SourceDir() / "examples";
-  return {(dir / "road_a_kp.erd").string(), (dir / "road_b.erd").string(), (dir / "road_c_rough.erd").string()};
-}
 
 // Share of the pixels in the middle of a chart that are not white: the axes' margins left out. A line
 // of text covers a few hundredths of it; curves with their grid many times more.
@@ -64,37 +60,13 @@ double ColourInPlotArea(const QImage& image) {
   return static_cast<double>(coloured) / (plot.width() * plot.height());
 }
 
-// The program's start-up with its shipped settings in a private scratch tree, the workbench loaded
-// and the window over it; the interaction records every text.
-class MainWindowTest : public ::testing::Test {
+class MainWindowTest : public WindowFixture {
  protected:
-  void SetUp() override {
-    TestApplication();
-    StartUpOptions options;
-    options.AppPathOverride = VELMORA_BIN_DIR;
-    options.ScratchRoot = (scratch / "user").string();
-    start = StartUp(session, options);
-    ASSERT_TRUE(start.MayGoOn);
-    bench.FormLoad();
-    window = std::make_unique<MainWindow>(bench);
-    window->show();
-    ui.Log.clear();
-  }
-
-  bool AddExamples() { return window->AddFiles(Examples()); }
-
   GoOutcome Go(int tab) {
     window->ShowTab(tab);
     if (!window->StartGo(tab)) return GoOutcome::Failed;
     return window->WaitForGo();
   }
-
-  testing::TempDir scratch;
-  testing::ScriptedUi ui;
-  Session session{ui};
-  StartUpResult start;
-  workbench::Workbench bench{session};
-  std::unique_ptr<MainWindow> window;
 };
 
 TEST_F(MainWindowTest, TheProfileListShowsTheHeadersOfTheExamples) {

@@ -1,0 +1,231 @@
+#include "conditions_dialog.h"
+
+#include <QButtonGroup>
+#include <QColorDialog>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <string>
+
+#include "qt_colour.h"
+
+namespace velmora::gui {
+namespace {
+
+constexpr const char* kIriCaptions[] = {"走行速度 (km/h)", "Ks/Ms", "Cs/Ms", "Mu/Ms", "Kt/Ms", "助走区間 (m)"};
+// A box the check refuses gets the invalid colours of the profile tab: white text on red.
+constexpr const char* kInvalidStyle = "QLineEdit { background: #ff0000; color: #ffffff; }";
+// The band-filter boxes show values that only the settings file changes.
+constexpr const char* kReadOnlyStyle = "QLineEdit { background: #eeeeee; color: #555555; }";
+
+QLineEdit* NumberBox(const QString& name) {
+  auto* box = new QLineEdit;
+  box->setObjectName(name);
+  box->setAlignment(Qt::AlignRight);
+  box->setMaximumWidth(120);
+  return box;
+}
+
+QLabel* Link(const QString& caption, const QString& name) {
+  auto* label = new QLabel("<a href=\"#\">" + caption + "</a>");
+  label->setObjectName(name);
+  label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+  return label;
+}
+
+QString PageName(ConditionsPage page) { return QString::number(static_cast<int>(page)); }
+
+}  // namespace
+
+ConditionsForm::ConditionsForm(ConditionsDialog& engine, QWidget* parent) : QDialog(parent), engine_(engine) {
+  setWindowTitle(kConditionsCaption);
+  auto* pages = new QTabWidget;
+  pages->setObjectName("pages");
+  pages->addTab(BandFilterPage(), kConditionsPageCaptions[0]);
+  pages->addTab(IriPage(), kConditionsPageCaptions[1]);
+  pages->addTab(RepairLinePage(), kConditionsPageCaptions[2]);
+  auto* buttons = new QDialogButtonBox;
+  QPushButton* ok = buttons->addButton("OK", QDialogButtonBox::AcceptRole);
+  ok->setObjectName("ok");
+  ok->setDefault(true);
+  QPushButton* cancel = buttons->addButton("キャンセル", QDialogButtonBox::RejectRole);
+  cancel->setObjectName("cancel");
+  connect(ok, &QPushButton::clicked, this, &ConditionsForm::Ok);
+  connect(cancel, &QPushButton::clicked, this, &ConditionsForm::reject);
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(pages);
+  layout->addWidget(buttons);
+  Show();
+  setMinimumWidth(560);
+}
+
+QWidget* ConditionsForm::BandFilterPage() {
+  auto* page = new QWidget;
+  auto* form = new QFormLayout(page);
+  const char* captions[] = {"長波長側カットオフ (m)", "短波長側カットオフ (m)"};
+  for (std::size_t i = 0; i < bandFilter_.size(); ++i) {
+    bandFilter_[i] = NumberBox(QString("txtBandFilter%1").arg(i));
+    bandFilter_[i]->setReadOnly(true);
+    bandFilter_[i]->setFocusPolicy(Qt::NoFocus);
+    bandFilter_[i]->setStyleSheet(kReadOnlyStyle);
+    form->addRow(captions[i], bandFilter_[i]);
+  }
+  form->addRow(new QLabel(kBandFilterHint));
+  return page;
+}
+
+QWidget* ConditionsForm::IriPage() {
+  auto* page = new QWidget;
+  auto* layout = new QVBoxLayout(page);
+  auto* form = new QFormLayout;
+  for (std::size_t i = 0; i < iri_.size(); ++i) {
+    iri_[i] = NumberBox(QString("txt_IRI%1").arg(i));
+    form->addRow(kIriCaptions[i], iri_[i]);
+  }
+  layout->addLayout(form);
+
+  auto* weighting = new QGroupBox("パワー重み付け");
+  auto* weightingRow = new QHBoxLayout(weighting);
+  auto* weightingGroup = new QButtonGroup(weighting);
+  const char* weightings[] = {"ARS", "RMS"};
+  for (std::size_t i = 0; i < powerWeighting_.size(); ++i) {
+    powerWeighting_[i] = new QRadioButton(weightings[i]);
+    powerWeighting_[i]->setObjectName(QString("optIRI_PW%1").arg(i));
+    weightingGroup->addButton(powerWeighting_[i]);
+    weightingRow->addWidget(powerWeighting_[i]);
+  }
+  weightingRow->addStretch();
+  layout->addWidget(weighting);
+
+  auto* partial = new QGroupBox(kPartialSectionQuestion);
+  auto* partialRow = new QHBoxLayout(partial);
+  auto* partialGroup = new QButtonGroup(partial);
+  for (std::size_t i = 0; i < partialSections_.size(); ++i) {
+    partialSections_[i] = new QRadioButton(kPartialSectionChoices[i]);
+    partialSections_[i]->setObjectName(QString("opt_IRI算出区間条件%1").arg(i));
+    partialGroup->addButton(partialSections_[i]);
+    partialRow->addWidget(partialSections_[i]);
+  }
+  partialRow->addStretch();
+  layout->addWidget(partial);
+  layout->addWidget(DefaultsLabels(ConditionsPage::Iri));
+  layout->addStretch();
+  return page;
+}
+
+QWidget* ConditionsForm::RepairLinePage() {
+  auto* page = new QWidget;
+  auto* layout = new QVBoxLayout(page);
+  auto* lines = new QGroupBox("バンド別低減ライン (mm)");
+  auto* grid = new QGridLayout(lines);
+  // Two columns of bands, the longest wave first.
+  for (std::size_t i = 0; i < bandLines_.size(); ++i) {
+    bandLines_[i] = NumberBox(QString("txt_バンド別低減ライン%1").arg(i));
+    const int row = static_cast<int>(i % 5);
+    const int column = static_cast<int>(i / 5) * 2;
+    grid->addWidget(new QLabel(QString("%1-Oct").arg(i + 1)), row, column);
+    grid->addWidget(bandLines_[i], row, column + 1);
+  }
+  layout->addWidget(lines);
+  layout->addWidget(DefaultsLabels(ConditionsPage::RepairLines));
+
+  auto* colours = new QGroupBox("表示色");
+  auto* colourForm = new QFormLayout(colours);
+  colourForm->addRow("低減ライン値", ColourButton(0));
+  colourForm->addRow("低減ライン値適用後", ColourButton(1));
+  layout->addWidget(colours);
+  layout->addWidget(DefaultsLabels(ConditionsPage::RepairColours));
+  layout->addStretch();
+  return page;
+}
+
+// The clickable pair under a group of boxes: the engine asks, then the boxes show what it did.
+QWidget* ConditionsForm::DefaultsLabels(ConditionsPage page) {
+  auto* pair = new QWidget;
+  auto* row = new QHBoxLayout(pair);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->addStretch();
+  QLabel* reset = Link(kResetLabel, "reset" + PageName(page));
+  QLabel* save = Link(kSaveLabel, "save" + PageName(page));
+  connect(reset, &QLabel::linkActivated, this, [this, page] {
+    Take();
+    if (engine_.ResetPage(page)) Show();
+  });
+  connect(save, &QLabel::linkActivated, this, [this, page] {
+    Take();
+    engine_.SavePage(page);
+  });
+  row->addWidget(reset);
+  row->addWidget(save);
+  return pair;
+}
+
+QPushButton* ConditionsForm::ColourButton(std::size_t index) {
+  auto* button = new QPushButton;
+  button->setObjectName(QString("cmd補修予測色%1").arg(index));
+  button->setFixedSize(80, 24);
+  colours_[index] = button;
+  connect(button, &QPushButton::clicked, this, [this, index] {
+    Take();
+    const QColor chosen = QColorDialog::getColor(QtColour(engine_.Boxes.cmd補修予測色[index]), this);
+    if (!chosen.isValid()) return;
+    engine_.Boxes.cmd補修予測色[index] = ProgramColour(chosen);
+    Show();
+  });
+  return button;
+}
+
+void ConditionsForm::Show() {
+  const ConditionsBoxes& boxes = engine_.Boxes;
+  for (std::size_t i = 0; i < bandFilter_.size(); ++i)
+    bandFilter_[i]->setText(QString::fromStdString(boxes.txtBandFilter[i]));
+  for (std::size_t i = 0; i < iri_.size(); ++i) iri_[i]->setText(QString::fromStdString(boxes.txt_IRI[i]));
+  powerWeighting_[boxes.optIRI_PW == 0 ? 0 : 1]->setChecked(true);
+  partialSections_[boxes.opt_IRI算出区間条件_しない ? 1 : 0]->setChecked(true);
+  for (std::size_t i = 0; i < bandLines_.size(); ++i)
+    bandLines_[i]->setText(QString::fromStdString(boxes.txt_バンド別低減ライン[i]));
+  for (std::size_t i = 0; i < colours_.size(); ++i)
+    colours_[i]->setStyleSheet("background: " + QtColour(boxes.cmd補修予測色[i]).name());
+  MarkInvalid();
+}
+
+void ConditionsForm::Take() {
+  ConditionsBoxes& boxes = engine_.Boxes;
+  for (std::size_t i = 0; i < iri_.size(); ++i) boxes.txt_IRI[i] = iri_[i]->text().toStdString();
+  boxes.optIRI_PW = powerWeighting_[1]->isChecked() ? 1 : 0;
+  boxes.opt_IRI算出区間条件_しない = partialSections_[1]->isChecked();
+  for (std::size_t i = 0; i < bandLines_.size(); ++i)
+    boxes.txt_バンド別低減ライン[i] = bandLines_[i]->text().toStdString();
+}
+
+void ConditionsForm::MarkInvalid() {
+  const std::vector<std::string> invalid = InvalidBoxes(engine_.Boxes);
+  const auto mark = [&invalid](QLineEdit* box, const std::string& name) {
+    const bool bad = std::find(invalid.begin(), invalid.end(), name) != invalid.end();
+    box->setStyleSheet(bad ? kInvalidStyle : box->isReadOnly() ? kReadOnlyStyle : "");
+  };
+  for (std::size_t i = 0; i < bandFilter_.size(); ++i) mark(bandFilter_[i], "txtBandFilter(" + std::to_string(i) + ")");
+  for (std::size_t i = 0; i < iri_.size(); ++i) mark(iri_[i], "txt_IRI(" + std::to_string(i) + ")");
+}
+
+void ConditionsForm::Ok() {
+  Take();
+  MarkInvalid();
+  if (engine_.Ok()) accept();
+}
+
+void ConditionsForm::reject() {
+  Take();
+  const bool closed = engine_.Close();
+  MarkInvalid();
+  if (closed) QDialog::reject();
+}
+
+}  // namespace velmora::gui
