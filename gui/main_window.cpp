@@ -9,12 +9,15 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QScrollArea>
+#include <QStatusBar>
 #include <QSplitter>
 #include <QVBoxLayout>
 
 #include <algorithm>
 
 #include "base/startup.h"
+#include "chart_readout.h"
+#include "m_wave_points.h"
 #include "tab_charts.h"
 #include "tab_inputs_form.h"
 
@@ -71,9 +74,15 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   for (int column = ProfileTableModel::Name + 1; !allColumns && column < ProfileTableModel::ColumnCount; ++column)
     page.List->hideColumn(column);
   // While a Go runs the worker writes into the records: the chart waits for the end of the Go.
-  page.Chart = new ChartView([this, tab](QSize size) {
-    return go_.Busy() ? QImage() : RenderTabChart(bench_, tab, bench_.Selection(tab), size);
+  page.Chart = new ChartView([this, tab](QSize size, graph::ChartWindow& window) {
+    return go_.Busy() ? QImage() : RenderTabChart(bench_, tab, bench_.Selection(tab), size, &window);
   });
+  page.Chart->SetReadout([this, tab](const std::optional<ChartPoint>& point) {
+    statusBar()->showMessage(point ? ReadoutText(bench_, tab, *point) : QString());
+  });
+  if (tab == tab::MediumWave)
+    page.Chart->SetHandles([this] { return AdjustmentHandles(bench_); },
+                           [this](const ChartHandle& point, double height) { MoveMWavePoint(point, height); });
 
   auto* buttons = new QHBoxLayout;
   if (tab == tab::Profile) {
@@ -214,7 +223,19 @@ void MainWindow::GoEnded(int tab, GoOutcome outcome) {
   lastOutcome_ = outcome;
   tabs_->setEnabled(true);
   menuBar()->setEnabled(true);
-  if (const Page* page = PageOf(tab)) Redraw(*page);
+  // The tab on screen may show what the Go made (the M-wave chart shows the ideal shape).
+  for (const Page& page : pages_)
+    if (page.Tab == tab || page.Chart->isVisible()) Redraw(page);
+}
+
+void MainWindow::MoveMWavePoint(const ChartHandle& point, double height) {
+  if (go_.Busy() || !MoveAdjustmentPoint(bench_, point.Id, height)) {
+    ChartOf(tab::MediumWave)->update();  // the point goes back where it was
+    return;
+  }
+  Redraw(*PageOf(tab::MediumWave));
+  const int row = AdjustedProfile(bench_);
+  if (bench_.List().Items.at(row).RepairStudy.IdealValid) StartGo(tab::IdealShape);
 }
 
 GoOutcome MainWindow::WaitForGo() {

@@ -54,8 +54,7 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
     length = std::fmax(length, ProfileLength(*p));
     top = std::fmax(top, ValueRange(Windows(*p, p->Analysis.Iri.IriWindowWave)).second);
   }
-  ChartPanel panel(canvas.Devices, canvas.Target, canvas.Surface, panels[0], {0, length, false, "距離 (m)", 8},
-                   {0, top, false, "IRI (mm/m)", 5}, canvas.Font);
+  ChartPanel panel = CanvasPanel(canvas, panels[0], {0, length, false, "距離 (m)", 8}, {0, top, false, "IRI (mm/m)", 5});
   panel.DrawAxes("IRI  (10m 連続 と 10/100/200m 区間)");
   std::vector<LegendEntry> legend;
   for (std::size_t i = 0; i < profiles.size(); ++i) {
@@ -83,8 +82,8 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
   double bandTop = 0;
   for (int band = 1; band <= 9; ++band)
     bandTop = std::fmax(bandTop, ValueRange(Windows(first, first.Analysis.Iri.IriWindowBand[static_cast<std::size_t>(band)])).second);
-  ChartPanel bandPanel(canvas.Devices, canvas.Target, canvas.Surface, panels[1], {0, length, false, "距離 (m)", 8},
-                       {0, bandTop, false, "IRI (mm/m)", 5}, canvas.Font);
+  ChartPanel bandPanel =
+      CanvasPanel(canvas, panels[1], {0, length, false, "距離 (m)", 8}, {0, bandTop, false, "IRI (mm/m)", 5});
   bandPanel.DrawAxes(fmt::format("{}  バンド別 IRI (10m 連続)", ProfileList::NameOf(first)));
   const std::vector<double> xs = WindowPositions(first);
   std::vector<LegendEntry> bandLegend;
@@ -126,20 +125,19 @@ void DrawPsdChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
   if (high <= 0) high = 1;
   // Ten decades below the peak is all a reader can tell apart; lower values would squeeze the rest.
   const double low = high * 1e-10;
-  ChartPanel panel(canvas.Devices, canvas.Target, canvas.Surface, canvas.Area,
-                   {wnLow, wnHigh, true, "波数 (cycle/m)", 5}, {low, high, true, "PSD (mm²/(cycle/m))", 5},
-                   canvas.Font);
+  ChartPanel panel = CanvasPanel(canvas, canvas.Area, {wnLow, wnHigh, true, "波数 (cycle/m)", 5},
+                                 {low, high, true, "PSD (mm²/(cycle/m))", 5});
   panel.DrawAxes("パワースペクトル密度");
 
   // ISO 8608 class boundaries: Gd(n) = Gd(n0) (n/n0)^-2 with n0 = 0.1 cycle/m, Gd(n0) = 32·4^k mm²/(cycle/m).
-  const double xs[] = {panel.XDivision().Low(), panel.XDivision().High()};
+  const double xs[] = {panel.XEnds().Low, panel.XEnds().High};
   for (int k = 0; k <= 7; ++k) {
     const double atN0 = 32 * std::pow(4.0, k);
     const double ys[] = {atN0 * std::pow(xs[0] / 0.1, -2), atN0 * std::pow(xs[1] / 0.1, -2)};
     if (k <= 6) panel.Line(xs, ys, {.Style = 2, .Color = 0xA0A0A0});  // class H has no upper bound
     const double labelN = xs[1] / 1.5;  // near the right edge, where the spectra have fallen away
     const double labelY = atN0 / 2 * std::pow(labelN / 0.1, -2);
-    if (labelY > panel.YDivision().Low() && labelY < panel.YDivision().High())
+    if (labelY > panel.YEnds().Low && labelY < panel.YEnds().High)
       canvas.Devices.drText(canvas.Target, panel.X(labelN), panel.Y(labelY), std::string(1, static_cast<char>('A' + k)),
                             {.Font = canvas.Font, .Color = 0x808080});
   }
