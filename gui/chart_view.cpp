@@ -106,8 +106,9 @@ void ChartView::paintEvent(QPaintEvent*) {
     const bool dragged = drag_ == Drag::Handle && handle.Id == dragged_.Id;
     const QPointF at(m.SurfaceX(handle.X), m.SurfaceY(dragged ? draggedY_ : handle.Y));
     if (!m.Contains(at.x(), at.y())) continue;
-    painter.setPen(QPen(QColor(0x60, 0x30, 0x00), 1.5));
-    painter.setBrush(dragged ? QColor(0xFF, 0x40, 0x00) : QColor(0xFF, 0xA0, 0x00));
+    // Apart from every curve's colour, so that a point stands out on the line through it.
+    painter.setPen(QPen(Qt::white, 1.5));
+    painter.setBrush(dragged ? QColor(0xD0, 0x00, 0x60) : QColor(0x30, 0x30, 0xA0));
     painter.drawEllipse(at, kHandleRadius, kHandleRadius);
   }
 }

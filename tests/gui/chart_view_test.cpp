@@ -230,6 +230,28 @@ TEST_F(ChartViewTest, ADraggedAdjustmentPointBecomesTheStudysThicknessAndMPrimeF
   EXPECT_NEAR(record.Studies[0].Thickness.at(point.Id), thickness - 10 * 40 / height, 1e-9);
 }
 
+TEST_F(ChartViewTest, OnceTheIdealShapeIsMadeAMovedPointMakesItAgainFromTheNewMPrime) {
+  window->ToggleMode();
+  for (int t : {tab::ThreeWave, tab::MediumWave, tab::ShortWave, tab::IdealShape}) ASSERT_EQ(Go(t), GoOutcome::Completed);
+  ChartView* chart = Shown(tab::MediumWave);
+  const int row = AdjustedProfile(bench);
+  const ProfileRecord& record = bench.List().Items.at(row);
+  const Array1<double> idealBefore = record.RepairStudy.IdealShape.Wave.Values;
+  const ChartHandle point = chart->Handles().at(chart->Handles().size() / 2);
+  const QPointF at = chart->HandlePosition(point);
+  ui.Inputs.push_back("ideal");
+  Drag(chart, at, at - QPointF(0, 30));
+  window->WaitForGo();
+  ASSERT_EQ(record.Studies.size(), 1u);
+  const double thickness = record.Studies[0].Thickness.at(point.Id);
+  ASSERT_GT(thickness, 0);  // upwards
+  // L + M' + S': at the point only M' has changed, by the thickness.
+  const auto index = static_cast<std::int32_t>(record.Studies[0].AdjPoints.at(point.Id));
+  EXPECT_TRUE(record.RepairStudy.IdealValid);
+  EXPECT_NEAR(record.RepairStudy.IdealShape.Wave.Values.at(index), idealBefore.at(index) + thickness, 1e-9);
+  EXPECT_FALSE(bench.TabDirty[tab::IdealShape]);
+}
+
 TEST_F(ChartViewTest, AStudyPointDragCancelledAtTheNameLeavesTheStudiesAlone) {
   window->ToggleMode();
   ASSERT_EQ(Go(tab::ThreeWave), GoOutcome::Completed);
