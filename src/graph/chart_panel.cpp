@@ -70,8 +70,9 @@ std::pair<double, double> ValueRange(std::span<const double> values) {
       low = high = v;
       any = true;
     }
-    low = std::fmin(low, v);
-    high = std::fmax(high, v);
+    // Plain comparisons: this pass runs over every sample of a long wave at each redraw.
+    if (v < low) low = v;
+    if (v > high) high = v;
   }
   return any ? std::pair{low, high} : std::pair{0.0, 1.0};
 }

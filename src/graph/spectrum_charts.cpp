@@ -44,6 +44,14 @@ std::span<const double> Windows(const ProfileRecord& p, const WaveSeries& wave) 
   return Samples(wave.Values, p.Analysis.Iri.IriWindowCount);
 }
 
+// A window series as a line. On screen a long one is drawn from its column envelope, so that a
+// redraw stays quick; pictures and pages written to files keep every point, as they always have.
+void WindowLine(const ChartCanvas& canvas, ChartPanel& panel, const ProfileRecord& p, const WaveSeries& wave,
+                const DrawOptions& pen) {
+  if (canvas.Window != nullptr) panel.Wave(FirstIriWindowAt(p), PitchOf(p), Windows(p, wave), pen);
+  else panel.Line(WindowPositions(p), Windows(p, wave), pen);
+}
+
 }  // namespace
 
 void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles, bool bands) {
@@ -60,8 +68,7 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
   for (std::size_t i = 0; i < profiles.size(); ++i) {
     const ProfileRecord& p = *profiles[i];
     const Colour colour = PaletteColour(canvas, i);
-    const std::vector<double> xs = WindowPositions(p);
-    panel.Line(xs, Windows(p, p.Analysis.Iri.IriWindowWave), {.Color = Lighter(colour)});
+    WindowLine(canvas, panel, p, p.Analysis.Iri.IriWindowWave, {.Color = Lighter(colour)});
     const SectionIri& sections = p.Analysis.Sections;
     const SectionSteps s10 = StepsOf(sections, sections.Sec10), s100 = StepsOf(sections, sections.Sec100),
                        s200 = StepsOf(sections, sections.Sec200);
@@ -85,11 +92,10 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
   ChartPanel bandPanel =
       CanvasPanel(canvas, panels[1], {0, length, false, "距離 (m)", 8}, {0, bandTop, false, "IRI (mm/m)", 5});
   bandPanel.DrawAxes(fmt::format("{}  バンド別 IRI (10m 連続)", ProfileList::NameOf(first)));
-  const std::vector<double> xs = WindowPositions(first);
   std::vector<LegendEntry> bandLegend;
   for (int band = 1; band <= 9; ++band) {
     const Colour colour = canvas.Bands[static_cast<std::size_t>(band)];
-    bandPanel.Line(xs, Windows(first, first.Analysis.Iri.IriWindowBand[static_cast<std::size_t>(band)]), {.Color = colour});
+    WindowLine(canvas, bandPanel, first, first.Analysis.Iri.IriWindowBand[static_cast<std::size_t>(band)], {.Color = colour});
     bandLegend.push_back({OctaveLabel(band), colour});
   }
   bandPanel.Legend(bandLegend);
