@@ -18,6 +18,7 @@
 #include "base/startup.h"
 #include "chart_readout.h"
 #include "m_wave_points.h"
+#include "study_choice.h"
 #include "tab_charts.h"
 #include "tab_inputs_form.h"
 
@@ -103,6 +104,10 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   leftLayout->setContentsMargins(0, 0, 0, 0);
   leftLayout->addWidget(page.List);
   if (QWidget* inputs = MakeTabInputs(bench_, tab)) leftLayout->addWidget(inputs);
+  if (tab == tab::MediumWave) {
+    leftLayout->addWidget(new QLabel("M波選択(検討対象)"));
+    leftLayout->addWidget(new StudyChoice(bench_, [this] { StudyChanged(); }));
+  }
   leftLayout->addLayout(buttons);
   auto* splitter = new QSplitter(tab == tab::Profile ? Qt::Vertical : Qt::Horizontal);
   splitter->addWidget(left);
@@ -233,9 +238,15 @@ void MainWindow::MoveMWavePoint(const ChartHandle& point, double height) {
     ChartOf(tab::MediumWave)->update();  // the point goes back where it was
     return;
   }
+  // The first drag made a study. (The list has no meta-object of its own: found by its name.)
+  if (auto* choice = dynamic_cast<StudyChoice*>(findChild<QComboBox*>("mWaveChoice"))) choice->Refill();
+  StudyChanged();
+}
+
+void MainWindow::StudyChanged() {
   Redraw(*PageOf(tab::MediumWave));
   const int row = AdjustedProfile(bench_);
-  if (bench_.List().Items.at(row).RepairStudy.IdealValid) StartGo(tab::IdealShape);
+  if (row != 0 && bench_.List().Items.at(row).RepairStudy.IdealValid) StartGo(tab::IdealShape);
 }
 
 GoOutcome MainWindow::WaitForGo() {

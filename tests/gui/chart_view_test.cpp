@@ -3,6 +3,7 @@
 // adjustment point of the M-wave chart dragged into the study; the study's and the band tab's boxes.
 #include <gtest/gtest.h>
 
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -16,6 +17,7 @@
 #include "base/startup.h"
 #include "gui/qt_app.h"
 #include "m_wave_points.h"
+#include "repair/study_targets.h"
 #include "main_window.h"
 #include "support/test_support.h"
 
@@ -228,6 +230,20 @@ TEST_F(ChartViewTest, ADraggedAdjustmentPointBecomesTheStudysThicknessAndMPrimeF
   Drag(chart, {pressX, dropY}, {pressX, dropY + 10});
   EXPECT_EQ(record.Studies.size(), 1u);
   EXPECT_NEAR(record.Studies[0].Thickness.at(point.Id), thickness - 10 * 40 / height, 1e-9);
+
+  // The study list names it after the calculated M', chosen; picking the first row goes back to that.
+  auto* choice = window->findChild<QComboBox*>("mWaveChoice");
+  ASSERT_NE(choice, nullptr);
+  ASSERT_EQ(choice->count(), 2);
+  EXPECT_EQ(choice->itemText(0).toStdString(), kStudyNoAdjustment);
+  EXPECT_EQ(choice->itemText(1), QString::fromUtf8("drag[厚]"));
+  EXPECT_EQ(choice->currentIndex(), 1);
+  const QImage withStudy = chart->Image();
+  emit choice->activated(0);
+  EXPECT_EQ(record.RepairStudy.ChosenStudy, 0);
+  EXPECT_NE(chart->Image(), withStudy);
+  ASSERT_FALSE(chart->Handles().empty());
+  EXPECT_EQ(chart->Handles()[before.size() / 2].Y, point.Y);  // the calculated point again
 }
 
 TEST_F(ChartViewTest, OnceTheIdealShapeIsMadeAMovedPointMakesItAgainFromTheNewMPrime) {
