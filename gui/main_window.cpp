@@ -175,6 +175,9 @@ void MainWindow::SelectionChanged(const Page& page) {
 
 void MainWindow::Redraw(const Page& page) {
   page.Chart->Refresh();
+  // The study list follows the profile shown and its studies. (It has no meta-object of its own.)
+  if (page.Tab == tab::MediumWave)
+    if (auto* choice = dynamic_cast<StudyChoice*>(findChild<QComboBox*>("mWaveChoice"))) choice->Refill();
   if (page.Shown == nullptr) return;
   const int row = ShownProfile(bench_, page.Tab, bench_.Selection(page.Tab));
   page.Shown->setText(row == 0 ? QString()
@@ -238,8 +241,6 @@ void MainWindow::MoveMWavePoint(const ChartHandle& point, double height) {
     ChartOf(tab::MediumWave)->update();  // the point goes back where it was
     return;
   }
-  // The first drag made a study. (The list has no meta-object of its own: found by its name.)
-  if (auto* choice = dynamic_cast<StudyChoice*>(findChild<QComboBox*>("mWaveChoice"))) choice->Refill();
   StudyChanged();
 }
 
