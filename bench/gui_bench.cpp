@@ -5,7 +5,10 @@
 
 #include <QTemporaryDir>
 
+#include <cmath>
+
 #include "base/startup.h"
+#include "synthetic_erd.h"
 #include "tab_charts.h"
 #include "workbench/workbench.h"
 
@@ -52,6 +55,57 @@ BENCHMARK(BM_TabChartImage)
     ->Arg(tab::Filter)
     ->Arg(tab::Octave)
     ->Arg(tab::Iri)
+    ->Unit(benchmark::kMillisecond);
+
+// One long road, 10^6 samples at 0.05 m (50 km), registered as a user opens it; each tab's Go runs the
+// first time the tab is asked for, as entering it would.
+struct MillionSampleBench {
+  MillionSampleBench() {
+    StartUpOptions options;
+    options.AppPathOverride = VELMORA_BIN_DIR;
+    options.ScratchRoot = scratch.path().toStdString();
+    ok = StartUp(session, options).MayGoOn;
+    const std::string file = scratch.filePath("long_road.erd").toStdString();
+    ok = ok && WriteERD(file, velmora::bench::SyntheticErd(1'000'000, 0.05, [](std::int32_t i) {
+           return 8 * std::sin(i * 0.0011) + 2 * std::sin(i * 0.031) + 0.5 * std::sin(i * 0.9);
+         }));
+    bench.FormLoad();
+    ok = ok && bench.RegisterFiles({file}, false);
+  }
+  bool Computed(int tab) {
+    bench.SelectAll(tab);
+    return ok && (tab == tab::Profile || HasTabResults(tab, bench.List().Items.at(1)) || bench.Go(tab));
+  }
+  QTemporaryDir scratch;
+  Session session;
+  workbench::Workbench bench{session};
+  bool ok = false;
+};
+
+MillionSampleBench& LongRoad() {
+  static auto* road = new MillionSampleBench;
+  return *road;
+}
+
+// A chart redraw on entering a tab with the long road; with arg 1, zoomed to a tenth of the road.
+void BM_MillionSampleChart(benchmark::State& state) {
+  const int tab = static_cast<int>(state.range(0));
+  MillionSampleBench& road = LongRoad();
+  if (!road.Computed(tab)) {
+    state.SkipWithError("the long road could not be computed");
+    return;
+  }
+  graph::ChartWindow window;
+  if (state.range(1) != 0) window.X = graph::AxisRange{20'000, 25'000};
+  const QSize size(1900, 1000);
+  for (auto _ : state) {
+    window.Panels.clear();
+    benchmark::DoNotOptimize(RenderTabChart(road.bench, tab, road.bench.Selection(tab), size, &window));
+  }
+}
+BENCHMARK(BM_MillionSampleChart)
+    ->ArgNames({"tab", "zoomed"})
+    ->ArgsProduct({{tab::Profile, tab::Filter, tab::Octave, tab::BandReduction, tab::Iri}, {0, 1}})
     ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QScrollArea>
+#include <QStatusBar>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -17,8 +18,11 @@
 #include "base/common.h"
 #include "base/path_helpers.h"
 #include "base/startup.h"
+#include "chart_readout.h"
 #include "conditions_dialog.h"
 #include "import_wizard.h"
+#include "m_wave_points.h"
+#include "study_choice.h"
 #include "tab_charts.h"
 #include "tab_inputs_form.h"
 #include "tool_dialogs.h"
@@ -82,9 +86,15 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   for (int column = ProfileTableModel::Name + 1; !allColumns && column < ProfileTableModel::ColumnCount; ++column)
     page.List->hideColumn(column);
   // While a Go runs the worker writes into the records: the chart waits for the end of the Go.
-  page.Chart = new ChartView([this, tab](QSize size) {
-    return go_.Busy() ? QImage() : RenderTabChart(bench_, tab, bench_.Selection(tab), size);
+  page.Chart = new ChartView([this, tab](QSize size, graph::ChartWindow& window) {
+    return go_.Busy() ? QImage() : RenderTabChart(bench_, tab, bench_.Selection(tab), size, &window);
   });
+  page.Chart->SetReadout([this, tab](const std::optional<ChartPoint>& point) {
+    statusBar()->showMessage(point ? ReadoutText(bench_, tab, *point) : QString());
+  });
+  if (tab == tab::MediumWave)
+    page.Chart->SetHandles([this] { return AdjustmentHandles(bench_); },
+                           [this](const ChartHandle& point, double height) { MoveMWavePoint(point, height); });
 
   auto* buttons = new QHBoxLayout;
   if (tab == tab::Profile) {
@@ -114,6 +124,10 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
     leftLayout->addWidget(page.List);
   }
   if (QWidget* inputs = MakeTabInputs(bench_, tab)) leftLayout->addWidget(inputs);
+  if (tab == tab::MediumWave) {
+    leftLayout->addWidget(new QLabel("M波選択(検討対象)"));
+    leftLayout->addWidget(new StudyChoice(bench_, [this] { StudyChanged(); }));
+  }
   leftLayout->addLayout(buttons);
   auto* splitter = new QSplitter(tab == tab::Profile ? Qt::Vertical : Qt::Horizontal);
   splitter->addWidget(left);
@@ -203,6 +217,9 @@ void MainWindow::SelectionChanged(const Page& page) {
 
 void MainWindow::Redraw(const Page& page) {
   page.Chart->Refresh();
+  // The study list follows the profile shown and its studies. (It has no meta-object of its own.)
+  if (page.Tab == tab::MediumWave)
+    if (auto* choice = dynamic_cast<StudyChoice*>(findChild<QComboBox*>("mWaveChoice"))) choice->Refill();
   if (page.Shown == nullptr) return;
   const int row = ShownProfile(bench_, page.Tab, bench_.Selection(page.Tab));
   page.Shown->setText(row == 0 ? QString()
@@ -282,7 +299,23 @@ void MainWindow::GoEnded(int tab, GoOutcome outcome) {
   lastOutcome_ = outcome;
   tabs_->setEnabled(true);
   menuBar()->setEnabled(true);
-  if (const Page* page = PageOf(tab)) Redraw(*page);
+  // The tab on screen may show what the Go made (the M-wave chart shows the ideal shape).
+  for (const Page& page : pages_)
+    if (page.Tab == tab || page.Chart->isVisible()) Redraw(page);
+}
+
+void MainWindow::MoveMWavePoint(const ChartHandle& point, double height) {
+  if (go_.Busy() || !MoveAdjustmentPoint(bench_, point.Id, height)) {
+    ChartOf(tab::MediumWave)->update();  // the point goes back where it was
+    return;
+  }
+  StudyChanged();
+}
+
+void MainWindow::StudyChanged() {
+  Redraw(*PageOf(tab::MediumWave));
+  const int row = AdjustedProfile(bench_);
+  if (row != 0 && bench_.List().Items.at(row).RepairStudy.IdealValid) StartGo(tab::IdealShape);
 }
 
 GoOutcome MainWindow::WaitForGo() {

@@ -77,6 +77,10 @@ class MainWindow final : public QMainWindow {
   void SelectionChanged(const Page& page);
   void Redraw(const Page& page);
   void GoEnded(int tab, workbench::GoOutcome outcome);
+  // An adjustment point of the M-wave chart dropped at a new height: the study follows, then the ideal shape.
+  void MoveMWavePoint(const ChartHandle& point, double height);
+  // The chosen study of the shown profile, or its M', has changed: the chart, then the ideal shape.
+  void StudyChanged();
   void BuildMenu();
   const Page* PageOf(int tab) const;
   void ShowTabsOfMode();

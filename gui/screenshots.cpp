@@ -30,6 +30,22 @@ QString Shoot(MainWindow& window, const TabPage& page, const QString& folder, QS
   return SavePng(window.grab(), path, error) ? path : QString();
 }
 
+// The profile chart zoomed to the middle fifth of its distance, as a rubber band over it leaves it.
+QString ShootZoomed(MainWindow& window, const QString& folder, QString& error) {
+  const TabPage& page = ProfilePage();
+  window.ShowTab(page.Index);
+  ChartView* chart = window.ChartOf(page.Index);
+  chart->Refresh();
+  if (chart->Window().Panels.empty()) return {};
+  const graph::AxisRange whole = chart->Window().Panels.front().X;
+  const double fifth = (whole.High - whole.Low) / 5;
+  chart->ZoomTo(0, {whole.Low + 2 * fifth, whole.Low + 3 * fifth});
+  const QString path = QDir(folder).filePath(QString("%1_%2_zoom.png").arg(page.Index, 2, 10, QChar('0')).arg(page.Slug));
+  const bool saved = SavePng(window.grab(), path, error);
+  chart->ResetZoom();
+  return saved ? path : QString();
+}
+
 }  // namespace
 
 QStringList WriteScreenshots(MainWindow& window, const QString& folder, QString& error) {
@@ -53,6 +69,8 @@ QStringList WriteScreenshots(MainWindow& window, const QString& folder, QString&
       written << path;
     }
   }
+  if (const QString zoomed = ShootZoomed(window, folder, error); !zoomed.isEmpty()) written << zoomed;
+  else if (!error.isEmpty()) return {};
   return written;
 }
 

@@ -110,7 +110,8 @@ int ShownProfile(const workbench::Workbench& bench, int tab, const std::vector<i
   return 0;
 }
 
-QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vector<int>& rows, QSize size) {
+QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vector<int>& rows, QSize size,
+                      graph::ChartWindow* window) {
   size = size.expandedTo(QSize(100, 100));
   std::vector<const ProfileRecord*> profiles;
   for (int row : rows) {
@@ -134,7 +135,8 @@ QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vec
                                   .Area = {16, 12, size.width() - 16.0, size.height() - 12.0},
                                   .Font = graph::FontSpec(),
                                   .Palette = session.Settings.PaletteProfile,
-                                  .Bands = session.CurrentConditions.BandColours};
+                                  .Bands = session.CurrentConditions.BandColours,
+                                  .Window = window};
   try {
     if (tab == Verification)
       graph::DrawCorrelationChart(canvas, verification.Selection.Names.at(0),

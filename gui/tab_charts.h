@@ -7,6 +7,7 @@
 
 #include <vector>
 
+#include "graph/chart_window.h"
 #include "workbench/workbench.h"
 
 namespace velmora::gui {
@@ -33,7 +34,9 @@ bool HasTabResults(int tab, const ProfileRecord& profile);
 int ShownProfile(const workbench::Workbench& bench, int tab, const std::vector<int>& rows);
 
 // The chart of `tab` for the rows (from 1) that hold its results, `size` in pixels; a white picture
-// with a line of text where there is nothing to draw yet.
-QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vector<int>& rows, QSize size);
+// with a line of text where there is nothing to draw yet. With `window`, in its ranges, and the
+// panels' places written into it.
+QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vector<int>& rows, QSize size,
+                      graph::ChartWindow* window = nullptr);
 
 }  // namespace velmora::gui

@@ -3,7 +3,11 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
+#include <QLabel>
 #include <QLineEdit>
+
+#include "base/common.h"
+#include "graph/charts.h"
 
 namespace velmora::gui {
 namespace {
@@ -63,6 +67,51 @@ QWidget* IriInputs(workbench::IriTabInputs& in) {
   return form;
 }
 
+// The nine limit lines of the octave bands (mm), [1..9]. A line that is not a number counts as no
+// limit; the box says so, so that a typing slip is not mistaken for a reduction.
+// `name` prefixes the boxes' names ("<name>Line<k>") and the notice's ("<name>LinesNotice").
+QWidget* LimitLines(std::array<std::string, 10>& lines, const QString& caption, const QString& name) {
+  auto* form = new QWidget;
+  auto* layout = new QFormLayout(form);
+  layout->addRow(new QLabel(caption));
+  auto* notice = new QLabel;
+  notice->setObjectName(name + "LinesNotice");
+  notice->setWordWrap(true);
+  notice->setStyleSheet("color: #b00000");
+  std::vector<QLineEdit*> boxes;
+  for (std::size_t k = 1; k <= 9; ++k) {
+    QLineEdit* box = TextBox(lines[k], QString("%1Line%2").arg(name).arg(k));
+    box->setMaximumWidth(90);
+    layout->addRow(QString::fromStdString(graph::OctaveLabel(static_cast<int>(k))), box);
+    boxes.push_back(box);
+  }
+  layout->addRow(notice);
+  const auto check = [notice, boxes] {
+    QStringList bad;
+    for (std::size_t k = 0; k < boxes.size(); ++k) {
+      const std::string text = Trim(boxes[k]->text().toStdString());
+      const bool numeric = text.empty() || IsNumeric(text);
+      boxes[k]->setStyleSheet(numeric ? QString() : "background: #ffe0e0");
+      if (!numeric) bad << QString::fromStdString(graph::OctaveLabel(static_cast<int>(k + 1)));
+    }
+    notice->setText(bad.isEmpty() ? QString() : bad.join("、") + " の値は数値ではありません。低減ラインなしとして計算されます。");
+  };
+  for (QLineEdit* box : boxes) QObject::connect(box, &QLineEdit::textChanged, notice, check);
+  check();
+  return form;
+}
+
+// Tab 10: the boundaries of the three waves and the IRI base length, for every step of the study.
+QWidget* ThreeWaveInputs(workbench::RepairTabInputs& in) {
+  auto* form = new QWidget;
+  auto* layout = new QFormLayout(form);
+  layout->addRow("長波側境界値 (m)", TextBox(in.Form.LongBoundary, "longBoundary"));
+  layout->addRow("短波側境界値 (m)", TextBox(in.Form.ShortBoundary, "shortBoundary"));
+  layout->addRow("IRI算出基準長 (m)", TextBox(in.Form.IriLength, "iriLength"));
+  layout->addRow(Tick(in.UsePlanRange, "補修計画範囲", "usePlanRange"));
+  return form;
+}
+
 }  // namespace
 
 QWidget* MakeTabInputs(workbench::Workbench& bench, int tab) {
@@ -74,6 +123,9 @@ QWidget* MakeTabInputs(workbench::Workbench& bench, int tab) {
       return form;
     }
     case tab::Iri: return IriInputs(bench.Iri);
+    case tab::BandReduction: return LimitLines(bench.Band.Lines, "低減ライン (mm)", "band");
+    case tab::ThreeWave: return ThreeWaveInputs(bench.Repair);
+    case tab::ShortWave: return LimitLines(bench.Repair.Form.Lines, "短波長 低減ライン (mm)", "short");
     default: return nullptr;
   }
 }

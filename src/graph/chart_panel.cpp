@@ -26,6 +26,31 @@ AxisDivision Divide(const AxisSpec& axis) {
   return autoScaleAxis(low, high, axis.Divisions);
 }
 
+// The values at the frame's edges: the outer ticks, or the zoomed range itself.
+AxisRange EndsOf(const AxisSpec& axis, const AxisDivision& division) {
+  if (!axis.Exact) return {division.Low(), division.High()};
+  return {std::fmin(axis.Min, axis.Max), std::fmax(axis.Min, axis.Max)};
+}
+
+double ToSurface(double value, const AxisRange& ends, bool log, double from, double to) {
+  const double t = log ? (Log10(value) - Log10(ends.Low)) / (Log10(ends.High) - Log10(ends.Low))
+                       : (value - ends.Low) / (ends.High - ends.Low);
+  // Weighted so that the axis ends land exactly on the frame: a value at the top is not clipped away.
+  return from * (1 - t) + to * t;
+}
+
+double FromSurface(double at, const AxisRange& ends, bool log, double from, double to) {
+  const double t = (at - from) / (to - from);
+  return log ? std::pow(10.0, Log10(ends.Low) + t * (Log10(ends.High) - Log10(ends.Low)))
+             : ends.Low + t * (ends.High - ends.Low);
+}
+
+// A tick of the division that the frame shows (a zoomed axis leaves the outer ones out).
+bool Within(const AxisRange& ends, double value) {
+  const double slack = 1e-9 * (ends.High - ends.Low);
+  return value >= ends.Low - slack && value <= ends.High + slack;
+}
+
 // The minor ticks of a decade: 2..9 times its power.
 std::vector<double> LogMinorTicks(const AxisDivision& division) {
   std::vector<double> ticks;
@@ -45,8 +70,9 @@ std::pair<double, double> ValueRange(std::span<const double> values) {
       low = high = v;
       any = true;
     }
-    low = std::fmin(low, v);
-    high = std::fmax(high, v);
+    // Plain comparisons: this pass runs over every sample of a long wave at each redraw.
+    if (v < low) low = v;
+    if (v > high) high = v;
   }
   return any ? std::pair{low, high} : std::pair{0.0, 1.0};
 }
@@ -64,6 +90,8 @@ ChartPanel::ChartPanel(DrawDevices& devices, Hdc hdc, const DrawSurface& surface
       font_(std::move(font)) {
   xDivision_ = Divide(xAxis_);
   yDivision_ = Divide(yAxis_);
+  xEnds_ = EndsOf(xAxis_, xDivision_);
+  yEnds_ = EndsOf(yAxis_, yDivision_);
   const double line = devices_.TextHeight(hdc_, font_);
   double widest = 0;
   for (double v : yDivision_.Values) widest = std::fmax(widest, devices_.TextWidth(hdc_, TickLabel(yAxis_, v), font_));
@@ -73,16 +101,18 @@ ChartPanel::ChartPanel(DrawDevices& devices, Hdc hdc, const DrawSurface& surface
             outer.Bottom - line - gap * 2 - (xAxis_.Title.empty() ? 0 : line + gap)};
 }
 
-double ChartPanel::Mapped(const AxisSpec& axis, const AxisDivision& division, double value, double from,
-                          double to) const {
-  const double t = axis.Log ? (Log10(value) - Log10(division.Low())) / (Log10(division.High()) - Log10(division.Low()))
-                            : (value - division.Low()) / (division.High() - division.Low());
-  // Weighted so that the axis ends land exactly on the frame: a value at the top is not clipped away.
-  return from * (1 - t) + to * t;
+double PanelMapping::XAt(double surfaceX) const { return FromSurface(surfaceX, X, XLog, Frame.Left, Frame.Right); }
+double PanelMapping::YAt(double surfaceY) const { return FromSurface(surfaceY, Y, YLog, Frame.Bottom, Frame.Top); }
+double PanelMapping::SurfaceX(double value) const { return ToSurface(value, X, XLog, Frame.Left, Frame.Right); }
+double PanelMapping::SurfaceY(double value) const { return ToSurface(value, Y, YLog, Frame.Bottom, Frame.Top); }
+bool PanelMapping::Contains(double surfaceX, double surfaceY) const {
+  return surfaceX >= Frame.Left && surfaceX <= Frame.Right && surfaceY >= Frame.Top && surfaceY <= Frame.Bottom;
 }
 
-double ChartPanel::X(double value) const { return Mapped(xAxis_, xDivision_, value, frame_.Left, frame_.Right); }
-double ChartPanel::Y(double value) const { return Mapped(yAxis_, yDivision_, value, frame_.Bottom, frame_.Top); }
+double ChartPanel::X(double value) const { return ToSurface(value, xEnds_, xAxis_.Log, frame_.Left, frame_.Right); }
+double ChartPanel::Y(double value) const { return ToSurface(value, yEnds_, yAxis_.Log, frame_.Bottom, frame_.Top); }
+bool ChartPanel::WithinX(double value) const { return Within(xEnds_, value); }
+bool ChartPanel::WithinY(double value) const { return Within(yEnds_, value); }
 
 void ChartPanel::DrawAxes(std::string_view caption, Colour background) {
   devices_.flBox(hdc_, frame_.Left, frame_.Top, frame_.Right, frame_.Bottom, {.Style = 5, .Fill = background});
@@ -91,23 +121,27 @@ void ChartPanel::DrawAxes(std::string_view caption, Colour background) {
   // Minor decade lines only while they stay apart; over many decades they would grey the panel.
   constexpr int kMostDecadesWithMinorLines = 5;
   if (xAxis_.Log && xDivision_.count() <= kMostDecadesWithMinorLines + 1)
-    for (double v : LogMinorTicks(xDivision_)) devices_.drLine(hdc_, X(v), frame_.Top, X(v), frame_.Bottom, minor);
+    for (double v : LogMinorTicks(xDivision_))
+      if (WithinX(v)) devices_.drLine(hdc_, X(v), frame_.Top, X(v), frame_.Bottom, minor);
   if (yAxis_.Log && yDivision_.count() <= kMostDecadesWithMinorLines + 1)
-    for (double v : LogMinorTicks(yDivision_)) devices_.drLine(hdc_, frame_.Left, Y(v), frame_.Right, Y(v), minor);
+    for (double v : LogMinorTicks(yDivision_))
+      if (WithinY(v)) devices_.drLine(hdc_, frame_.Left, Y(v), frame_.Right, Y(v), minor);
   const double line = devices_.TextHeight(hdc_, font_);
   const double gap = line * 0.4;
   const TextOptions label{.Font = font_, .Color = kFrame};
   for (double v : xDivision_.Values) {
+    if (!WithinX(v)) continue;
     devices_.drLine(hdc_, X(v), frame_.Top, X(v), frame_.Bottom, grid);
     const std::string text = TickLabel(xAxis_, v);
     devices_.drText(hdc_, X(v) - devices_.TextWidth(hdc_, text, font_) / 2, frame_.Bottom + gap, text, label);
   }
   for (double v : yDivision_.Values) {
+    if (!WithinY(v)) continue;
     devices_.drLine(hdc_, frame_.Left, Y(v), frame_.Right, Y(v), grid);
     const std::string text = TickLabel(yAxis_, v);
     devices_.drText(hdc_, frame_.Left - gap - devices_.TextWidth(hdc_, text, font_), Y(v) - line / 2, text, label);
   }
-  if (!yAxis_.Log && yDivision_.Low() < 0 && yDivision_.High() > 0)
+  if (!yAxis_.Log && yEnds_.Low < 0 && yEnds_.High > 0)
     devices_.drLine(hdc_, frame_.Left, Y(0), frame_.Right, Y(0), {.Color = 0x909090});
   devices_.drBox(hdc_, frame_.Left, frame_.Top, frame_.Right + ConvertPixel2User_forWidth(surface_, 1),
                  frame_.Bottom + ConvertPixel2User_forHeight(surface_, 1), {.Color = kFrame});
@@ -175,6 +209,16 @@ void ChartPanel::Line(std::span<const double> xs, std::span<const double> ys, co
 }
 
 void ChartPanel::Wave(double x0, double dx, std::span<const double> ys, const DrawOptions& pen) {
+  // Only the samples on the axis, and one beyond each end so that the line runs on to the frame.
+  if (dx > 0 && !xAxis_.Log) {
+    const auto index = [&](double x) { return std::clamp((x - x0) / dx, -1.0, static_cast<double>(ys.size())); };
+    const auto first = static_cast<std::size_t>(std::max(0.0, std::ceil(index(xEnds_.Low)) - 1));
+    const auto end = static_cast<std::size_t>(std::max(0.0, std::floor(index(xEnds_.High)) + 2));
+    const std::size_t stop = std::min(end, ys.size());
+    if (first >= stop) return;
+    x0 += static_cast<double>(first) * dx;
+    ys = ys.subspan(first, stop - first);
+  }
   const double pixels = frame_.Width() / ConvertPixel2User_forWidth(surface_, 1);
   if (static_cast<double>(ys.size()) <= 2 * pixels || xAxis_.Log) {
     std::vector<double> xs(ys.size());
@@ -182,7 +226,7 @@ void ChartPanel::Wave(double x0, double dx, std::span<const double> ys, const Dr
     Line(xs, ys, pen);
     return;
   }
-  const PolylinePoints envelope = ColumnEnvelope(x0, dx, ys, xDivision_.Low(), xDivision_.High(),
+  const PolylinePoints envelope = ColumnEnvelope(x0, dx, ys, xEnds_.Low, xEnds_.High,
                                                  std::max(1, static_cast<int>(pixels)));
   Line(envelope.X, envelope.Y, pen);
 }
@@ -200,7 +244,7 @@ void ChartPanel::Steps(std::span<const double> starts, std::span<const double> e
 }
 
 void ChartPanel::HorizontalRule(double y, const DrawOptions& pen) {
-  const double xs[] = {xDivision_.Low(), xDivision_.High()};
+  const double xs[] = {xEnds_.Low, xEnds_.High};
   const double ys[] = {y, y};
   Line(xs, ys, pen);
 }

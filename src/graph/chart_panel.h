@@ -26,6 +26,30 @@ struct AxisSpec {
   std::string Title{};
   int Divisions = 5;
   std::string LabelFormat{};  // number pattern of the tick labels; empty: chosen per value
+  // The axis ends at Min and Max themselves (a range a user zoomed to) instead of the enclosing
+  // ticks; only the ticks within are drawn.
+  bool Exact = false;
+};
+
+struct AxisRange {
+  double Low = 0;
+  double High = 1;
+  friend bool operator==(const AxisRange&, const AxisRange&) = default;
+};
+
+// Where a panel was drawn: its frame and the values at the frame's edges, so that a point of the
+// surface can be read back as the values the panel put there.
+struct PanelMapping {
+  Rect Frame;
+  AxisRange X, Y;
+  bool XLog = false, YLog = false;
+  // The value at a surface coordinate: the inverse of the panel's own mapping.
+  double XAt(double surfaceX) const;
+  double YAt(double surfaceY) const;
+  // Where a value lands on the surface, as the panel draws it.
+  double SurfaceX(double value) const;
+  double SurfaceY(double value) const;
+  bool Contains(double surfaceX, double surfaceY) const;
 };
 
 // The range of the finite values, ignoring the program's "no value"; {0, 1} when there are none.
@@ -49,6 +73,10 @@ class ChartPanel {
   const Rect& Frame() const { return frame_; }
   const AxisDivision& XDivision() const { return xDivision_; }
   const AxisDivision& YDivision() const { return yDivision_; }
+  // The values at the frame's edges.
+  const AxisRange& XEnds() const { return xEnds_; }
+  const AxisRange& YEnds() const { return yEnds_; }
+  PanelMapping Mapping() const { return {frame_, xEnds_, yEnds_, xAxis_.Log, yAxis_.Log}; }
   double X(double value) const;
   double Y(double value) const;
 
@@ -66,7 +94,8 @@ class ChartPanel {
   void Legend(const std::vector<LegendEntry>& entries);
 
  private:
-  double Mapped(const AxisSpec& axis, const AxisDivision& division, double value, double from, double to) const;
+  bool WithinX(double value) const;
+  bool WithinY(double value) const;
   void Segments(const std::vector<std::pair<double, double>>& points, const DrawOptions& pen);
 
   DrawDevices& devices_;
@@ -74,6 +103,7 @@ class ChartPanel {
   const DrawSurface& surface_;
   AxisSpec xAxis_, yAxis_;
   AxisDivision xDivision_, yDivision_;
+  AxisRange xEnds_, yEnds_;
   FontSpec font_;
   Rect frame_;
 };

@@ -11,6 +11,7 @@
 #include "evaluation/cross_correlation_kernel.h"
 #include "evaluation/statistics.h"
 #include "graph/chart_panel.h"
+#include "graph/chart_window.h"
 #include "profile/profile_record.h"
 
 namespace velmora::graph {
@@ -24,7 +25,12 @@ struct ChartCanvas {
   FontSpec Font{};
   std::vector<Colour> Palette{};   // one colour per profile, in list order, repeating
   std::array<Colour, 10> Bands{};  // [1..9] octave band colours
+  ChartWindow* Window = nullptr;   // on screen: the zoomed ranges, and the panels' places written back
 };
+
+// A panel of a chart on the canvas: in the ranges of the canvas' window when it has one, and
+// recorded in it.
+ChartPanel CanvasPanel(const ChartCanvas& canvas, const Rect& outer, AxisSpec x, AxisSpec y);
 
 Colour PaletteColour(const ChartCanvas& canvas, std::size_t index);
 // The octave's label and wavelength range as the print sheets show them ("１ ＯＣＴ", "(波長51.2～102.4m)").

@@ -32,9 +32,9 @@ void DrawCorrelationChart(const ChartCanvas& canvas, const std::string& baseName
     low = std::min(low, curveLow);
     high = std::max(high, curveHigh);
   }
-  ChartPanel panel(canvas.Devices, canvas.Target, canvas.Surface, canvas.Area,
-                   {-static_cast<double>(reach), static_cast<double>(reach), false, "ずらし量 (データ数)", 8, "0"},
-                   {low, high, false, "相互相関値", 5}, canvas.Font);
+  ChartPanel panel = CanvasPanel(canvas, canvas.Area,
+                                 {-static_cast<double>(reach), static_cast<double>(reach), false, "ずらし量 (データ数)", 8, "0"},
+                                 {low, high, false, "相互相関値", 5});
   panel.DrawAxes(fmt::format("相互相関 (基準: {})", baseName));
   std::vector<LegendEntry> legend;
   for (std::size_t i = 0; i < curves.size(); ++i) {

@@ -44,6 +44,14 @@ std::span<const double> Windows(const ProfileRecord& p, const WaveSeries& wave) 
   return Samples(wave.Values, p.Analysis.Iri.IriWindowCount);
 }
 
+// A window series as a line. On screen a long one is drawn from its column envelope, so that a
+// redraw stays quick; pictures and pages written to files keep every point, as they always have.
+void WindowLine(const ChartCanvas& canvas, ChartPanel& panel, const ProfileRecord& p, const WaveSeries& wave,
+                const DrawOptions& pen) {
+  if (canvas.Window != nullptr) panel.Wave(FirstIriWindowAt(p), PitchOf(p), Windows(p, wave), pen);
+  else panel.Line(WindowPositions(p), Windows(p, wave), pen);
+}
+
 }  // namespace
 
 void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles, bool bands) {
@@ -54,15 +62,13 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
     length = std::fmax(length, ProfileLength(*p));
     top = std::fmax(top, ValueRange(Windows(*p, p->Analysis.Iri.IriWindowWave)).second);
   }
-  ChartPanel panel(canvas.Devices, canvas.Target, canvas.Surface, panels[0], {0, length, false, "距離 (m)", 8},
-                   {0, top, false, "IRI (mm/m)", 5}, canvas.Font);
+  ChartPanel panel = CanvasPanel(canvas, panels[0], {0, length, false, "距離 (m)", 8}, {0, top, false, "IRI (mm/m)", 5});
   panel.DrawAxes("IRI  (10m 連続 と 10/100/200m 区間)");
   std::vector<LegendEntry> legend;
   for (std::size_t i = 0; i < profiles.size(); ++i) {
     const ProfileRecord& p = *profiles[i];
     const Colour colour = PaletteColour(canvas, i);
-    const std::vector<double> xs = WindowPositions(p);
-    panel.Line(xs, Windows(p, p.Analysis.Iri.IriWindowWave), {.Color = Lighter(colour)});
+    WindowLine(canvas, panel, p, p.Analysis.Iri.IriWindowWave, {.Color = Lighter(colour)});
     const SectionIri& sections = p.Analysis.Sections;
     const SectionSteps s10 = StepsOf(sections, sections.Sec10), s100 = StepsOf(sections, sections.Sec100),
                        s200 = StepsOf(sections, sections.Sec200);
@@ -83,14 +89,13 @@ void DrawIriChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
   double bandTop = 0;
   for (int band = 1; band <= 9; ++band)
     bandTop = std::fmax(bandTop, ValueRange(Windows(first, first.Analysis.Iri.IriWindowBand[static_cast<std::size_t>(band)])).second);
-  ChartPanel bandPanel(canvas.Devices, canvas.Target, canvas.Surface, panels[1], {0, length, false, "距離 (m)", 8},
-                       {0, bandTop, false, "IRI (mm/m)", 5}, canvas.Font);
+  ChartPanel bandPanel =
+      CanvasPanel(canvas, panels[1], {0, length, false, "距離 (m)", 8}, {0, bandTop, false, "IRI (mm/m)", 5});
   bandPanel.DrawAxes(fmt::format("{}  バンド別 IRI (10m 連続)", ProfileList::NameOf(first)));
-  const std::vector<double> xs = WindowPositions(first);
   std::vector<LegendEntry> bandLegend;
   for (int band = 1; band <= 9; ++band) {
     const Colour colour = canvas.Bands[static_cast<std::size_t>(band)];
-    bandPanel.Line(xs, Windows(first, first.Analysis.Iri.IriWindowBand[static_cast<std::size_t>(band)]), {.Color = colour});
+    WindowLine(canvas, bandPanel, first, first.Analysis.Iri.IriWindowBand[static_cast<std::size_t>(band)], {.Color = colour});
     bandLegend.push_back({OctaveLabel(band), colour});
   }
   bandPanel.Legend(bandLegend);
@@ -126,20 +131,19 @@ void DrawPsdChart(const ChartCanvas& canvas, std::span<const ProfileRecord* cons
   if (high <= 0) high = 1;
   // Ten decades below the peak is all a reader can tell apart; lower values would squeeze the rest.
   const double low = high * 1e-10;
-  ChartPanel panel(canvas.Devices, canvas.Target, canvas.Surface, canvas.Area,
-                   {wnLow, wnHigh, true, "波数 (cycle/m)", 5}, {low, high, true, "PSD (mm²/(cycle/m))", 5},
-                   canvas.Font);
+  ChartPanel panel = CanvasPanel(canvas, canvas.Area, {wnLow, wnHigh, true, "波数 (cycle/m)", 5},
+                                 {low, high, true, "PSD (mm²/(cycle/m))", 5});
   panel.DrawAxes("パワースペクトル密度");
 
   // ISO 8608 class boundaries: Gd(n) = Gd(n0) (n/n0)^-2 with n0 = 0.1 cycle/m, Gd(n0) = 32·4^k mm²/(cycle/m).
-  const double xs[] = {panel.XDivision().Low(), panel.XDivision().High()};
+  const double xs[] = {panel.XEnds().Low, panel.XEnds().High};
   for (int k = 0; k <= 7; ++k) {
     const double atN0 = 32 * std::pow(4.0, k);
     const double ys[] = {atN0 * std::pow(xs[0] / 0.1, -2), atN0 * std::pow(xs[1] / 0.1, -2)};
     if (k <= 6) panel.Line(xs, ys, {.Style = 2, .Color = 0xA0A0A0});  // class H has no upper bound
     const double labelN = xs[1] / 1.5;  // near the right edge, where the spectra have fallen away
     const double labelY = atN0 / 2 * std::pow(labelN / 0.1, -2);
-    if (labelY > panel.YDivision().Low() && labelY < panel.YDivision().High())
+    if (labelY > panel.YEnds().Low && labelY < panel.YEnds().High)
       canvas.Devices.drText(canvas.Target, panel.X(labelN), panel.Y(labelY), std::string(1, static_cast<char>('A' + k)),
                             {.Font = canvas.Font, .Color = 0x808080});
   }

@@ -51,8 +51,7 @@ void WavePanel(const ChartCanvas& canvas, const Rect& area, std::string_view cap
     const double reach = std::fmax(std::fabs(range.first), std::fabs(range.second));
     range = {-reach, reach};
   }
-  ChartPanel panel(canvas.Devices, canvas.Target, canvas.Surface, area, {0, length, false, xTitle, 8},
-                   {range.first, range.second, false, "mm", 4}, canvas.Font);
+  ChartPanel panel = CanvasPanel(canvas, area, {0, length, false, xTitle, 8}, {range.first, range.second, false, "mm", 4});
   panel.DrawAxes(caption, background);
   for (const WaveLine& line : lines) panel.Wave(0, line.Pitch, line.Values, line.Pen);
   for (const auto& rule : rules) panel.HorizontalRule(rule.first, rule.second);

@@ -32,8 +32,9 @@ PolylinePoints ColumnEnvelope(double x0, double dx, std::span<const double> y, d
       column = at;
       low = high = y[i];
     } else {
-      low = std::fmin(low, y[i]);
-      high = std::fmax(high, y[i]);
+      // The values are finite here: plain comparisons, in this loop over every sample.
+      if (y[i] < low) low = y[i];
+      if (y[i] > high) high = y[i];
     }
   }
   flush();
