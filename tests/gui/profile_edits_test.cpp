@@ -151,7 +151,9 @@ TEST_F(ProfileEditsTest, AFileOfAListedNameReplacesItsProfileOnlyAfterAYes) {
     EXPECT_EQ(Names(), (QStringList{"road_a_kp", "road_b", "road_c_rough"}));
     EXPECT_EQ(bench.List().Items.at(2).Erd.NumSamples, c.Samples);
     EXPECT_EQ(model->index(1, ProfileTableModel::Samples).data().toInt(), c.Samples);
-    if (c.Replaced) EXPECT_TRUE(AnalysisTabsDirty());
+    if (c.Replaced) {
+      EXPECT_TRUE(AnalysisTabsDirty());
+    }
   }
 }
 

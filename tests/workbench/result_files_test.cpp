@@ -98,7 +98,7 @@ TEST_F(AnalysisFilesTest, ChecksStopBeforeTheDialog) {
     const char* title;
   } cases[] = {
       {ExportKind::OctaveBand, {}, "バンド別表示が１個も指定されていません。\r\nファイル出力を中止します。", "警告"},
-      {ExportKind::PsdSmoothed, {.BandsPerOctave = 0}, "BandsPerOctave値はゼロより大きく指定してください。", "警告"},
+      {ExportKind::PsdSmoothed, {.Octaves = {}, .BandsPerOctave = 0}, "BandsPerOctave値はゼロより大きく指定してください。", "警告"},
       {ExportKind::OctaveBand, {.Octaves = {2}}, "該当する件数がありません。", "案内"},  // no octave results here
   };
   for (const auto& c : cases) {
