@@ -147,6 +147,17 @@ constexpr auto kPow10 = [] {
 
 // m · 10^k · 2^e rounded to an integer, ties to even, as a correctly rounded conversion rounds;
 // false when the exact product does not fit the 128-bit arithmetic or the result 64 bits.
+// 10^p for p = −kLowestPower .. 16, each correctly rounded (10^k is exact up to 10^22).
+constexpr int kLowestPower = 13;
+constexpr auto kPowersOfTen = [] {
+  std::array<double, kLowestPower + 17> powers{};
+  double exact = 1;
+  for (int k = 0; k <= 16; ++k, exact *= 10) powers[static_cast<std::size_t>(kLowestPower + k)] = exact;
+  exact = 10;
+  for (int k = 1; k <= kLowestPower; ++k, exact *= 10) powers[static_cast<std::size_t>(kLowestPower - k)] = 1 / exact;
+  return powers;
+}();
+
 constexpr auto kPow5 = [] {
   std::array<std::uint64_t, 28> powers{};
   powers[0] = 1;
@@ -186,9 +197,11 @@ bool AppendFixedDecimalsByIntegers(std::string& out, double value, int decimals)
   const auto bits = std::bit_cast<std::uint64_t>(magnitude);
   const std::uint64_t m = (bits & ((std::uint64_t{1} << 52) - 1)) | (std::uint64_t{1} << 52);
   const int e = static_cast<int>(bits >> 52) - 1075;
-  // point: the number of digits before the decimal point in d.ddd…·10^(point−1), estimated from
-  // 2^(e+52) <= magnitude and corrected below
+  // point: the number of digits before the decimal point in d.ddd…·10^(point−1), from 2^(e+52) <=
+  // magnitude and a comparison with the next power of ten; the loop below corrects the rare miss at
+  // a power of ten's rounding.
   int point = static_cast<int>(std::floor((e + 52) * 0.30102999566398120)) + 1;
+  if (magnitude >= kPowersOfTen[static_cast<std::size_t>(point + kLowestPower)]) ++point;
   std::uint64_t digits15 = 0;
   for (int attempt = 0;; ++attempt) {
     if (attempt == 3 || !ScaledRounded(m, e, 15 - point, digits15)) return false;
@@ -207,18 +220,17 @@ bool AppendFixedDecimalsByIntegers(std::string& out, double value, int decimals)
     const std::uint64_t dropped = kPow10[15 - keep];
     scaled = (digits15 + dropped / 2) / dropped;
   }
-  char text[24];
-  char* end = std::to_chars(text, text + sizeof text, scaled).ptr;
-  const int length = static_cast<int>(end - text);
-  if (length <= decimals) {
-    out += "0.";
-    out.append(static_cast<std::size_t>(decimals - length), '0');
-    out.append(text, end);
-  } else {
-    out.append(text, static_cast<std::size_t>(length - decimals));
-    out += '.';
-    out.append(end - decimals, end);
-  }
+  // Digits from the last decimal leftwards, the point after `decimals` of them, at least "0." before.
+  char text[48];
+  char* first = text + sizeof text;
+  int written = 0;
+  do {
+    if (written == decimals) *--first = '.';
+    *--first = static_cast<char>('0' + scaled % 10);
+    scaled /= 10;
+    ++written;
+  } while (scaled != 0 || written <= decimals);
+  out.append(first, text + sizeof text);
   return true;
 }
 
