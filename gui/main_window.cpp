@@ -14,7 +14,12 @@
 
 #include <algorithm>
 
+#include "base/path_helpers.h"
+#include "base/settings_io.h"
 #include "base/startup.h"
+#include "gui_settings.h"
+#include "output_tabs.h"
+#include "project_menu.h"
 #include "tab_charts.h"
 #include "tab_inputs_form.h"
 
@@ -38,6 +43,7 @@ MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
     : QMainWindow(parent), bench_(bench), model_(bench), go_(bench) {
   setWindowTitle(QString::fromStdString(bench_.WindowTitle));
   setAcceptDrops(true);
+  RestoreWindowSettings(bench_, *this);
   tabs_ = new QTabWidget(this);
   setCentralWidget(tabs_);
   AddPage(ProfilePage(), true);
@@ -49,9 +55,10 @@ MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
     bench_.TabClick(page.Tab);
     Redraw(page);
   });
+  AddOutputTabs(*this, bench_);
+  AddProjectMenu(*this, bench_);
   BuildMenu();
   ShowTabsOfMode();
-  resize(1200, 800);
 }
 
 MainWindow::~MainWindow() {
@@ -62,14 +69,9 @@ MainWindow::~MainWindow() {
 
 void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   const int tab = info.Index;
-  Page page{tab, new QTableView, nullptr, nullptr, nullptr};
-  page.List->setModel(&model_);
-  page.List->setSelectionBehavior(QAbstractItemView::SelectRows);
-  page.List->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  page.List->verticalHeader()->hide();
-  page.List->horizontalHeader()->setStretchLastSection(true);
-  for (int column = ProfileTableModel::Name + 1; !allColumns && column < ProfileTableModel::ColumnCount; ++column)
-    page.List->hideColumn(column);
+  Page page{tab, NewProfileList(), nullptr, nullptr, nullptr, {}};
+  for (int column = ProfileTableModel::Name + 1; allColumns && column < ProfileTableModel::ColumnCount; ++column)
+    page.List->showColumn(column);
   // While a Go runs the worker writes into the records: the chart waits for the end of the Go.
   page.Chart = new ChartView([this, tab](QSize size) {
     return go_.Busy() ? QImage() : RenderTabChart(bench_, tab, bench_.Selection(tab), size);
@@ -118,8 +120,40 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   tabs_->addTab(splitter, info.Caption);
 
   pages_.push_back(page);
+  WatchSelection(page);
+}
+
+QTableView* MainWindow::NewProfileList() {
+  auto* list = new QTableView;
+  list->setModel(&model_);
+  list->setSelectionBehavior(QAbstractItemView::SelectRows);
+  list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  list->verticalHeader()->hide();
+  list->horizontalHeader()->setStretchLastSection(true);
+  for (int column = ProfileTableModel::Name + 1; column < ProfileTableModel::ColumnCount; ++column) list->hideColumn(column);
+  return list;
+}
+
+void MainWindow::AddOwnPage(int tab, const QString& caption, QWidget* page, QTableView* list, QPushButton* go,
+                            std::function<void()> refresh) {
+  // In tab order among the analysis tabs; the study's tabs are never shown beside them.
+  const auto later = std::find_if(pages_.begin(), pages_.end(), [tab](const Page& p) {
+    return p.Tab > tab && workbench::TabTable()[static_cast<std::size_t>(p.Tab)].Group != workbench::TabGroup::Repair;
+  });
+  const int position = static_cast<int>(later - pages_.begin());
+  if (go != nullptr) {
+    go->setObjectName(QString::fromStdString(std::string(workbench::TabTable()[static_cast<std::size_t>(tab)].Go)));
+    connect(go, &QPushButton::clicked, this, [this, tab] { StartGo(tab); });
+  }
+  // The page is known before the tab control reports its new place.
+  pages_.insert(later, Page{tab, list, go, nullptr, nullptr, std::move(refresh)});
+  tabs_->insertTab(position, page, caption);
+  WatchSelection(pages_[static_cast<std::size_t>(position)]);
+}
+
+void MainWindow::WatchSelection(const Page& page) {
   connect(page.List->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-          [this, index = pages_.size() - 1] { SelectionChanged(pages_[index]); });
+          [this, tab = page.Tab] { SelectionChanged(*PageOf(tab)); });
 }
 
 void MainWindow::BuildMenu() {
@@ -127,8 +161,6 @@ void MainWindow::BuildMenu() {
   QAction* add = menu->addAction("ERD追加...");
   add->setShortcut(QKeySequence::Open);
   connect(add, &QAction::triggered, this, &MainWindow::AddFilesFromDialog);
-  QAction* quit = menu->addAction("終了");
-  connect(quit, &QAction::triggered, this, &QWidget::close);
   mode_ = menuBar()->addAction(QString::fromStdString(bench_.ModeCaption()));
   connect(mode_, &QAction::triggered, this, &MainWindow::ToggleMode);
 }
@@ -160,6 +192,10 @@ void MainWindow::SelectionChanged(const Page& page) {
 }
 
 void MainWindow::Redraw(const Page& page) {
+  if (page.Refresh) {
+    page.Refresh();
+    return;
+  }
   page.Chart->Refresh();
   if (page.Shown == nullptr) return;
   const int row = ShownProfile(bench_, page.Tab, bench_.Selection(page.Tab));
@@ -172,6 +208,11 @@ bool MainWindow::AddFiles(const std::vector<std::string>& paths) {
   model_.BeginListChange();
   const bool ok = bench_.RegisterFiles(paths, true);
   model_.EndListChange();
+  SelectEveryRow();
+  return ok;
+}
+
+void MainWindow::SelectEveryRow() {
   filling_ = true;
   for (const Page& page : pages_) {
     page.List->selectAll();
@@ -179,7 +220,15 @@ bool MainWindow::AddFiles(const std::vector<std::string>& paths) {
   }
   filling_ = false;
   for (const Page& page : pages_) Redraw(page);
-  return ok;
+}
+
+void MainWindow::ReplaceProject(const std::function<void()>& change) {
+  if (go_.Busy()) return;
+  model_.BeginListChange();
+  change();
+  model_.EndListChange();
+  SelectEveryRow();
+  setWindowTitle(QString::fromStdString(bench_.WindowTitle));
 }
 
 void MainWindow::AddFilesFromDialog() {
@@ -187,7 +236,12 @@ void MainWindow::AddFilesFromDialog() {
   request.Title = "ERDファイル追加";
   request.Filter = "ERDファイル (*.ERD)|*.ERD|すべてのファイル (*.*)|*.*";
   request.MultiSelect = true;
-  AddFiles(bench_.Session().Ui().OpenFiles(request));
+  // The folder of the last files added, as the program remembers it.
+  constexpr std::string_view kFolderKey = "ERDファイル追加";
+  request.InitialDirectory = GetPrevValue(bench_.Session(), "CommonDialogPath", kFolderKey);
+  const std::vector<std::string> files = bench_.Session().Ui().OpenFiles(request);
+  if (!files.empty()) SetPrevValue(bench_.Session(), "CommonDialogPath", kFolderKey, flGetPathName(files.front()));
+  AddFiles(files);
 }
 
 bool MainWindow::TabShown(int tab) const { return bench_.TabEnabled.at(static_cast<std::size_t>(tab)); }
@@ -237,6 +291,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     event->ignore();
     return;
   }
+  SaveWindowSettings(bench_, *this);
   event->accept();
 }
 
