@@ -1,12 +1,15 @@
 // Speed of the window's redraw: a tab's chart drawn into the picture the window shows, at the size
 // of a maximised window, for the three bundled examples after their Go. This is the work a resize
-// does once it settles, so it must stay well under the time a user notices (about 0.1 s).
+// does once it settles, so it must stay well under the time a user notices (about 0.1 s). Also the
+// print tab's preview: the first sheet of each pattern drawn into a picture at 144 dpi.
 #include <benchmark/benchmark.h>
 
 #include <QTemporaryDir>
 
 #include "base/startup.h"
+#include "graph/paper_size.h"
 #include "tab_charts.h"
+#include "tab_print.h"
 #include "workbench/workbench.h"
 
 namespace velmora::gui {
@@ -53,6 +56,19 @@ BENCHMARK(BM_TabChartImage)
     ->Arg(tab::Octave)
     ->Arg(tab::Iri)
     ->Unit(benchmark::kMillisecond);
+
+void BM_PrintPreview(benchmark::State& state) {
+  const auto sheet = static_cast<workbench::PrintSheet>(state.range(0));
+  ComputedBench computed(tab::Iri);
+  std::vector<int> rows{1, 2, 3};
+  if (!computed.ok || !workbench::ComputePrintSheet(computed.bench, sheet, rows)) {
+    state.SkipWithError("the examples could not be computed");
+    return;
+  }
+  const workbench::PrintBook book = workbench::MakePrintBook(computed.bench, sheet, rows, graph::DefaultPrintOptions(), false);
+  for (auto _ : state) benchmark::DoNotOptimize(PreviewPage(computed.session, book, graph::kPaperA4, 144));
+}
+BENCHMARK(BM_PrintPreview)->ArgName("pattern")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace velmora::gui

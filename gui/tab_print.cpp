@@ -97,6 +97,11 @@ PrintTabPage::PrintTabPage(MainWindow& window, workbench::Workbench& bench) : wi
   for (QComboBox* box : {patterns_, paper_})
     connect(box, &QComboBox::currentIndexChanged, this, [this] { print_->setEnabled(false); });
 
+  auto* readOptions = new QPushButton("プリントオプション読込...");
+  readOptions->setObjectName("printOptions");
+  connect(readOptions, &QPushButton::clicked, this, [this] { ChooseOptions(); });
+  optionsName_ = new QLabel("（既定値）");
+
   auto* left = new QWidget;
   auto* leftLayout = new QVBoxLayout(left);
   leftLayout->setContentsMargins(0, 0, 0, 0);
@@ -104,6 +109,7 @@ PrintTabPage::PrintTabPage(MainWindow& window, workbench::Workbench& bench) : wi
   auto* form = new QFormLayout;
   form->addRow("帳票", patterns_);
   form->addRow("用紙", paper_);
+  form->addRow(readOptions, optionsName_);
   form->addRow(queue_);
   leftLayout->addLayout(form);
   auto* buttons = new QHBoxLayout;
@@ -129,11 +135,36 @@ PrintSheet PrintTabPage::Sheet() const {
 
 int PrintTabPage::PaperCode() const { return graph::PaperCodeOf(paper_->currentText().toStdString()).value_or(graph::kPaperA4); }
 
+bool PrintTabPage::ChooseOptions() {
+  Session& session = bench_.Session();
+  FileDialogRequest request;
+  request.Title = "プリントオプション読込み";
+  request.Filter = "プリントオプション (*.prt)|*.prt|";
+  request.InitialDirectory = GetPrevValue(session, "CommonDialogPath", "プリントオプション読込みフォルダ");
+  const std::vector<std::string> chosen = session.Ui().OpenFiles(request);
+  if (chosen.empty()) return false;
+  SetPrevValue(session, "CommonDialogPath", "プリントオプション読込みフォルダ", flGetPathName(chosen.front()));
+  return UseOptions(chosen.front());
+}
+
+bool PrintTabPage::UseOptions(const std::filesystem::path& path) {
+  graph::PrintOptions read = graph::DefaultPrintOptions();
+  bool taken = false;
+  // A line the file cannot hold is an error naming the file and line, logged and shown.
+  Guarded(bench_.Session(), "frmPrinOption", "ReadPrintoption", [&] { taken = graph::ReadPrintoption(bench_.Session(), path, read); });
+  if (!taken) return false;
+  options_ = read;
+  optionsRead_ = true;
+  optionsName_->setText(QString::fromStdString(path.filename().string()));
+  print_->setEnabled(false);  // the page on show was made with the options before
+  return true;
+}
+
 bool PrintTabPage::Preview() {
   const std::vector<int> rows = bench_.Selection(tab::Print);
   if (rows.empty() || window_.GoBusy()) return false;
   if (!workbench::ComputePrintSheet(bench_, Sheet(), rows)) return false;
-  const workbench::PrintBook book = workbench::MakePrintBook(bench_, Sheet(), rows, graph::DefaultPrintOptions(), false);
+  const workbench::PrintBook book = workbench::MakePrintBook(bench_, Sheet(), rows, options_, optionsRead_);
   QImage page = PreviewPage(bench_.Session(), book, PaperCode(), 144);
   if (page.isNull()) return false;
   preview_->SetImage(std::move(page));
@@ -153,7 +184,7 @@ std::string PrintTabPage::Print() {
   const std::string target = session.Ui().SaveFile(request);
   if (target.empty()) return {};
   SetPrevValue(session, "CommonDialogPath", kFolderKey, flGetPathName(target));
-  const workbench::PrintBook book = workbench::MakePrintBook(bench_, Sheet(), shownRows_, graph::DefaultPrintOptions(), false);
+  const workbench::PrintBook book = workbench::MakePrintBook(bench_, Sheet(), shownRows_, options_, optionsRead_);
   if (!WritePdf(session, book, PaperCode(), target)) return {};
   if (!queue_->isChecked()) {
     session.Ui().Inform("PDFファイルを保存しました。\r\n\r\n保存先：" + target, "印刷", MsgIcon::Information);

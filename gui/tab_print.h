@@ -5,8 +5,11 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QImage>
+#include <QLabel>
 #include <QPushButton>
 #include <QWidget>
+
+#include <filesystem>
 
 #include "main_window.h"
 #include "workbench/print_book.h"
@@ -38,6 +41,10 @@ class PrintTabPage final : public QWidget {
   // cmdPrintOut: every page of the book on show into a PDF file the user names, and with
   // "プリンターへ送る" ticked to the print queue. The PDF written, or empty.
   std::string Print();
+  // The print options file (.prt) the sheets take their scales, header items and colours from:
+  // the file dialog, then the file read. False when cancelled or refused (the engine has said why).
+  bool ChooseOptions();
+  bool UseOptions(const std::filesystem::path& path);
   SheetPreview* PreviewWidget() const { return preview_; }
   QComboBox* Patterns() const { return patterns_; }
 
@@ -53,6 +60,9 @@ class PrintTabPage final : public QWidget {
   QCheckBox* queue_ = nullptr;
   SheetPreview* preview_ = nullptr;
   std::vector<int> shownRows_;  // the rows of the preview on show
+  graph::PrintOptions options_ = graph::DefaultPrintOptions();
+  bool optionsRead_ = false;  // a file gave them: its scales hold
+  QLabel* optionsName_ = nullptr;
 };
 
 PrintTabPage* AddPrintTab(MainWindow& window, workbench::Workbench& bench);

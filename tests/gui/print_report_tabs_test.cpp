@@ -99,6 +99,29 @@ TEST_F(OutputTabsTest, PrintWritesEveryPageIntoThePdfTheUserNames) {
   EXPECT_FALSE(fs::exists(pdf + ".partial"));
 }
 
+TEST_F(OutputTabsTest, APrintOptionsFileSetsTheSheetsAndAFileOfAnotherKindIsRefused) {
+  run->window->ShowTab(tab::Print);
+  ASSERT_TRUE(Print().Preview());
+  const QImage byDefault = Print().PreviewWidget()->Image();
+
+  const fs::path other = scratch / "other.prt";
+  std::ofstream(other, std::ios::binary) << "NOT AN OPTIONS FILE\r\n";
+  EXPECT_FALSE(Print().UseOptions(other));
+  testing::ExpectMessages(ui, {{"指定されたファイルはプリントオプションファイルではありません。"}});
+  ASSERT_TRUE(Print().Preview());
+  EXPECT_EQ(Print().PreviewWidget()->Image(), byDefault);  // the options in force stay
+
+  // Written by hand: fixed scales (profile -30..30 mm) and no statistics page.
+  ui.Log.clear();
+  ASSERT_TRUE(Print().UseOptions(testing::SourceDir() / "tests" / "data" / "print" / "written_by_hand.prt"));
+  ASSERT_TRUE(Print().Preview());
+  EXPECT_NE(Print().PreviewWidget()->Image(), byDefault);
+  const std::string pdf = (scratch / "fixed.pdf").string();
+  ui.Files.push_back({pdf});
+  ASSERT_EQ(Print().Print(), pdf);
+  EXPECT_EQ(PdfPages(testing::ReadBytes(pdf)), 3);
+}
+
 TEST_F(OutputTabsTest, ThePdfGoesToThePrintQueueOrTheUserIsToldThereIsNone) {
   run->window->ShowTab(tab::Print);
   run->window->findChild<QCheckBox*>("queue")->setChecked(true);
