@@ -57,13 +57,18 @@ QGroupBox* CheckGroup(const QString& title, const std::array<const char*, N>& na
   return group;
 }
 
+void ShowWords(QListWidget* list, const std::vector<std::string>& words) {
+  list->clear();
+  for (const std::string& word : words) list->addItem(QString::fromStdString(word));
+}
+
 // lst並順 with its ▲ and ▼: the words of an ordering list, most significant first.
 QWidget* OrderList(const QString& title, std::vector<std::string>& order, const QString& name) {
   auto* box = new QGroupBox(title);
   auto* layout = new QHBoxLayout(box);
   auto* list = new QListWidget;
   list->setObjectName(name);
-  for (const std::string& word : order) list->addItem(QString::fromStdString(word));
+  ShowWords(list, order);
   list->setMaximumHeight(90);
   auto* buttons = new QVBoxLayout;
   const auto move = [list, &order](int step) {
@@ -206,6 +211,13 @@ QWidget* StatisticsTabPage::MakeResults() {
 }
 
 void StatisticsTabPage::ShowResults() {
+  // A new or opened project puts the ordering lists back to their defaults.
+  for (const auto& [name, words] : {std::pair{"lst並順_pro", &bench_.StatisticsSortProfile}, std::pair{"lst並順_IRI", &bench_.StatisticsSortIri}}) {
+    auto* list = findChild<QListWidget*>(name);
+    std::vector<std::string> shown;
+    for (int i = 0; i < list->count(); ++i) shown.push_back(list->item(i)->text().toStdString());
+    if (shown != *words) ShowWords(list, *words);
+  }
   const StatisticsResults& results = bench_.Evaluation.Statistics.Results;
   for (std::size_t i = 0; i < models_.size(); ++i) {
     models_[i]->SetPage(results.Valid ? results.Pages[i] : StatisticsPage{});

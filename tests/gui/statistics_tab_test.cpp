@@ -131,6 +131,10 @@ TEST_F(StatisticsTabTest, TheOrderingButtonsMoveAWordAndTheDisplayMarksSurviveAR
   for (const char* button : {"lst並順_proUp", "lst並順_proUp", "lst並順_proUp"})
     run->window->findChild<QPushButton*>(button)->click();  // the third press finds the top and stays
   EXPECT_EQ(run->bench.StatisticsSortProfile, (std::vector<std::string>{"統計値", "プロファイル", "帯域"}));
+  // A new project starts from the default order, and the list shows it.
+  run->MenuItem("mnuFileSub0")->trigger();  // 新規作成
+  ASSERT_EQ(list->count(), 3);
+  EXPECT_EQ(list->item(0)->text().toStdString(), "プロファイル");
 
   Tick("chk統計値1");
   Tick("chk統計値4");
