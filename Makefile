@@ -43,7 +43,8 @@ gui: build
 	$(BUILD)/bin/velmora-gui examples/*.erd
 
 gui-shots: build
-	QT_QPA_PLATFORM=offscreen $(BUILD)/bin/velmora-gui --screenshots out/screenshots examples/*.erd
+	QT_QPA_PLATFORM=offscreen $(BUILD)/bin/velmora-gui --screenshots out/screenshots \
+	  --report-template examples/report/iri_report.xlsm examples/*.erd
 
 asan: deps
 	cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON -DVELMORA_BENCH=OFF

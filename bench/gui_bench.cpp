@@ -1,6 +1,7 @@
 // Speed of the window's redraw: a tab's chart drawn into the picture the window shows, at the size
 // of a maximised window, for the three bundled examples after their Go. This is the work a resize
-// does once it settles, so it must stay well under the time a user notices (about 0.1 s).
+// does once it settles, so it must stay well under the time a user notices (about 0.1 s). Also the
+// print tab's preview: the first sheet of each pattern drawn into a picture at 144 dpi.
 #include <benchmark/benchmark.h>
 
 #include <QTemporaryDir>
@@ -8,8 +9,10 @@
 #include <cmath>
 
 #include "base/startup.h"
+#include "graph/paper_size.h"
 #include "synthetic_erd.h"
 #include "tab_charts.h"
+#include "tab_print.h"
 #include "workbench/workbench.h"
 
 namespace velmora::gui {
@@ -107,6 +110,18 @@ BENCHMARK(BM_MillionSampleChart)
     ->ArgNames({"tab", "zoomed"})
     ->ArgsProduct({{tab::Profile, tab::Filter, tab::Octave, tab::BandReduction, tab::Iri}, {0, 1}})
     ->Unit(benchmark::kMillisecond);
+void BM_PrintPreview(benchmark::State& state) {
+  const auto sheet = static_cast<workbench::PrintSheet>(state.range(0));
+  ComputedBench computed(tab::Iri);
+  std::vector<int> rows{1, 2, 3};
+  if (!computed.ok || !workbench::ComputePrintSheet(computed.bench, sheet, rows)) {
+    state.SkipWithError("the examples could not be computed");
+    return;
+  }
+  const workbench::PrintBook book = workbench::MakePrintBook(computed.bench, sheet, rows, graph::DefaultPrintOptions(), false);
+  for (auto _ : state) benchmark::DoNotOptimize(PreviewPage(computed.session, book, graph::kPaperA4, 144));
+}
+BENCHMARK(BM_PrintPreview)->ArgName("pattern")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace velmora::gui

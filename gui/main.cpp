@@ -1,5 +1,6 @@
 // velmora-gui: the workbench in a desktop window. With --screenshots FOLDER FILE... it registers the
-// files, writes a picture of each tab after its Go and ends, without showing a dialog.
+// files, writes a picture of each tab after its Go and ends, without showing a dialog
+// (--report-template X.xlsm: the report tab's picture shows that template's parameters).
 #include <QApplication>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -18,6 +19,7 @@ namespace {
 struct Arguments {
   std::string CommandLine;  // what start-up reads (SWDEBUG)
   QString ScreenshotFolder;
+  QString ReportTemplate;
   std::vector<std::string> Files;
 };
 
@@ -25,6 +27,7 @@ Arguments Parse(const QStringList& words) {
   Arguments arguments;
   for (qsizetype i = 1; i < words.size(); ++i) {
     if (words[i] == "--screenshots" && i + 1 < words.size()) arguments.ScreenshotFolder = words[++i];
+    else if (words[i] == "--report-template" && i + 1 < words.size()) arguments.ReportTemplate = words[++i];
     else if (words[i].startsWith("-") || words[i] == "SWDEBUG") arguments.CommandLine += words[i].toStdString() + " ";
     else arguments.Files.push_back(words[i].toStdString());
   }
@@ -65,7 +68,7 @@ int main(int argc, char** argv) {
   if (!added) return 1;  // the file and what is wrong with it have been said
 
   QString error;
-  QStringList written = velmora::gui::WriteScreenshots(window, arguments.ScreenshotFolder, error);
+  QStringList written = velmora::gui::WriteScreenshots(window, arguments.ScreenshotFolder, arguments.ReportTemplate, error);
   if (!written.isEmpty()) {
     const QStringList dialogs = velmora::gui::WriteDialogScreenshots(window, bench, arguments.ScreenshotFolder, error);
     written = dialogs.isEmpty() ? QStringList() : written + dialogs;

@@ -17,11 +17,15 @@
 
 #include "base/common.h"
 #include "base/path_helpers.h"
+#include "base/settings_io.h"
 #include "base/startup.h"
 #include "chart_readout.h"
 #include "conditions_dialog.h"
+#include "gui_settings.h"
 #include "import_wizard.h"
 #include "m_wave_points.h"
+#include "output_tabs.h"
+#include "project_menu.h"
 #include "study_choice.h"
 #include "tab_charts.h"
 #include "tab_inputs_form.h"
@@ -47,6 +51,7 @@ MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
     : QMainWindow(parent), bench_(bench), bindings_(bench), model_(bench), go_(bench) {
   setWindowTitle(QString::fromStdString(bench_.WindowTitle));
   setAcceptDrops(true);
+  RestoreWindowSettings(bench_, *this);
   tabs_ = new QTabWidget(this);
   setCentralWidget(tabs_);
   AddPage(ProfilePage(), true);
@@ -63,9 +68,10 @@ MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
     const auto dialog = MakeToolDialog(tool, bench_, AddingProfiles(), this);
     if (dialog) dialog->exec();
   };
+  AddOutputTabs(*this, bench_);
+  AddProjectMenu(*this, bench_);
   BuildMenu();
   ShowTabsOfMode();
-  resize(1200, 800);
 }
 
 MainWindow::~MainWindow() {
@@ -77,14 +83,9 @@ MainWindow::~MainWindow() {
 
 void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   const int tab = info.Index;
-  Page page{tab, new QTableView, nullptr, nullptr, nullptr};
-  page.List->setModel(&model_);
-  page.List->setSelectionBehavior(QAbstractItemView::SelectRows);
-  page.List->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  page.List->verticalHeader()->hide();
-  page.List->horizontalHeader()->setStretchLastSection(true);
-  for (int column = ProfileTableModel::Name + 1; !allColumns && column < ProfileTableModel::ColumnCount; ++column)
-    page.List->hideColumn(column);
+  Page page{tab, NewProfileList(), nullptr, nullptr, nullptr, {}};
+  for (int column = ProfileTableModel::Name + 1; allColumns && column < ProfileTableModel::ColumnCount; ++column)
+    page.List->showColumn(column);
   // While a Go runs the worker writes into the records: the chart waits for the end of the Go.
   page.Chart = new ChartView([this, tab](QSize size, graph::ChartWindow& window) {
     return go_.Busy() ? QImage() : RenderTabChart(bench_, tab, bench_.Selection(tab), size, &window);
@@ -152,8 +153,40 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   tabs_->addTab(splitter, info.Caption);
 
   pages_.push_back(page);
+  WatchSelection(page);
+}
+
+QTableView* MainWindow::NewProfileList() {
+  auto* list = new QTableView;
+  list->setModel(&model_);
+  list->setSelectionBehavior(QAbstractItemView::SelectRows);
+  list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  list->verticalHeader()->hide();
+  list->horizontalHeader()->setStretchLastSection(true);
+  for (int column = ProfileTableModel::Name + 1; column < ProfileTableModel::ColumnCount; ++column) list->hideColumn(column);
+  return list;
+}
+
+void MainWindow::AddOwnPage(int tab, const QString& caption, QWidget* page, QTableView* list, QPushButton* go,
+                            std::function<void()> refresh) {
+  // In tab order among the analysis tabs; the study's tabs are never shown beside them.
+  const auto later = std::find_if(pages_.begin(), pages_.end(), [tab](const Page& p) {
+    return p.Tab > tab && workbench::TabTable()[static_cast<std::size_t>(p.Tab)].Group != workbench::TabGroup::Repair;
+  });
+  const int position = static_cast<int>(later - pages_.begin());
+  if (go != nullptr) {
+    go->setObjectName(QString::fromStdString(std::string(workbench::TabTable()[static_cast<std::size_t>(tab)].Go)));
+    connect(go, &QPushButton::clicked, this, [this, tab] { StartGo(tab); });
+  }
+  // The page is known before the tab control reports its new place.
+  pages_.insert(later, Page{tab, list, go, nullptr, nullptr, std::move(refresh)});
+  tabs_->insertTab(position, page, caption);
+  WatchSelection(pages_[static_cast<std::size_t>(position)]);
+}
+
+void MainWindow::WatchSelection(const Page& page) {
   connect(page.List->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-          [this, index = pages_.size() - 1] { SelectionChanged(pages_[index]); });
+          [this, tab = page.Tab] { SelectionChanged(*PageOf(tab)); });
 }
 
 void MainWindow::BuildMenu() {
@@ -168,8 +201,6 @@ void MainWindow::BuildMenu() {
     request.Filter = "テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*";
     TakeFiles(bench_.Session().Ui().OpenFiles(request));
   });
-  QAction* quit = menu->addAction("終了");
-  connect(quit, &QAction::triggered, this, &QWidget::close);
   connect(menuBar()->addAction("計算条件の設定"), &QAction::triggered, this, &MainWindow::EditConditions);
   QMenu* tools = menuBar()->addMenu("ツール");
   const char* toolCaptions[] = {"プロファイル合成", "プロファイル高さシフト", "プロファイル反転", "プロファイル切り出し"};
@@ -216,6 +247,10 @@ void MainWindow::SelectionChanged(const Page& page) {
 }
 
 void MainWindow::Redraw(const Page& page) {
+  if (page.Refresh) {
+    page.Refresh();
+    return;
+  }
   page.Chart->Refresh();
   // The study list follows the profile shown and its studies. (It has no meta-object of its own.)
   if (page.Tab == tab::MediumWave)
@@ -267,12 +302,22 @@ void MainWindow::TakeFiles(const std::vector<std::string>& paths) {
     RunImportWizard(bench_, text, AddingProfiles(), this);
 }
 
+void MainWindow::ReplaceProject(const std::function<void()>& change) {
+  if (ChangeProfiles([&] { change(); return true; }, true))
+    setWindowTitle(QString::fromStdString(bench_.WindowTitle));
+}
+
 void MainWindow::AddFilesFromDialog() {
   FileDialogRequest request;
   request.Title = "ERDファイル追加";
   request.Filter = "ERDファイル (*.ERD)|*.ERD|テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*";
   request.MultiSelect = true;
-  TakeFiles(bench_.Session().Ui().OpenFiles(request));
+  // The folder of the last files added, as the program remembers it.
+  constexpr std::string_view kFolderKey = "ERDファイル追加";
+  request.InitialDirectory = GetPrevValue(bench_.Session(), "CommonDialogPath", kFolderKey);
+  const std::vector<std::string> files = bench_.Session().Ui().OpenFiles(request);
+  if (!files.empty()) SetPrevValue(bench_.Session(), "CommonDialogPath", kFolderKey, flGetPathName(files.front()));
+  TakeFiles(files);
 }
 
 bool MainWindow::TabShown(int tab) const { return bench_.TabEnabled.at(static_cast<std::size_t>(tab)); }
@@ -338,6 +383,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     event->ignore();
     return;
   }
+  SaveWindowSettings(bench_, *this);
   event->accept();
 }
 

@@ -7,6 +7,7 @@
 #include <QTabWidget>
 #include <QTableView>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -60,6 +61,19 @@ class MainWindow final : public QMainWindow {
   QLabel* ShownOf(int tab) const;          // null for tabs that draw all selected profiles
   QTabWidget* Tabs() const { return tabs_; }
 
+  // A list of the registered profiles, as every tab shows it, for a page made elsewhere.
+  QTableView* NewProfileList();
+  // A page made elsewhere (statistics, report, print) placed among the analysis tabs in tab order:
+  // `list` (from NewProfileList) gives the tab's selection, `go` (may be null) starts its Go, and
+  // `refresh` shows its results after a Go or a change of its selection.
+  void AddOwnPage(int tab, const QString& caption, QWidget* page, QTableView* list, QPushButton* go,
+                  std::function<void()> refresh);
+  // The project was replaced under the lists (new, open): the lists, their selections (every row in
+  // every tab), the charts and the title follow the workbench. `change` runs between the list's reset marks.
+  void ReplaceProject(const std::function<void()>& change);
+  // The mode's tabs shown again (the workbench's TabEnabled may have changed).
+  void ShowTabsOfMode();
+
  protected:
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
@@ -72,6 +86,7 @@ class MainWindow final : public QMainWindow {
     QPushButton* Go = nullptr;
     ChartView* Chart = nullptr;
     QLabel* Shown = nullptr;  // per-profile charts: which profile is drawn
+    std::function<void()> Refresh;  // pages without a chart: how they show their results
   };
   void AddPage(const TabPage& info, bool allColumns);
   void SelectionChanged(const Page& page);
@@ -83,10 +98,10 @@ class MainWindow final : public QMainWindow {
   void StudyChanged();
   void BuildMenu();
   const Page* PageOf(int tab) const;
-  void ShowTabsOfMode();
   void TakeFiles(const std::vector<std::string>& paths);
   // A change that adds profiles: every list selects them all afterwards, as added files are.
   ListChange AddingProfiles();
+  void WatchSelection(const Page& page);
 
   workbench::Workbench& bench_;
   workbench::EngineBindings bindings_;

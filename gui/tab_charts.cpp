@@ -44,8 +44,11 @@ void DrawTab(const graph::ChartCanvas& canvas, int tab, std::span<const ProfileR
   }
 }
 
-// A cairo raster (premultiplied ARGB, native order) copied into an image of its own.
-QImage ImageOf(cairo_surface_t* raster) {
+}  // namespace
+
+QImage ImageOf(const graph::Picture& picture) {
+  // A cairo raster (premultiplied ARGB, native order) copied into an image of its own.
+  cairo_surface_t* raster = picture.Raster();
   cairo_surface_flush(raster);
   const int width = cairo_image_surface_get_width(raster);
   const int height = cairo_image_surface_get_height(raster);
@@ -61,8 +64,6 @@ QImage Notice(QSize size, const QString& text) {
   painter.drawText(image.rect(), Qt::AlignCenter | Qt::TextWordWrap, text);
   return image;
 }
-
-}  // namespace
 
 const std::vector<TabPage>& AnalysisPages() {
   static const std::vector<TabPage> pages{{Filter, "フィルター処理", true, "filter"},
@@ -110,6 +111,32 @@ int ShownProfile(const workbench::Workbench& bench, int tab, const std::vector<i
   return 0;
 }
 
+QImage RenderChart(const Session& session, QSize size, const std::function<void(const graph::ChartCanvas&)>& draw,
+                   graph::ChartWindow* window) {
+  size = size.expandedTo(QSize(100, 100));
+  graph::Picture picture(size.width(), size.height());
+  graph::DrawDevices devices;
+  const graph::Hdc hdc = devices.regHDCPicture(picture);
+  devices.flBox(hdc, 0, 0, size.width(), size.height(), {.Style = 5, .Fill = graph::kWhite});
+  const graph::ChartCanvas canvas{.Devices = devices,
+                                  .Target = hdc,
+                                  .Surface = picture.Surface,
+                                  .Area = {16, 12, size.width() - 16.0, size.height() - 12.0},
+                                  .Font = graph::FontSpec(),
+                                  .Palette = session.Settings.PaletteProfile,
+                                  .Bands = session.CurrentConditions.BandColours,
+                                  .Window = window};
+  try {
+    draw(canvas);
+  } catch (const std::invalid_argument& error) {  // data no axis can be divided over
+    return Notice(size, QString::fromStdString(error.what()));
+  } catch (const LegacyError& error) {
+    return Notice(size, QString::fromStdString(error.what()));
+  }
+  devices.releaseHDC(hdc);
+  return ImageOf(picture);
+}
+
 QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vector<int>& rows, QSize size,
                       graph::ChartWindow* window) {
   size = size.expandedTo(QSize(100, 100));
@@ -124,33 +151,17 @@ QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vec
   if (!drawable)
     return Notice(size, rows.empty() ? QStringLiteral("リストでプロファイルを選択してください。")
                                      : QStringLiteral("結果がありません。Go を押してください。"));
-  const Session& session = bench.Session();
-  graph::Picture picture(size.width(), size.height());
-  graph::DrawDevices devices;
-  const graph::Hdc hdc = devices.regHDCPicture(picture);
-  devices.flBox(hdc, 0, 0, size.width(), size.height(), {.Style = 5, .Fill = graph::kWhite});
-  const graph::ChartCanvas canvas{.Devices = devices,
-                                  .Target = hdc,
-                                  .Surface = picture.Surface,
-                                  .Area = {16, 12, size.width() - 16.0, size.height() - 12.0},
-                                  .Font = graph::FontSpec(),
-                                  .Palette = session.Settings.PaletteProfile,
-                                  .Bands = session.CurrentConditions.BandColours,
-                                  .Window = window};
-  try {
-    if (tab == Verification)
-      graph::DrawCorrelationChart(canvas, verification.Selection.Names.at(0),
-                                  graph::CorrelationCurves(bench.Session(), bench.List(), verification,
-                                                           bench.Session().CurrentConditions.Iri));
-    else
-      DrawTab(canvas, tab, profiles, bench);
-  } catch (const std::invalid_argument& error) {  // data no axis can be divided over
-    return Notice(size, QString::fromStdString(error.what()));
-  } catch (const LegacyError& error) {
-    return Notice(size, QString::fromStdString(error.what()));
-  }
-  devices.releaseHDC(hdc);
-  return ImageOf(picture.Raster());
+  return RenderChart(
+      bench.Session(), size,
+      [&](const graph::ChartCanvas& canvas) {
+        if (tab == Verification)
+          graph::DrawCorrelationChart(canvas, verification.Selection.Names.at(0),
+                                      graph::CorrelationCurves(bench.Session(), bench.List(), verification,
+                                                               bench.Session().CurrentConditions.Iri));
+        else
+          DrawTab(canvas, tab, profiles, bench);
+      },
+      window);
 }
 
 }  // namespace velmora::gui

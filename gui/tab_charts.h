@@ -5,9 +5,11 @@
 #include <QSize>
 #include <QString>
 
+#include <functional>
 #include <vector>
 
 #include "graph/chart_window.h"
+#include "graph/charts.h"
 #include "workbench/workbench.h"
 
 namespace velmora::gui {
@@ -32,6 +34,15 @@ const TabPage& ProfilePage();
 bool HasTabResults(int tab, const ProfileRecord& profile);
 // The profile a per-profile chart shows: the first of the rows (from 1) that holds the results; 0: none.
 int ShownProfile(const workbench::Workbench& bench, int tab, const std::vector<int>& rows);
+
+// A picture of `size` pixels drawn by `draw` through the drawing layer (the session's palettes), or a
+// notice naming the fault when the data cannot be drawn; with `window`, in its ranges.
+QImage RenderChart(const Session& session, QSize size, const std::function<void(const graph::ChartCanvas&)>& draw,
+                   graph::ChartWindow* window = nullptr);
+// The picture's raster as an image of its own.
+QImage ImageOf(const graph::Picture& picture);
+// A white picture with a line of text, where there is nothing to draw.
+QImage Notice(QSize size, const QString& text);
 
 // The chart of `tab` for the rows (from 1) that hold its results, `size` in pixels; a white picture
 // with a line of text where there is nothing to draw yet. With `window`, in its ranges, and the

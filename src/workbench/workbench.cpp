@@ -122,6 +122,8 @@ void Workbench::FormLoad() {
     TabEnabled[At(t)] = true;
   Mode = WorkMode::ProfileAnalysis;
   RepairRangeVisible = false;
+  // The empty project of a fresh start is as saved: opening one asks about nothing.
+  TakeProjectSnapshot();
 }
 
 void Workbench::FormReset() {

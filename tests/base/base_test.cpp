@@ -32,6 +32,7 @@
 #include "base/number_helpers.h"
 #include "base/path_helpers.h"
 #include "base/settings_io.h"
+#include "base/window_placement.h"
 #include "base/text_encoding.h"
 #include "support/checks.h"
 
@@ -273,6 +274,28 @@ TEST_F(StartUpTest, ExitQuestionAndStatisticsFlagsKeptAcrossRuns) {
                 .find("[\x93\x9d\x8c\x76\x92\x6c]\r\n\x95\x5c\x8e\xa6\x8e\x77\x92\xe8\x8f\xee\x95\xf1=1,0,1,1,0\r\n"),
             std::string::npos);
   EXPECT_EQ(LoadStatisticsFlags(session), (std::vector<bool>{true, false, true, true, false}));
+}
+
+TEST_F(StartUpTest, WindowPlacementKeptAcrossRunsAndRefusedWhenItCannotBeRead) {
+  {
+    ASSERT_TRUE(Start().MayGoOn);
+    EXPECT_FALSE(LoadWindowPlacement(session).has_value());  // nothing written yet
+    SaveWindowPlacement(session, {-8, 40, 1300, 720, true});
+  }
+  ASSERT_TRUE(Start().MayGoOn);
+  EXPECT_NE(ReadBytes(UserLocal() / "Resource" / "前回値.ini")
+                .find("[Window]\r\nLeft=-8\r\nTop=40\r\nWidth=1300\r\nHeight=720\r\nMaximized=1\r\n"),
+            std::string::npos);
+  const std::optional<WindowPlacement> back = LoadWindowPlacement(session);
+  ASSERT_TRUE(back.has_value());
+  EXPECT_EQ(std::tuple(back->Left, back->Top, back->Width, back->Height, back->Maximized),
+            std::tuple(-8, 40, 1300, 720, true));
+  // A hand-edited file: a value that is no whole number, or a size of nothing, leaves the default.
+  for (const char* width : {"12x", "", "0", "-5", "1e3"}) {
+    SCOPED_TRACE(width);
+    SetPrevValue(session, "Window", "Width", width);
+    EXPECT_FALSE(LoadWindowPlacement(session).has_value());
+  }
 }
 
 class ErrorLogTest : public FrameSandbox {

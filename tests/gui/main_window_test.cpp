@@ -156,7 +156,7 @@ TEST_F(MainWindowTest, TheModeSwitchShowsTheTabsOfEachMode) {
   EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,3波長分解,中波長,短波長,理想形状"));
   EXPECT_EQ(caption(), QString::fromUtf8("○プロファイル分析　●補修形状検討"));
   window->ToggleMode();
-  EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,フィルター処理,プロファイル分解,バンド別低減,PSD,IRI,精度検証"));
+  EXPECT_EQ(shown(), QString::fromUtf8("プロファイル,フィルター処理,プロファイル分解,バンド別低減,PSD,IRI,統計値,帳票出力,印刷,精度検証"));
 }
 
 TEST_F(MainWindowTest, TheVerificationComparesProfilesOfOnePitchAndDrawsTheirCorrelation) {

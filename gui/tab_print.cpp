@@ -1,0 +1,209 @@
+#include "tab_print.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QSplitter>
+#include <QTableView>
+#include <QVBoxLayout>
+
+#include <filesystem>
+
+#include "base/error_log.h"
+#include "base/path_helpers.h"
+#include "base/settings_io.h"
+#include "graph/paper_size.h"
+#include "tab_charts.h"
+
+namespace velmora::gui {
+namespace {
+
+namespace tab = workbench::tab;
+using workbench::PrintSheet;
+
+constexpr std::string_view kFolderKey = "印刷出力フォルダ";
+constexpr const char* kPapers[] = {"A4", "A3", "A5", "B4", "B5", "A2", "A1", "A0", "B3", "B2", "B1"};
+constexpr const char* kSecondPattern = "帳票形式(2)";
+
+// The PDF first under a name of its own beside the target, renamed over it when whole.
+bool WritePdf(Session& session, const workbench::PrintBook& book, int paperCode, const std::filesystem::path& target) {
+  const std::filesystem::path partial = target.string() + ".partial";
+  const bool written = Guarded(session, "basPrintOut", "cmdPrintOut", [&] {
+    graph::PrinterTarget printer = workbench::PrintPaper(book.Sheet, paperCode, partial);
+    workbench::ComposePrintPdf(session, book, printer);
+    std::filesystem::rename(partial, target);
+  });
+  if (!written) {
+    std::error_code ignored;
+    std::filesystem::remove(partial, ignored);
+  }
+  return written;
+}
+
+}  // namespace
+
+void SheetPreview::SetImage(QImage image) {
+  image_ = std::move(image);
+  update();
+}
+
+void SheetPreview::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.fillRect(rect(), palette().color(QPalette::Mid));
+  if (image_.isNull()) return;
+  const QSize fitted = image_.size().scaled(size() - QSize(16, 16), Qt::KeepAspectRatio);
+  const QRect page(QPoint((width() - fitted.width()) / 2, (height() - fitted.height()) / 2), fitted);
+  painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  painter.drawImage(page, image_);
+  painter.setPen(Qt::black);
+  painter.drawRect(page.adjusted(0, 0, -1, -1));
+}
+
+QImage PreviewPage(Session& session, const workbench::PrintBook& book, int paperCode, double dotsPerInch) {
+  const graph::PrinterTarget paper = workbench::PrintPaper(book.Sheet, paperCode, {});
+  graph::Picture picture(paper.Surface.PixelWidth, paper.Surface.PixelHeight, dotsPerInch);
+  // The picture takes the sheet's millimetres, so the page is drawn as the printer draws it.
+  const graph::DrawSurface& sheet = paper.Surface;
+  picture.Surface.Scale(sheet.ScaleLeft, sheet.ScaleTop, sheet.ScaleLeft + sheet.ScaleWidth, sheet.ScaleTop + sheet.ScaleHeight);
+  picture.Surface.Mode = graph::ScaleMode::Millimetre;
+  graph::DrawDevices devices;
+  const graph::Hdc hdc = devices.regHDCPicture(picture);
+  const bool drawn = Guarded(session, "basPrintOut", "cmdPrintPreView",
+                             [&] { workbench::DrawPrintPage(session, book, 0, {devices, hdc, picture.Surface}); });
+  devices.releaseHDC(hdc);
+  return drawn ? ImageOf(picture) : QImage();
+}
+
+PrintTabPage::PrintTabPage(MainWindow& window, workbench::Workbench& bench) : window_(window), bench_(bench) {
+  setObjectName("printTab");
+  QTableView* list = window.NewProfileList();
+  patterns_ = new QComboBox;
+  patterns_->setObjectName("cboPrintOut");
+  for (const std::string& form : bench_.PrintForms) patterns_->addItem(QString::fromStdString(form));
+  if (patterns_->findText(kSecondPattern) < 0) patterns_->addItem(kSecondPattern);
+  paper_ = new QComboBox;
+  paper_->setObjectName("paper");
+  for (const char* name : kPapers) paper_->addItem(name);
+  queue_ = new QCheckBox("プリンターへ送る (lp)");
+  queue_->setObjectName("queue");
+  auto* preview = new QPushButton("プレビュー");
+  preview->setObjectName("cmdPrintPreView");
+  connect(preview, &QPushButton::clicked, this, [this] { Preview(); });
+  print_ = new QPushButton("印刷");
+  print_->setObjectName("cmdPrintOut");
+  print_->setEnabled(false);
+  connect(print_, &QPushButton::clicked, this, [this] { Print(); });
+  // Another pattern or paper: the page on show is no longer what would be printed.
+  for (QComboBox* box : {patterns_, paper_})
+    connect(box, &QComboBox::currentIndexChanged, this, [this] { print_->setEnabled(false); });
+
+  auto* readOptions = new QPushButton("プリントオプション読込...");
+  readOptions->setObjectName("printOptions");
+  connect(readOptions, &QPushButton::clicked, this, [this] { ChooseOptions(); });
+  optionsName_ = new QLabel("（既定値）");
+
+  auto* left = new QWidget;
+  auto* leftLayout = new QVBoxLayout(left);
+  leftLayout->setContentsMargins(0, 0, 0, 0);
+  leftLayout->addWidget(list);
+  auto* form = new QFormLayout;
+  form->addRow("帳票", patterns_);
+  form->addRow("用紙", paper_);
+  form->addRow(readOptions, optionsName_);
+  form->addRow(queue_);
+  leftLayout->addLayout(form);
+  auto* buttons = new QHBoxLayout;
+  buttons->addWidget(preview);
+  buttons->addWidget(print_);
+  buttons->addStretch();
+  leftLayout->addLayout(buttons);
+  preview_ = new SheetPreview;
+  auto* splitter = new QSplitter(Qt::Horizontal);
+  splitter->addWidget(left);
+  splitter->addWidget(preview_);
+  splitter->setStretchFactor(1, 1);
+  splitter->setSizes({260, 940});
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(splitter);
+  window.AddOwnPage(tab::Print, "印刷", this, list, nullptr, [] {});
+}
+
+PrintSheet PrintTabPage::Sheet() const {
+  return patterns_->currentText() == kSecondPattern ? PrintSheet::Iri : PrintSheet::Octave;
+}
+
+int PrintTabPage::PaperCode() const { return graph::PaperCodeOf(paper_->currentText().toStdString()).value_or(graph::kPaperA4); }
+
+bool PrintTabPage::ChooseOptions() {
+  Session& session = bench_.Session();
+  FileDialogRequest request;
+  request.Title = "プリントオプション読込み";
+  request.Filter = "プリントオプション (*.prt)|*.prt|";
+  request.InitialDirectory = GetPrevValue(session, "CommonDialogPath", "プリントオプション読込みフォルダ");
+  const std::vector<std::string> chosen = session.Ui().OpenFiles(request);
+  if (chosen.empty()) return false;
+  SetPrevValue(session, "CommonDialogPath", "プリントオプション読込みフォルダ", flGetPathName(chosen.front()));
+  return UseOptions(chosen.front());
+}
+
+bool PrintTabPage::UseOptions(const std::filesystem::path& path) {
+  graph::PrintOptions read = graph::DefaultPrintOptions();
+  bool taken = false;
+  // A line the file cannot hold is an error naming the file and line, logged and shown.
+  Guarded(bench_.Session(), "frmPrinOption", "ReadPrintoption", [&] { taken = graph::ReadPrintoption(bench_.Session(), path, read); });
+  if (!taken) return false;
+  options_ = read;
+  optionsRead_ = true;
+  optionsName_->setText(QString::fromStdString(path.filename().string()));
+  print_->setEnabled(false);  // the page on show was made with the options before
+  return true;
+}
+
+bool PrintTabPage::Preview() {
+  const std::vector<int> rows = bench_.Selection(tab::Print);
+  if (rows.empty() || window_.GoBusy()) return false;
+  if (!workbench::ComputePrintSheet(bench_, Sheet(), rows)) return false;
+  const workbench::PrintBook book = workbench::MakePrintBook(bench_, Sheet(), rows, options_, optionsRead_);
+  QImage page = PreviewPage(bench_.Session(), book, PaperCode(), 144);
+  if (page.isNull()) return false;
+  preview_->SetImage(std::move(page));
+  shownRows_ = rows;
+  print_->setEnabled(true);
+  return true;
+}
+
+std::string PrintTabPage::Print() {
+  if (shownRows_.empty() || window_.GoBusy()) return {};
+  Session& session = bench_.Session();
+  FileDialogRequest request;
+  request.Title = "印刷";
+  request.Filter = "PDFファイル (*.pdf)|*.pdf|すべてのファイル (*.*)|*.*";
+  request.InitialDirectory = GetPrevValue(session, "CommonDialogPath", kFolderKey);
+  request.DefaultName = "Velmora.pdf";
+  const std::string target = session.Ui().SaveFile(request);
+  if (target.empty()) return {};
+  SetPrevValue(session, "CommonDialogPath", kFolderKey, flGetPathName(target));
+  const workbench::PrintBook book = workbench::MakePrintBook(bench_, Sheet(), shownRows_, options_, optionsRead_);
+  if (!WritePdf(session, book, PaperCode(), target)) return {};
+  if (!queue_->isChecked()) {
+    session.Ui().Inform("PDFファイルを保存しました。\r\n\r\n保存先：" + target, "印刷", MsgIcon::Information);
+    return target;
+  }
+  switch (workbench::QueuePdf(target, {})) {
+    case workbench::QueueOutcome::Queued:
+      session.Ui().Inform("プリンターへ送りました。\r\n\r\nPDFファイル：" + target, "印刷", MsgIcon::Information);
+      break;
+    case workbench::QueueOutcome::NoQueue:
+      session.Ui().Inform("印刷キュー (lp) が見つかりません。\r\n\r\nPDFファイル：" + target, "印刷エラー");
+      break;
+    case workbench::QueueOutcome::Refused:
+      session.Ui().Inform("印刷キューがPDFを受け付けませんでした。\r\n\r\nPDFファイル：" + target, "印刷エラー");
+      break;
+  }
+  return target;
+}
+
+PrintTabPage* AddPrintTab(MainWindow& window, workbench::Workbench& bench) { return new PrintTabPage(window, bench); }
+
+}  // namespace velmora::gui

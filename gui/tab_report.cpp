@@ -1,0 +1,187 @@
+#include "tab_report.h"
+
+#include <QComboBox>
+#include <QDesktopServices>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QSplitter>
+#include <QTableView>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include <ctime>
+
+#include "base/settings_io.h"
+
+namespace velmora::gui {
+namespace {
+
+namespace tab = workbench::tab;
+
+constexpr std::string_view kFolderKey = "エクセル出力フォルダ";
+
+std::vector<std::string> Titles(const workbench::Workbench& bench) {
+  std::vector<std::string> titles;
+  for (const ProfileRecord& record : bench.List().Items) titles.push_back(ProfileList::NameOf(record));
+  return titles;
+}
+
+std::tm Now() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  return local;
+}
+
+}  // namespace
+
+ReportTabPage::ReportTabPage(MainWindow& window, workbench::Workbench& bench) : window_(window), bench_(bench) {
+  setObjectName("reportTab");
+  QTableView* list = window.NewProfileList();
+  auto* choose = new QPushButton("テンプレート読込...");
+  choose->setObjectName("cmxReadExlFile");
+  connect(choose, &QPushButton::clicked, this, [this] { ChooseTemplate(); });
+  templateName_ = new QLabel;
+  params_ = new QTableWidget(0, 2);
+  params_->setObjectName("ssExelData");
+  params_->setHorizontalHeaderLabels({"パラメータ", "値"});
+  params_->verticalHeader()->hide();
+  params_->horizontalHeader()->setStretchLastSection(true);
+  reversed_ = new QCheckBox("位置を反転して出力する");
+  reversed_->setObjectName("reversed");
+  create_ = new QPushButton("エクセル出力");
+  create_->setObjectName("cmxExlsCreate");
+  create_->setEnabled(false);
+  connect(create_, &QPushButton::clicked, this, [this] { MakeReport(); });
+  written_ = new QLabel;
+  written_->setWordWrap(true);
+  written_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+  auto* right = new QWidget;
+  auto* rightLayout = new QVBoxLayout(right);
+  auto* top = new QHBoxLayout;
+  top->addWidget(choose);
+  top->addWidget(templateName_, 1);
+  rightLayout->addLayout(top);
+  rightLayout->addWidget(params_, 1);
+  rightLayout->addWidget(reversed_);
+  auto* bottom = new QHBoxLayout;
+  bottom->addWidget(create_);
+  bottom->addStretch();
+  rightLayout->addLayout(bottom);
+  rightLayout->addWidget(written_);
+  auto* splitter = new QSplitter(Qt::Horizontal);
+  splitter->addWidget(list);
+  splitter->addWidget(right);
+  splitter->setStretchFactor(1, 1);
+  splitter->setSizes({220, 980});
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(splitter);
+  // On entry the profile choices follow the list, as the tab's list refill does.
+  window.AddOwnPage(tab::Report, "帳票出力", this, list, create_, [this] { ShowTemplate(); });
+}
+
+bool ReportTabPage::ChooseTemplate() {
+  ExelTemplate chosen;
+  if (!cmxReadExlFile(bench_.Session(), chosen)) return false;
+  template_ = std::move(chosen);
+  ShowTemplate();
+  return true;
+}
+
+bool ReportTabPage::UseTemplate(const std::filesystem::path& path) {
+  ExelTemplate chosen;
+  if (!ReadExelTemplateFile(bench_.Session(), path, chosen)) return false;
+  template_ = std::move(chosen);
+  ShowTemplate();
+  return true;
+}
+
+void ReportTabPage::ShowTemplate() {
+  const std::vector<ExelParamEntry> before = EnteredParams();
+  table_ = MakeParamTable(template_, Titles(bench_));
+  templateName_->setText(QString::fromStdString(template_.TemplatePath.filename().string()));
+  params_->setRowCount(static_cast<int>(table_.size()));
+  for (std::size_t i = 0; i < table_.size(); ++i) {
+    const int row = static_cast<int>(i);
+    const ExelParamEntry& entry = table_[i];
+    auto* label = new QTableWidgetItem(QString::fromStdString(entry.Param.Label));
+    label->setFlags(Qt::ItemIsEnabled);
+    params_->setItem(row, 0, label);
+    // What was entered stays when the table is made again (another visit of the tab).
+    const std::string kept = i < before.size() && before[i].Param.Label == entry.Param.Label ? before[i].Value : std::string();
+    if (entry.Choice) {
+      auto* choice = new QComboBox;
+      choice->addItem(QString());
+      for (const std::string& item : entry.Items) choice->addItem(QString::fromStdString(item));
+      choice->setCurrentText(QString::fromStdString(kept));
+      params_->setCellWidget(row, 1, choice);
+    } else {
+      params_->removeCellWidget(row, 1);
+      params_->setItem(row, 1, new QTableWidgetItem(QString::fromStdString(kept)));
+    }
+  }
+  params_->resizeColumnToContents(0);
+  create_->setEnabled(!template_.OptionRows.empty());
+}
+
+std::vector<ExelParamEntry> ReportTabPage::EnteredParams() const {
+  std::vector<ExelParamEntry> entered = table_;
+  for (std::size_t i = 0; i < entered.size() && static_cast<int>(i) < params_->rowCount(); ++i) {
+    const int row = static_cast<int>(i);
+    if (const auto* choice = qobject_cast<QComboBox*>(params_->cellWidget(row, 1)))
+      entered[i].Value = choice->currentText().toStdString();
+    else if (const QTableWidgetItem* item = params_->item(row, 1))
+      entered[i].Value = item->text().toStdString();
+  }
+  return entered;
+}
+
+// What every report reads: the bands and the 10 m continuous IRI of every profile. The IRI tab's own
+// boxes and selection are put back afterwards; its results then hold for 10 m and are made again on
+// its next Go when its boxes say otherwise.
+bool ReportTabPage::RunReportAnalyses() {
+  workbench::IriTabInputs kept = bench_.Iri;
+  const std::vector<int> rows = bench_.Selection(tab::Iri);
+  bench_.Iri.EvalLength = "10";
+  bench_.Iri.Bands = true;
+  bench_.SelectAll(tab::Iri);
+  const bool done = bench_.Go(tab::Iri);
+  bench_.Iri = kept;
+  bench_.Select(tab::Iri, rows);
+  return done;
+}
+
+std::optional<ExelReportFiles> ReportTabPage::MakeReport() {
+  if (window_.GoBusy()) return std::nullopt;
+  Session& session = bench_.Session();
+  if (template_.OptionRows.empty()) {
+    session.Ui().Inform("出力対象のエクセルファイルが指定されていません。", "警告");
+    return std::nullopt;
+  }
+  if (!RunReportAnalyses()) return std::nullopt;
+  FileDialogRequest dialog;
+  dialog.Title = "エクセル出力先フォルダ";
+  dialog.InitialDirectory = GetPrevValue(session, "CommonDialogPath", kFolderKey);
+  const std::string folder = session.Ui().ChooseFolder(dialog);
+  if (folder.empty()) return std::nullopt;
+  SetPrevValue(session, "CommonDialogPath", kFolderKey, folder);
+  ExelReportRequest request;
+  request.Params = EnteredParams();
+  request.Axis = bench_.Axis;
+  request.Reversed = reversed_->isChecked();
+  request.Folder = folder;
+  request.Time = Now();
+  request.OpenDocument = [](const std::filesystem::path& workbook) {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(workbook.string())));
+  };
+  std::optional<ExelReportFiles> written = cmxExlsCreate(session, template_, bench_.List(), request);
+  if (written)
+    written_->setText(QString::fromStdString(written->Workbook.string() + "\n" + written->Interface.string()));
+  return written;
+}
+
+ReportTabPage* AddReportTab(MainWindow& window, workbench::Workbench& bench) { return new ReportTabPage(window, bench); }
+
+}  // namespace velmora::gui

@@ -1,0 +1,184 @@
+// The print and report tabs of the window: the preview of the first sheet, the PDF of every page
+// and its way to the print queue, and a scripted report made from the chosen template.
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+
+#include <cstdlib>
+
+#include "base/common.h"
+#include "base/text_encoding.h"
+#include "program_fixture.h"
+#include "tab_print.h"
+#include "tab_report.h"
+
+namespace velmora::gui {
+namespace {
+
+namespace fs = std::filesystem;
+namespace tab = workbench::tab;
+
+// Share of the picture's pixels that are not white.
+double Ink(const QImage& image) {
+  long long ink = 0;
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x) ink += (image.pixel(x, y) & 0xFFFFFF) != 0xFFFFFF;
+  return static_cast<double>(ink) / (static_cast<double>(image.width()) * image.height());
+}
+
+int PdfPages(const std::string& pdf) {
+  int pages = 0;
+  for (std::size_t at = pdf.find("/Type /Page"); at != std::string::npos; at = pdf.find("/Type /Page", at + 1))
+    pages += pdf.compare(at, 12, "/Type /Pages") != 0;
+  return pages;
+}
+
+class OutputTabsTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    ASSERT_TRUE(run->window->AddFiles(Examples()));
+    run->window->ToggleMode();
+    run->window->ToggleMode();  // the print and report tabs come up after two mode changes
+  }
+  void TearDown() override {
+    if (savedPath_) ::setenv("PATH", savedPath_->c_str(), 1);
+  }
+  PrintTabPage& Print() const { return *dynamic_cast<PrintTabPage*>(run->window->findChild<QWidget*>("printTab")); }
+  ReportTabPage& Report() const { return *dynamic_cast<ReportTabPage*>(run->window->findChild<QWidget*>("reportTab")); }
+  // The print queue is a script in a folder of its own that notes what it was given; `present`
+  // false leaves no lp on the path at all.
+  fs::path PutPrintQueue(bool present) {
+    const fs::path bin = scratch / "bin";
+    fs::create_directories(bin);
+    const fs::path noted = scratch / "queued.txt";
+    if (present) {
+      std::ofstream(bin / "lp") << "#!/bin/sh\necho \"$@\" > '" << noted.string() << "'\n";
+      fs::permissions(bin / "lp", fs::perms::owner_all);
+    }
+    savedPath_ = std::getenv("PATH");
+    ::setenv("PATH", bin.c_str(), 1);
+    return noted;
+  }
+
+ private:
+  std::optional<std::string> savedPath_;
+};
+
+TEST_F(OutputTabsTest, ThePreviewDrawsTheFirstSheetUprightOrAcrossAsThePatternSays) {
+  run->window->ShowTab(tab::Print);
+  struct Case {
+    int Pattern;
+    double HeightOverWidth;  // A4: 297 mm by 210 mm
+  };
+  for (const Case c : {Case{0, 297.0 / 210}, Case{1, 210.0 / 297}}) {
+    SCOPED_TRACE(c.Pattern);
+    Print().Patterns()->setCurrentIndex(c.Pattern);
+    ASSERT_TRUE(Print().Preview());
+    const QImage& page = Print().PreviewWidget()->Image();
+    ASSERT_FALSE(page.isNull());
+    EXPECT_NEAR(static_cast<double>(page.height()) / page.width(), c.HeightOverWidth, 0.01);
+    // Frames, panels and curves: far more than a stray line, far less than a filled page.
+    EXPECT_GT(Ink(page), 0.02);
+    EXPECT_LT(Ink(page), 0.6);
+  }
+  EXPECT_TRUE(ui.Messages().empty()) << ui.Messages().front().Text;
+}
+
+TEST_F(OutputTabsTest, PrintWritesEveryPageIntoThePdfTheUserNames) {
+  run->window->ShowTab(tab::Print);
+  ASSERT_TRUE(Print().Preview());
+  const std::string pdf = (scratch / "sheets.pdf").string();
+  ui.Files.push_back({pdf});
+  EXPECT_EQ(Print().Print(), pdf);
+  const std::string bytes = testing::ReadBytes(pdf);
+  EXPECT_EQ(bytes.substr(0, 5), "%PDF-");
+  // A sheet per profile, then the decomposition statistics when the options ask for them.
+  EXPECT_EQ(PdfPages(bytes), 3 + (graph::DefaultPrintOptions().PrintStatistics ? 1 : 0));
+  testing::ExpectMessages(ui, {{"PDFファイルを保存しました。\r\n\r\n保存先：" + pdf, "印刷", MsgIcon::Information}});
+  EXPECT_FALSE(fs::exists(pdf + ".partial"));
+}
+
+TEST_F(OutputTabsTest, APrintOptionsFileSetsTheSheetsAndAFileOfAnotherKindIsRefused) {
+  run->window->ShowTab(tab::Print);
+  ASSERT_TRUE(Print().Preview());
+  const QImage byDefault = Print().PreviewWidget()->Image();
+
+  const fs::path other = scratch / "other.prt";
+  std::ofstream(other, std::ios::binary) << "NOT AN OPTIONS FILE\r\n";
+  EXPECT_FALSE(Print().UseOptions(other));
+  testing::ExpectMessages(ui, {{"指定されたファイルはプリントオプションファイルではありません。"}});
+  ASSERT_TRUE(Print().Preview());
+  EXPECT_EQ(Print().PreviewWidget()->Image(), byDefault);  // the options in force stay
+
+  // Written by hand: fixed scales (profile -30..30 mm) and no statistics page.
+  ui.Log.clear();
+  ASSERT_TRUE(Print().UseOptions(testing::SourceDir() / "tests" / "data" / "print" / "written_by_hand.prt"));
+  ASSERT_TRUE(Print().Preview());
+  EXPECT_NE(Print().PreviewWidget()->Image(), byDefault);
+  const std::string pdf = (scratch / "fixed.pdf").string();
+  ui.Files.push_back({pdf});
+  ASSERT_EQ(Print().Print(), pdf);
+  EXPECT_EQ(PdfPages(testing::ReadBytes(pdf)), 3);
+}
+
+TEST_F(OutputTabsTest, ThePdfGoesToThePrintQueueOrTheUserIsToldThereIsNone) {
+  run->window->ShowTab(tab::Print);
+  run->window->findChild<QCheckBox*>("queue")->setChecked(true);
+  ASSERT_TRUE(Print().Preview());
+  const std::string pdf = (scratch / "queued.pdf").string();
+  const fs::path noted = PutPrintQueue(true);
+  ui.Files.push_back({pdf});
+  EXPECT_EQ(Print().Print(), pdf);
+  EXPECT_EQ(testing::ReadBytes(noted), pdf + "\n");
+  testing::ExpectMessages(ui, {{"プリンターへ送りました。\r\n\r\nPDFファイル：" + pdf, "印刷"}});
+
+  fs::remove(scratch / "bin" / "lp");
+  ui.Log.clear();
+  ui.Files.push_back({pdf});
+  EXPECT_EQ(Print().Print(), pdf);  // the PDF is there all the same
+  testing::ExpectMessages(ui, {{"印刷キュー (lp) が見つかりません。\r\n\r\nPDFファイル：" + pdf, "印刷エラー"}});
+}
+
+TEST_F(OutputTabsTest, TheReportTakesTheChosenProfilesAndWritesTheWorkbookAndItsTable) {
+  run->window->ShowTab(tab::Report);
+  ASSERT_TRUE(Report().UseTemplate(testing::SourceDir() / "examples" / "report" / "iri_report.xlsm"));
+  QTableWidget* params = Report().Parameters();
+  ASSERT_EQ(params->rowCount(), 4);
+  EXPECT_EQ(params->item(2, 0)->text().toStdString(), "補修前プロファイル");
+  qobject_cast<QComboBox*>(params->cellWidget(2, 1))->setCurrentText("road_a_kp");
+  qobject_cast<QComboBox*>(params->cellWidget(3, 1))->setCurrentText("road_c_rough");
+  const fs::path folder = scratch / "reports";
+  fs::create_directories(folder);
+  ui.Files.push_back({folder.string()});
+  ui.Answers.push_back(MsgAnswer::No);  // the workbook is not opened
+  const std::optional<ExelReportFiles> written = Report().MakeReport();
+  ASSERT_TRUE(written.has_value());
+  EXPECT_TRUE(fs::exists(written->Workbook));
+  testing::ExpectMessages(ui, {{"エクセルのエクスポート処理が終わりました。\r\n\r\n出力先：" + written->Workbook.string() +
+                                    "\r\n\r\n作成したエクセルを起動しますか？",
+                                "確認", std::nullopt, MsgButtons::YesNo}});
+
+  const std::vector<std::string> lines = ReadSystemTextLines(written->Interface);
+  ASSERT_GT(lines.size(), 3u);
+  // Ten columns from B4 of the sheet データ; the second and third are titled with the chosen names.
+  const std::vector<std::string> first = uToken(lines[0], ",");
+  ASSERT_EQ(first.size(), 5u);
+  EXPECT_EQ(std::vector<std::string>(first.begin() + 1, first.end()), (std::vector<std::string>{"10", "4", "2", "データ"}));
+  EXPECT_EQ(std::stoul(first[0]), lines.size() - 1);
+  const std::vector<std::string> titles = uToken(lines[1], ",");
+  ASSERT_EQ(titles.size(), 10u);
+  EXPECT_EQ(std::tuple(titles[1], titles[2]), std::tuple(std::string("road_a_kp"), std::string("road_c_rough")));
+  // The fourth column is the third less the second, row by row.
+  int compared = 0;
+  for (std::size_t r = 2; r < lines.size(); ++r) {
+    const std::vector<std::string> cells = uToken(lines[r], ",");
+    if (cells.size() < 4 || cells[1].empty() || cells[2].empty() || cells[3].empty()) continue;
+    EXPECT_NEAR(std::stod(cells[3]), std::stod(cells[2]) - std::stod(cells[1]), 2e-8) << lines[r];
+    ++compared;
+  }
+  EXPECT_GT(compared, 1000);
+}
+
+}  // namespace
+}  // namespace velmora::gui
