@@ -346,7 +346,7 @@ void MainWindow::GoEnded(int tab, GoOutcome outcome) {
   menuBar()->setEnabled(true);
   // The tab on screen may show what the Go made (the M-wave chart shows the ideal shape).
   for (const Page& page : pages_)
-    if (page.Tab == tab || page.Chart->isVisible()) Redraw(page);
+    if (page.Tab == tab || (page.Chart != nullptr && page.Chart->isVisible())) Redraw(page);
 }
 
 void MainWindow::MoveMWavePoint(const ChartHandle& point, double height) {

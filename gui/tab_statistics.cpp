@@ -195,12 +195,14 @@ QWidget* StatisticsTabPage::MakeResults() {
     view->verticalHeader()->hide();
     pages_->addTab(view, QString::fromUtf8(caption));
   }
-  chart_ = new ChartView([this](QSize size) {
+  chart_ = new ChartView([this](QSize size, graph::ChartWindow& window) {
     const int shown = pages_->currentIndex();
     if (shown < kFirstSectionPage || shown > kLastSectionPage) return Notice(size, "区間集計のページ（プロファイル）を選ぶと図が出ます。");
     const StatisticsPage& page = models_.at(static_cast<std::size_t>(shown))->Page();
     if (page.Empty()) return Notice(size, "結果がありません。実行を押してください。");
-    return RenderChart(bench_.Session(), size, [&page](const graph::ChartCanvas& canvas) { graph::DrawStatisticsChart(canvas, page); });
+    return RenderChart(
+        bench_.Session(), size, [&page](const graph::ChartCanvas& canvas) { graph::DrawStatisticsChart(canvas, page); },
+        &window);
   });
   connect(pages_, &QTabWidget::currentChanged, chart_, [this] { chart_->Refresh(); });
   auto* splitter = new QSplitter(Qt::Vertical);
