@@ -8,6 +8,7 @@
 #include <iostream>
 #include <string_view>
 
+#include "base/memory_tunables.h"
 #include "base/startup.h"
 #include "dialog_shots.h"
 #include "main_window.h"
@@ -37,6 +38,7 @@ Arguments Parse(const QStringList& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  velmora::RestartWithMallocTunables(argv);
   // Pictures need no screen: without a platform chosen they are drawn offscreen.
   for (int i = 1; i < argc; ++i)
     if (std::string_view(argv[i]) == "--screenshots" && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
