@@ -303,8 +303,10 @@ void MainWindow::TakeFiles(const std::vector<std::string>& paths) {
 }
 
 void MainWindow::ReplaceProject(const std::function<void()>& change) {
-  if (ChangeProfiles([&] { change(); return true; }, true))
-    setWindowTitle(QString::fromStdString(bench_.WindowTitle));
+  if (!ChangeProfiles([&] { change(); return true; }, true)) return;
+  setWindowTitle(QString::fromStdString(bench_.WindowTitle));
+  // New and open reset the tabs' inputs from the conditions they bring.
+  ShowTabInputs(tabs_);
 }
 
 void MainWindow::AddFilesFromDialog() {

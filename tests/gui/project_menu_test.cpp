@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QMenu>
 
 #include "base/text_encoding.h"
@@ -52,6 +53,16 @@ TEST_F(ProjectMenuTest, ASavedProjectOpensAgainAfterARestartWithItsListAndTitle)
   run->window->ShowTab(tab::Iri);
   ASSERT_TRUE(run->window->StartGo(tab::Iri));
   EXPECT_EQ(run->window->WaitForGo(), workbench::GoOutcome::Completed);
+}
+
+TEST_F(ProjectMenuTest, ANewProjectShowsTheInputsItResetTheTabsTo) {
+  auto* box = run->window->findChild<QLineEdit*>("evalLength");
+  ASSERT_NE(box, nullptr);
+  box->setText("7");  // typed, so the IRI tab's field holds it
+  ASSERT_EQ(run->bench.Iri.EvalLength, "7");
+  Choose("mnuFileSub0");  // 新規作成
+  EXPECT_NE(run->bench.Iri.EvalLength, "7");
+  EXPECT_EQ(box->text().toStdString(), run->bench.Iri.EvalLength);
 }
 
 TEST_F(ProjectMenuTest, UnsavedWorkIsAskedAboutCancelKeepsItAndNoDropsIt) {
