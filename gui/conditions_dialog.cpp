@@ -19,6 +19,23 @@
 namespace velmora::gui {
 namespace {
 
+// A titled row of exclusive choices, the buttons named by `namePattern` with their index.
+template <std::size_t N>
+QGroupBox* ChoiceRow(const QString& title, const char* const (&captions)[N], const char* namePattern,
+                     std::array<QRadioButton*, N>& buttons) {
+  auto* box = new QGroupBox(title);
+  auto* row = new QHBoxLayout(box);
+  auto* group = new QButtonGroup(box);
+  for (std::size_t i = 0; i < N; ++i) {
+    buttons[i] = new QRadioButton(captions[i]);
+    buttons[i]->setObjectName(QString(namePattern).arg(i));
+    group->addButton(buttons[i]);
+    row->addWidget(buttons[i]);
+  }
+  row->addStretch();
+  return box;
+}
+
 constexpr const char* kIriCaptions[] = {"走行速度 (km/h)", "Ks/Ms", "Cs/Ms", "Mu/Ms", "Kt/Ms", "助走区間 (m)"};
 // A box the check refuses gets the invalid colours of the profile tab: white text on red.
 constexpr const char* kInvalidStyle = "QLineEdit { background: #ff0000; color: #ffffff; }";
@@ -91,30 +108,9 @@ QWidget* ConditionsForm::IriPage() {
   }
   layout->addLayout(form);
 
-  auto* weighting = new QGroupBox("パワー重み付け");
-  auto* weightingRow = new QHBoxLayout(weighting);
-  auto* weightingGroup = new QButtonGroup(weighting);
   const char* weightings[] = {"ARS", "RMS"};
-  for (std::size_t i = 0; i < powerWeighting_.size(); ++i) {
-    powerWeighting_[i] = new QRadioButton(weightings[i]);
-    powerWeighting_[i]->setObjectName(QString("optIRI_PW%1").arg(i));
-    weightingGroup->addButton(powerWeighting_[i]);
-    weightingRow->addWidget(powerWeighting_[i]);
-  }
-  weightingRow->addStretch();
-  layout->addWidget(weighting);
-
-  auto* partial = new QGroupBox(kPartialSectionQuestion);
-  auto* partialRow = new QHBoxLayout(partial);
-  auto* partialGroup = new QButtonGroup(partial);
-  for (std::size_t i = 0; i < partialSections_.size(); ++i) {
-    partialSections_[i] = new QRadioButton(kPartialSectionChoices[i]);
-    partialSections_[i]->setObjectName(QString("opt_IRI算出区間条件%1").arg(i));
-    partialGroup->addButton(partialSections_[i]);
-    partialRow->addWidget(partialSections_[i]);
-  }
-  partialRow->addStretch();
-  layout->addWidget(partial);
+  layout->addWidget(ChoiceRow("パワー重み付け", weightings, "optIRI_PW%1", powerWeighting_));
+  layout->addWidget(ChoiceRow(kPartialSectionQuestion, kPartialSectionChoices, "opt_IRI算出区間条件%1", partialSections_));
   layout->addWidget(DefaultsLabels(ConditionsPage::Iri));
   layout->addStretch();
   return page;

@@ -3,7 +3,6 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QPainter>
-#include <QSplitter>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -13,6 +12,7 @@
 #include "base/path_helpers.h"
 #include "base/settings_io.h"
 #include "graph/paper_size.h"
+#include "output_tabs.h"
 #include "tab_charts.h"
 
 namespace velmora::gui {
@@ -118,14 +118,7 @@ PrintTabPage::PrintTabPage(MainWindow& window, workbench::Workbench& bench) : wi
   buttons->addStretch();
   leftLayout->addLayout(buttons);
   preview_ = new SheetPreview;
-  auto* splitter = new QSplitter(Qt::Horizontal);
-  splitter->addWidget(left);
-  splitter->addWidget(preview_);
-  splitter->setStretchFactor(1, 1);
-  splitter->setSizes({260, 940});
-  auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(splitter);
+  SplitPage(this, left, preview_, 260, 940);
   window.AddOwnPage(tab::Print, "印刷", this, list, nullptr, [] {});
 }
 

@@ -4,7 +4,6 @@
 #include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QSplitter>
 #include <QTableView>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -12,6 +11,7 @@
 #include <ctime>
 
 #include "base/settings_io.h"
+#include "output_tabs.h"
 
 namespace velmora::gui {
 namespace {
@@ -70,14 +70,7 @@ ReportTabPage::ReportTabPage(MainWindow& window, workbench::Workbench& bench) : 
   bottom->addStretch();
   rightLayout->addLayout(bottom);
   rightLayout->addWidget(written_);
-  auto* splitter = new QSplitter(Qt::Horizontal);
-  splitter->addWidget(list);
-  splitter->addWidget(right);
-  splitter->setStretchFactor(1, 1);
-  splitter->setSizes({220, 980});
-  auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(splitter);
+  SplitPage(this, list, right, 220, 980);
   // On entry the profile choices follow the list, as the tab's list refill does.
   window.AddOwnPage(tab::Report, "帳票出力", this, list, create_, [this] { ShowTemplate(); });
 }

@@ -13,6 +13,7 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include "output_tabs.h"
 #include "tab_charts.h"
 #include "workbench/evaluation_tabs.h"
 
@@ -142,14 +143,7 @@ StatisticsTabPage::StatisticsTabPage(MainWindow& window, workbench::Workbench& b
   buttons->addStretch();
   leftLayout->addLayout(buttons);
 
-  auto* splitter = new QSplitter(Qt::Horizontal);
-  splitter->addWidget(left);
-  splitter->addWidget(MakeResults());
-  splitter->setStretchFactor(1, 1);
-  splitter->setSizes({380, 820});
-  auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(splitter);
+  SplitPage(this, left, MakeResults(), 380, 820);
   window.AddOwnPage(tab::Statistics, "統計値", this, list, go, [this] { ShowResults(); });
 }
 

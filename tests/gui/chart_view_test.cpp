@@ -20,6 +20,7 @@
 #include "repair/study_targets.h"
 #include "main_window.h"
 #include "support/test_support.h"
+#include "window_fixture.h"
 
 namespace velmora::gui {
 namespace {
@@ -58,20 +59,12 @@ FoundFrame FrameAround(const QImage& image, QPoint inside) {
   return f;
 }
 
-class ChartViewTest : public ::testing::Test {
+class ChartViewTest : public WindowFixture {
  protected:
   void SetUp() override {
-    TestApplication();
-    StartUpOptions options;
-    options.AppPathOverride = VELMORA_BIN_DIR;
-    options.ScratchRoot = (scratch / "user").string();
-    ASSERT_TRUE(StartUp(session, options).MayGoOn);
-    bench.FormLoad();
-    window = std::make_unique<MainWindow>(bench);
-    window->show();
-    const auto dir = testing::SourceDir() / "examples";
-    ASSERT_TRUE(window->AddFiles({(dir / "road_a_kp.erd").string(), (dir / "road_b.erd").string(),
-                                  (dir / "road_c_rough.erd").string()}));
+    WindowFixture::SetUp();
+    if (HasFatalFailure()) return;
+    ASSERT_TRUE(AddExamples());
     ui.Log.clear();
   }
 
@@ -91,11 +84,6 @@ class ChartViewTest : public ::testing::Test {
 
   QLineEdit* Box(const char* name) { return window->findChild<QLineEdit*>(name); }
 
-  testing::TempDir scratch;
-  testing::ScriptedUi ui;
-  Session session{ui};
-  workbench::Workbench bench{session};
-  std::unique_ptr<MainWindow> window;
 };
 
 // The profile chart: road_a_kp and road_c_rough are the longest, 299.9 m; eight divisions of it want
