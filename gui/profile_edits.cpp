@@ -9,6 +9,7 @@
 
 #include <algorithm>
 
+#include "option_buttons.h"
 #include "profile/profile_tab.h"
 #include "qt_colour.h"
 
@@ -82,13 +83,7 @@ QWidget* ProfileEdits::ListButtons() {
 }
 
 QButtonGroup* ProfileEdits::Choices(const QStringList& captions, const QString& name, QLayout* into) {
-  auto* group = new QButtonGroup(this);
-  for (int i = 0; i < captions.size(); ++i) {
-    auto* option = new QRadioButton(captions[i]);
-    option->setObjectName(name + QString::number(i));
-    group->addButton(option, i);
-    into->addWidget(option);
-  }
+  QButtonGroup* group = OptionButtons(captions, name, this, into);
   connect(group, &QButtonGroup::idClicked, this, &ProfileEdits::Commit);
   return group;
 }

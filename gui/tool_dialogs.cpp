@@ -16,6 +16,8 @@
 
 #include <memory>
 
+#include "option_buttons.h"
+
 namespace velmora::gui {
 namespace {
 
@@ -37,13 +39,7 @@ QComboBox* Choice(const QStringList& items, const QString& name) {
 
 // Option buttons in a row, the first on; `name` + index names each.
 QButtonGroup* Options(const QStringList& captions, const QString& name, QWidget* owner, QBoxLayout* into) {
-  auto* group = new QButtonGroup(owner);
-  for (int i = 0; i < captions.size(); ++i) {
-    auto* option = new QRadioButton(captions[i]);
-    option->setObjectName(name + QString::number(i));
-    group->addButton(option, i);
-    into->addWidget(option);
-  }
+  QButtonGroup* group = OptionButtons(captions, name, owner, into);
   group->button(0)->setChecked(true);
   return group;
 }
