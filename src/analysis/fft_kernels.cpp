@@ -16,16 +16,18 @@ namespace {
 // The value of pi the transform has always used (not M_PI): kept so that results stay the same bits.
 constexpr double kPi = 3.14159265358979;
 
-// Twiddles of every stage of half-size m = 1, 2, 4, ...: w(m, k) = exp(i · (k−1) · sign · pi / m)
-// stands at position m + k − 1, a stage's values side by side as the vectorised stages load them. A
-// stage's twiddles do not depend on the transform length, so one table per direction, grown to the
-// largest length seen, serves every length. The tables are shared by all threads (the octave bands are
-// transformed back on a second thread started for each pass, which would otherwise rebuild its own):
-// a table, once built, is never changed, and a longer one replaces it for later calls while earlier
-// calls keep theirs.
+// Twiddles of every stage of half-size m = 1, 2, 4, ...: w(m, k) = exp(−i · (k−1) · pi / m) stands at
+// position m + k − 1, a stage's values side by side as the vectorised stages load them. A stage's
+// twiddles do not depend on the transform length, so one table, grown to the largest length seen,
+// serves every length. The inverse direction takes the same table conjugated as it is loaded: cos and
+// sin are even and odd to the last bit, so those are the very values a table of its own would hold,
+// and a long profile keeps one table of 16 bytes per point instead of two. The table is shared by all
+// threads (the octave bands are transformed back on a second thread started for each pass, which would
+// otherwise rebuild its own): a table, once built, is never changed, and a longer one replaces it for
+// later calls while earlier calls keep theirs.
 using Table = std::shared_ptr<const std::vector<Complex>>;
 
-Table Grown(const Table& old, std::size_t needed, std::int32_t sign) {
+Table Grown(const Table& old, std::size_t needed) {
   auto table = std::make_shared<std::vector<Complex>>(needed);
   std::size_t m = 1;
   if (old) {
@@ -35,20 +37,19 @@ Table Grown(const Table& old, std::size_t needed, std::int32_t sign) {
   for (; 2 * m <= needed; m *= 2) {
     for (std::size_t k = 1; k <= m; ++k) {
       const double theta =
-          static_cast<double>(static_cast<std::int64_t>(k - 1) * sign) * kPi / static_cast<double>(m);
+          static_cast<double>(-static_cast<std::int64_t>(k - 1)) * kPi / static_cast<double>(m);
       (*table)[m + k - 1] = ComplexExp(Complex{0.0, theta});
     }
   }
   return table;
 }
 
-Table TwiddlesFor(std::int32_t n, std::int32_t sign) {
+Table TwiddlesFor(std::int32_t n) {
   static std::mutex mutex;
-  static Table forward, inverse;
+  static Table table;
   const std::lock_guard<std::mutex> lock(mutex);
-  Table& table = sign < 0 ? forward : inverse;
   const auto needed = static_cast<std::size_t>(n);
-  if (!table || table->size() < needed) table = Grown(table, needed, sign);
+  if (!table || table->size() < needed) table = Grown(table, needed);
   return table;
 }
 
@@ -142,11 +143,24 @@ template <class V>
   }
 }
 
+// The twiddles of a vector, conjugated for the inverse direction: a product by −1 is exact, and turns
+// sin(x) into sin(−x) bit for bit, the zero's sign included.
+template <class V, bool Conjugate>
+[[gnu::always_inline]] inline V LoadTwiddles(const Complex* w) {
+  if constexpr (!Conjugate) {
+    return Load<V>(w);
+  } else if constexpr (kLanes<V> == 2) {
+    return Load<V>(w) * V{1.0, -1.0, 1.0, -1.0};
+  } else {
+    return Load<V>(w) * V{1.0, -1.0};
+  }
+}
+
 // One butterfly of a stage for the neighbouring k of a vector: upper + w·lower, upper − w·lower.
-template <class V>
+template <class V, bool Conjugate>
 [[gnu::always_inline]] inline void Butterfly(Complex* upper, Complex* lower, const Complex* w) {
   const V u = Load<V>(upper);
-  const V t = Mul(Load<V>(w), Load<V>(lower));
+  const V t = Mul(LoadTwiddles<V, Conjugate>(w), Load<V>(lower));
   Store(upper, u + t);
   Store(lower, u - t);
 }
@@ -154,9 +168,11 @@ template <class V>
 // Stages m and 2m together on the four quarters of a run of 4m: the values stay in registers between
 // the two stages, so the run is read and written once instead of twice. Each value goes through
 // exactly the operations the two separate stages would apply. w points at w(m, k).
-template <class V>
+template <class V, bool Conjugate>
 [[gnu::always_inline]] inline void DoubleButterfly(Complex* p, std::size_t m, const Complex* w) {
-  const V w1 = Load<V>(w), w2 = Load<V>(w + m), w3 = Load<V>(w + 2 * m);  // w(m,k), w(2m,k), w(2m,k+m)
+  // w(m,k), w(2m,k), w(2m,k+m)
+  const V w1 = LoadTwiddles<V, Conjugate>(w), w2 = LoadTwiddles<V, Conjugate>(w + m),
+          w3 = LoadTwiddles<V, Conjugate>(w + 2 * m);
   const V a0 = Load<V>(p), a1 = Load<V>(p + m), a2 = Load<V>(p + 2 * m), a3 = Load<V>(p + 3 * m);
   const V t1 = Mul(w1, a1), t3 = Mul(w1, a3);
   const V b0 = a0 + t1, b1 = a0 - t1, b2 = a2 + t3, b3 = a2 - t3;
@@ -169,7 +185,7 @@ template <class V>
 
 // Stages 1 and 2 on four neighbours x0..x3. Stage 1 multiplies by w(1, 0) = 1 exactly and is left
 // out (that can only change the sign of a zero). w2 points at w(2, 0), w(2, 1).
-template <class V>
+template <class V, bool Conjugate>
 [[gnu::always_inline]] inline void FirstTwoStages(Complex* p, const Complex* w2) {
   if constexpr (kLanes<V> == 2) {
     const V x01 = Load<V>(p), x23 = Load<V>(p + 2);
@@ -177,13 +193,13 @@ template <class V>
     const V odd = __builtin_shuffle(x01, x23, WideMask{2, 3, 6, 7});   // x1, x3
     const V sum = even + odd, difference = even - odd;                 // (b0, b2), (b1, b3)
     const V upper = __builtin_shuffle(sum, difference, WideMask{0, 1, 4, 5});  // b0, b1
-    const V lower = Mul(Load<V>(w2), __builtin_shuffle(sum, difference, WideMask{2, 3, 6, 7}));
+    const V lower = Mul(LoadTwiddles<V, Conjugate>(w2), __builtin_shuffle(sum, difference, WideMask{2, 3, 6, 7}));
     Store(p, upper + lower);
     Store(p + 2, upper - lower);
   } else {
     const V x0 = Load<V>(p), x1 = Load<V>(p + 1), x2 = Load<V>(p + 2), x3 = Load<V>(p + 3);
     const V b0 = x0 + x1, b1 = x0 - x1, b2 = x2 + x3, b3 = x2 - x3;
-    const V u2 = Mul(Load<V>(w2), b2), u3 = Mul(Load<V>(w2 + 1), b3);
+    const V u2 = Mul(LoadTwiddles<V, Conjugate>(w2), b2), u3 = Mul(LoadTwiddles<V, Conjugate>(w2 + 1), b3);
     Store(p, b0 + u2);
     Store(p + 2, b0 - u2);
     Store(p + 1, b1 + u3);
@@ -192,51 +208,62 @@ template <class V>
 }
 
 // All stages of half-size below 2^bits within one run of 2^bits elements (bits ≥ 2).
-template <class V>
+template <class V, bool Conjugate>
 [[gnu::always_inline]] inline void RunStages(Complex* run, int bits, const Complex* twiddles) {
   const std::size_t length = std::size_t{1} << bits;
   std::size_t m = 4;
   if (bits % 2 == 0) {
-    for (std::size_t i = 0; i < length; i += 4) FirstTwoStages<V>(run + i, twiddles + 2);
+    for (std::size_t i = 0; i < length; i += 4) FirstTwoStages<V, Conjugate>(run + i, twiddles + 2);
   } else {  // an odd count of stages: stage 4 joins the first two, the rest go in pairs
     for (std::size_t i = 0; i < length; i += 8) {
-      FirstTwoStages<V>(run + i, twiddles + 2);
-      FirstTwoStages<V>(run + i + 4, twiddles + 2);
-      for (std::size_t k = 0; k < 4; k += kLanes<V>) Butterfly<V>(run + i + k, run + i + k + 4, twiddles + 4 + k);
+      FirstTwoStages<V, Conjugate>(run + i, twiddles + 2);
+      FirstTwoStages<V, Conjugate>(run + i + 4, twiddles + 2);
+      for (std::size_t k = 0; k < 4; k += kLanes<V>)
+        Butterfly<V, Conjugate>(run + i + k, run + i + k + 4, twiddles + 4 + k);
     }
     m = 8;
   }
   for (; m < length; m *= 4)
     for (std::size_t base = 0; base < length; base += 4 * m)
-      for (std::size_t k = 0; k < m; k += kLanes<V>) DoubleButterfly<V>(run + base + k, m, twiddles + m + k);
+      for (std::size_t k = 0; k < m; k += kLanes<V>)
+        DoubleButterfly<V, Conjugate>(run + base + k, m, twiddles + m + k);
 }
 
 // Elements whose small stages are done together before moving on: 2^13 complex = 128 KiB, well inside
 // the level-2 cache, so only the stages above it stream the whole array from memory.
 constexpr int kRunBits = 13;
 
-template <class V>
+template <class V, bool Conjugate>
 [[gnu::always_inline]] inline void AllStages(Complex* a, int bits, const Complex* twiddles) {
   const std::size_t n = std::size_t{1} << bits;
   const int runBits = std::min(bits, kRunBits);
   for (std::size_t start = 0; start < n; start += std::size_t{1} << runBits)
-    RunStages<V>(a + start, runBits, twiddles);
+    RunStages<V, Conjugate>(a + start, runBits, twiddles);
 
   std::size_t m = std::size_t{1} << runBits;
   if ((bits - runBits) % 2 == 1) {  // one stage on its own, the others in pairs
     for (std::size_t base = 0; base < n; base += 2 * m)
-      for (std::size_t k = 0; k < m; k += kLanes<V>) Butterfly<V>(a + base + k, a + base + k + m, twiddles + m + k);
+      for (std::size_t k = 0; k < m; k += kLanes<V>)
+        Butterfly<V, Conjugate>(a + base + k, a + base + k + m, twiddles + m + k);
     m *= 2;
   }
   for (; m < n; m *= 4)
     for (std::size_t base = 0; base < n; base += 4 * m)
-      for (std::size_t k = 0; k < m; k += kLanes<V>) DoubleButterfly<V>(a + base + k, m, twiddles + m + k);
+      for (std::size_t k = 0; k < m; k += kLanes<V>) DoubleButterfly<V, Conjugate>(a + base + k, m, twiddles + m + k);
 }
 
-__attribute__((target("avx2"))) void AllStagesAvx2(Complex* a, int bits, const Complex* twiddles) {
-  AllStages<Wide>(a, bits, twiddles);
+__attribute__((target("avx2"))) void AllStagesAvx2(Complex* a, int bits, const Complex* twiddles, bool conjugate) {
+  if (conjugate)
+    AllStages<Wide, true>(a, bits, twiddles);
+  else
+    AllStages<Wide, false>(a, bits, twiddles);
 }
-void AllStagesSse2(Complex* a, int bits, const Complex* twiddles) { AllStages<Narrow>(a, bits, twiddles); }
+void AllStagesSse2(Complex* a, int bits, const Complex* twiddles, bool conjugate) {
+  if (conjugate)
+    AllStages<Narrow, true>(a, bits, twiddles);
+  else
+    AllStages<Narrow, false>(a, bits, twiddles);
+}
 
 }  // namespace
 
@@ -265,7 +292,7 @@ void BitReverse(Complex* a, int bits) {
   }
 }
 
-void Butterflies(Complex* a, int bits, const Complex* twiddles, Vectors vectors) {
+void Butterflies(Complex* a, int bits, const Complex* twiddles, bool conjugate, Vectors vectors) {
   if (bits == 0) return;
   if (bits == 1) {  // w(1, 0) = 1
     const Complex sum = ComplexAdd(a[0], a[1]);
@@ -278,15 +305,15 @@ void Butterflies(Complex* a, int bits, const Complex* twiddles, Vectors vectors)
     return __builtin_cpu_supports("avx2") != 0;
   }();
   if (hasAvx2 && vectors == Vectors::Best)
-    AllStagesAvx2(a, bits, twiddles);
+    AllStagesAvx2(a, bits, twiddles, conjugate);
   else
-    AllStagesSse2(a, bits, twiddles);
+    AllStagesSse2(a, bits, twiddles, conjugate);
 }
 
 void Transform(Complex* a, int bits, std::int32_t sign, Vectors vectors) {
   BitReverse(a, bits);
-  const Table twiddles = TwiddlesFor(std::int32_t{1} << bits, sign);
-  Butterflies(a, bits, twiddles->data(), vectors);
+  const Table twiddles = TwiddlesFor(std::int32_t{1} << bits);
+  Butterflies(a, bits, twiddles->data(), sign > 0, vectors);
 }
 
 }  // namespace velmora::detail

@@ -17,10 +17,11 @@ void BitReverse(Complex* a, int bits);
 enum class Vectors { Best, Portable };
 
 // All radix-2 butterfly stages m = 1, 2, 4, .. n/2 on a bit-reversed array of n = 2^bits elements.
-// twiddles[m + k] = w(m, k) = exp(i · k · sign · pi / m), k = 0 .. m − 1, for every such m.
-void Butterflies(Complex* a, int bits, const Complex* twiddles, Vectors vectors = Vectors::Best);
+// twiddles[m + k] = w(m, k) = exp(−i · k · pi / m), k = 0 .. m − 1, for every such m; `conjugate`
+// takes them conjugated, for the inverse direction.
+void Butterflies(Complex* a, int bits, const Complex* twiddles, bool conjugate, Vectors vectors = Vectors::Best);
 
-// Both on a[0 .. 2^bits), with the shared twiddle table for sign −1 or +1 (built on first use of a
+// Both on a[0 .. 2^bits), for sign −1 or +1, with the shared twiddle table (built on first use of a
 // length and kept).
 void Transform(Complex* a, int bits, std::int32_t sign, Vectors vectors = Vectors::Best);
 

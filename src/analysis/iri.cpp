@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fmt/format.h>
@@ -41,7 +42,11 @@ std::int32_t ResponseOf(std::vector<double>& work, std::int32_t n, double dx, co
 // The first `count` values, zeros after the end, in the vector's own storage: results are moved into
 // place, not copied.
 Array1<double> FirstElements(std::vector<double>&& values, std::int32_t count) {
-  values.resize(static_cast<std::size_t>(std::max<std::int32_t>(count, 0)));
+  const auto size = static_cast<std::size_t>(std::max<std::int32_t>(count, 0));
+  // Exactly: a band's window is one sample longer than its series, and a growing resize would double
+  // the storage of every band.
+  values.reserve(size);
+  values.resize(size);
   return Array1<double>(std::move(values));
 }
 
@@ -63,30 +68,16 @@ void WriteWindowTable(const DebugTables& debug, const std::string& lengthText, d
   WriteDebugTable(debug, "IRI(" + lengthText + "m).csv", lines);
 }
 
-// Response and window series of one derived wave (a band or a sum) of n elevations. Its window starts
-// one sample longer than the profile's: a property of the program's numbers, kept as it is.
-void BandResponseAndWindow(std::vector<double> work, std::int32_t n, double dx, const IriParams& params,
-                           std::int32_t profileWindowEnd, std::int32_t windowCount, Array1<double>& response,
-                           WaveSeries& window) {
-  const std::int32_t responseCount = ResponseOf(work, n, dx, params);
-  response = FirstElements(std::move(work), responseCount);
-  StoreWave(window, FirstElements(SlidingWindowIri(response.span(), responseCount, profileWindowEnd + 1, PowerOf(params)),
-                                  windowCount));
-}
-
-std::vector<double> CheckedWave(const Array1<double>& values, std::int32_t n, const char* what) {
+// The first n values of a series the IRI is taken of: the profile, or a wave of its octave split.
+std::vector<double> CheckedWave(const Array1<double>& values, std::int32_t n, std::string_view what) {
   if (values.size() < n)
     throw LegacyError(ErrorNumber::InvalidData,
-                      std::string("IRI of the ") + what + ": the octave split of the profile is not calculated");
+                      fmt::format("IRI of {}: the octave split of the profile is not calculated", what));
   return std::vector<double>(values.begin(), values.begin() + n);
 }
 
-std::vector<double> BandWave(const Array1<double>& values, std::int32_t n, int octave) {
-  if (values.size() < n)
-    throw LegacyError(ErrorNumber::InvalidData, "IRI of octave " + std::to_string(octave) +
-                                                    ": the octave split of the profile is not calculated");
-  return std::vector<double>(values.begin(), values.begin() + n);
-}
+// Samples of the sliding IRI window of the profile's own response.
+std::int32_t ProfileWindowEnd(double dx, double length) { return IntLong((dx / 2 + length) / dx) + 1; }
 
 }  // namespace
 
@@ -154,7 +145,7 @@ void CalcIriFilter(const DebugTables& debug, AnalysisBlock& block, const IriPara
   IriResults& r = block.Iri;
   if (r.IriFilterWave.Calculated) return;
   const double dx = PitchOf(block);
-  std::vector<double> work = CheckedWave(block.Profile.Values, block.Count, "profile");
+  std::vector<double> work = CheckedWave(block.Profile.Values, block.Count, "the profile");
   const std::int32_t count = std::max(ResponseOf(work, block.Count, dx, params), 0);
   StoreWave(r.IriFilterWave, FirstElements(std::move(work), count));
   r.IriFilterCount = count;
@@ -168,13 +159,13 @@ void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriPar
   const double length = params.IriBaseLength;
   const std::int32_t n = block.Count;
 
-  std::vector<double> work = CheckedWave(block.Profile.Values, n, "profile");
+  std::vector<double> work = CheckedWave(block.Profile.Values, n, "the profile");
   const std::int32_t responseCount = ResponseOf(work, n, dx, params);
   r.IriResponseCount = responseCount;
   r.IriResponseWave = FirstElements(std::move(work), responseCount);
   r.IriWholeProfile = IriPowerMean(r.IriResponseWave.span(), responseCount, power);
 
-  const std::int32_t windowEnd = IntLong((dx / 2 + length) / dx) + 1;
+  const std::int32_t windowEnd = ProfileWindowEnd(dx, length);
   r.IriWindowCount = std::max(CLng(responseCount - Int(length / dx + 0.1)), 0);
   StoreWave(r.IriWindowWave, FirstElements(SlidingWindowIri(r.IriResponseWave.span(), responseCount, windowEnd, power),
                                            r.IriWindowCount));
@@ -186,11 +177,10 @@ void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriPar
   }
   if (!withBands) return;
 
-  const OctaveBandSet& octave = block.Octave;
+  // Each band's response is dropped once its window is taken: nine of them would double the memory of
+  // a long profile, and only the statistics read them, one at a time.
   for (int k = 1; k <= 9; ++k)
-    BandResponseAndWindow(BandWave(octave.Band[static_cast<std::size_t>(k)].Values, n, k), n, dx, params,
-                          windowEnd, r.IriWindowCount, r.IriResponseBand[static_cast<std::size_t>(k)],
-                          r.IriWindowBand[static_cast<std::size_t>(k)]);
+    r.IriWindowBand[static_cast<std::size_t>(k)] = std::move(IriOfSplitWave(block, params, k).Window);
 
   Array1<double> rss;
   rss.assign_zero(r.IriWindowCount);
@@ -204,11 +194,29 @@ void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriPar
   }
   StoreWave(r.IriWindowRss, std::move(rss));
 
-  BandResponseAndWindow(CheckedWave(octave.LongSum.Values, n, "long-wave sum"), n, dx, params, windowEnd,
-                        r.IriWindowCount, r.IriResponseLong, r.IriWindowLong);
-  BandResponseAndWindow(CheckedWave(octave.ShortSum.Values, n, "short-wave sum"), n, dx, params, windowEnd,
-                        r.IriWindowCount, r.IriResponseShort,
-                        r.IriWindowShort);
+  r.IriWindowLong = std::move(IriOfSplitWave(block, params, kLongSumWave).Window);
+  r.IriWindowShort = std::move(IriOfSplitWave(block, params, kShortSumWave).Window);
+}
+
+SplitWaveIri IriOfSplitWave(const AnalysisBlock& block, const IriParams& params, int wave) {
+  const OctaveBandSet& octave = block.Octave;
+  const std::int32_t n = block.Count;
+  std::vector<double> work =
+      wave == kLongSumWave    ? CheckedWave(octave.LongSum.Values, n, "the long-wave sum")
+      : wave == kShortSumWave ? CheckedWave(octave.ShortSum.Values, n, "the short-wave sum")
+                              : CheckedWave(octave.Band.at(static_cast<std::size_t>(wave)).Values, n,
+                                            "octave " + std::to_string(wave));
+  const double dx = PitchOf(block);
+  SplitWaveIri result;
+  const std::int32_t responseCount = ResponseOf(work, n, dx, params);
+  result.Response = FirstElements(std::move(work), responseCount);
+  // Its window starts one sample longer than the profile's: a property of the program's numbers, kept
+  // as it is.
+  const std::int32_t windowEnd = ProfileWindowEnd(dx, params.IriBaseLength) + 1;
+  StoreWave(result.Window, FirstElements(SlidingWindowIri(result.Response.span(), responseCount, windowEnd,
+                                                          PowerOf(params)),
+                                         block.Iri.IriWindowCount));
+  return result;
 }
 
 }  // namespace velmora

@@ -45,8 +45,20 @@ double IriOfArray(std::int32_t n, std::span<const double> y, double dx, const Ir
 void CalcIriFilter(const DebugTables& debug, AnalysisBlock& block, const IriParams& params);
 
 // The response of the prepared profile, its whole-profile IRI and its sliding-window IRI over
-// params.IriBaseLength m; with `withBands` also of the nine octave bands and of the long and short
-// sums, which must have been calculated. Recomputes unconditionally.
+// params.IriBaseLength m; with `withBands` also the window series of the nine octave bands and of the
+// long and short sums, which must have been calculated. Recomputes unconditionally.
 void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriParams& params, bool withBands);
+
+// A wave of the octave split: band 1..9, or one of the two sums.
+inline constexpr int kLongSumWave = 10;
+inline constexpr int kShortSumWave = 11;
+
+// The quarter-car response of one wave of the block's octave split and its sliding-window IRI, cut to
+// the profile's window count: CalcIriProfile must have run on the block with the same params.
+struct SplitWaveIri {
+  Array1<double> Response;
+  WaveSeries Window;
+};
+SplitWaveIri IriOfSplitWave(const AnalysisBlock& block, const IriParams& params, int wave);
 
 }  // namespace velmora

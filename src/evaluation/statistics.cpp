@@ -118,28 +118,29 @@ struct BandIri {
   SectionIri Fixed;
 };
 
+// The wave of the split behind entry b >= 1 of the selection: the long sum, the short sum, bands 1..9.
+int SplitWaveOfEntry(std::size_t b) {
+  return b == 1 ? kLongSumWave : b == 2 ? kShortSumWave : static_cast<int>(b) - 2;
+}
+
+// The profile first, then the long and short sums and the nine bands, as in the selection. Each band's
+// response is made, used and dropped in turn, so at most one is held at a time.
 std::vector<BandIri> IriOfBands(const DebugTables& debug, const ProfileRecord& profile, const StatisticsRequest& request) {
   AnalysisBlock block = profile.Analysis;
   IriParams params = request.Iri;
   params.IriBaseLength = 10.0;
-  CalcIriProfile(debug, block, params, true);
+  CalcIriProfile(debug, block, params, false);
   const IriResults& r = block.Iri;
-  const std::array<const Array1<double>*, 12> responses = {
-      &r.IriResponseWave,     &r.IriResponseLong,     &r.IriResponseShort,    &r.IriResponseBand[1],
-      &r.IriResponseBand[2],  &r.IriResponseBand[3],  &r.IriResponseBand[4],  &r.IriResponseBand[5],
-      &r.IriResponseBand[6],  &r.IriResponseBand[7],  &r.IriResponseBand[8],  &r.IriResponseBand[9]};
-  const std::array<const WaveSeries*, 12> windows = {
-      &r.IriWindowWave,    &r.IriWindowLong,    &r.IriWindowShort,   &r.IriWindowBand[1],
-      &r.IriWindowBand[2], &r.IriWindowBand[3], &r.IriWindowBand[4], &r.IriWindowBand[5],
-      &r.IriWindowBand[6], &r.IriWindowBand[7], &r.IriWindowBand[8], &r.IriWindowBand[9]};
   const KpExtent extent = ProfileKpExtent(profile);
   const double dx = 1.0 / block.SamplesPerMetre;
   std::vector<BandIri> bands(12);
   for (std::size_t b = 0; b < 12; ++b) {
-    const auto& w = windows[b]->Values;
+    const SplitWaveIri split = b == 0 ? SplitWaveIri{} : IriOfSplitWave(block, params, SplitWaveOfEntry(b));
+    const auto& w = (b == 0 ? r.IriWindowWave : split.Window).Values;
+    const Array1<double>& response = b == 0 ? r.IriResponseWave : split.Response;
     bands[b].Window.assign(w.begin(), w.begin() + std::min<std::ptrdiff_t>(r.IriWindowCount, w.size()));
     CalcFixedSections(KpStartKm(profile), dx, extent.Downward, 10.0, block.Count, block.Profile.Values.span(),
-                      r.IriResponseCount, responses[b]->span(), request.SkipPartialSections, bands[b].Fixed);
+                      r.IriResponseCount, response.span(), request.SkipPartialSections, bands[b].Fixed);
   }
   return bands;
 }

@@ -14,9 +14,6 @@ namespace velmora {
 struct IriResults {
   std::int32_t IriResponseCount = 0;            // N' = N - IBASE of the last run
   Array1<double> IriResponseWave;               // 1..N'
-  std::array<Array1<double>, 10> IriResponseBand;  // [1..9], [0] unused
-  Array1<double> IriResponseLong;
-  Array1<double> IriResponseShort;
 
   std::int32_t IriWindowCount = 0;              // length of every window series
   WaveSeries IriWindowWave;

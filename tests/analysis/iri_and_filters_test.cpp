@@ -304,9 +304,12 @@ TEST(CalcIriProfileTest, WholeProfileWindowAndBandWindowsOneSampleLonger) {
   EXPECT_DOUBLE_EQ(r.IriWindowWave.Values[37], IriPowerMean(std::span<const double>(response).subspan(36), 11, 1));
   EXPECT_TRUE(r.IriWindowWave.Calculated);
 
-  const std::vector<double> bandResponse(r.IriResponseBand[3].begin(), r.IriResponseBand[3].end());
+  const SplitWaveIri band3 = IriOfSplitWave(block, GoldenCar(11, 0, 2.5), 3);
+  const std::vector<double> bandResponse(band3.Response.begin(), band3.Response.end());
   ASSERT_EQ(bandResponse.size(), 47u);
+  EXPECT_EQ(bandResponse, testing::GoldenResponse(testing::Sine(48, 8, 1.0), 0.25));
   const WaveSeries& bandWindow = r.IriWindowBand[3];
+  EXPECT_EQ(band3.Window.Values, bandWindow.Values);
   ASSERT_EQ(bandWindow.Values.size(), 37);
   EXPECT_DOUBLE_EQ(bandWindow.Values[1], IriPowerMean(bandResponse, 12, 1));
   EXPECT_DOUBLE_EQ(bandWindow.Values[36], IriPowerMean(std::span<const double>(bandResponse).subspan(35), 12, 1));
@@ -315,7 +318,7 @@ TEST(CalcIriProfileTest, WholeProfileWindowAndBandWindowsOneSampleLonger) {
   for (std::int32_t i = 1; i <= 37; ++i) EXPECT_NEAR(r.IriWindowRss.Values[i], 3 * bandWindow.Values[i], 1e-12);
   EXPECT_EQ(r.IriWindowLong.Values, bandWindow.Values);
   EXPECT_EQ(r.IriWindowShort.Values, bandWindow.Values);
-  EXPECT_EQ(r.IriResponseLong, r.IriResponseBand[9]);
+  EXPECT_EQ(IriOfSplitWave(block, GoldenCar(11, 0, 2.5), kLongSumWave).Response, band3.Response);
 }
 
 TEST(CalcIriProfileTest, ArsAndRmsShareOneResponseAndBandsMustBeSplit) {
@@ -329,7 +332,7 @@ TEST(CalcIriProfileTest, ArsAndRmsShareOneResponseAndBandsMustBeSplit) {
   EXPECT_DOUBLE_EQ(rms.Iri.IriWindowWave.Values[1], IriPowerMean(response, 21, 2));
   // Without bands nothing of the bands is touched.
   EXPECT_FALSE(ars.Iri.IriWindowBand[1].Calculated);
-  EXPECT_TRUE(ars.Iri.IriResponseBand[1].empty());
+  EXPECT_FALSE(ars.Iri.IriWindowLong.Calculated);
   // Bands that were not split are a clear error; so is a window longer than the profile's response.
   ars.Octave = OctaveBandSet{};
   EXPECT_THROW(CalcIriProfile(DebugTables{}, ars, GoldenCar(11, 0, 5.0), true), LegacyError);
