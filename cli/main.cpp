@@ -2,11 +2,13 @@
 // this file parses the command line, gives the run its private scratch tree and watch for SIGINT and
 // SIGTERM, moves the finished files into -o and turns the outcome into the exit status.
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <new>
 
 #include "base/folders.h"
 #include "base/legacy_format.h"
@@ -179,6 +181,10 @@ int main(int argc, char** argv) {
     try {
       for (auto& [command, runner] : runners)
         if (command->parsed()) status = runner();
+    } catch (const std::bad_alloc&) {
+      // The inputs named: the user learns which profiles were too long for this machine's memory.
+      PrintProblem(run, fmt::format("{}", fmt::join(run.Inputs, ", ")), Tr("not enough memory to finish this run"));
+      status = kExitFailed;
     } catch (const std::exception& error) {
       PrintProblem(run, "", TrEngine(error.what()));
       status = kExitFailed;

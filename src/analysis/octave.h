@@ -14,7 +14,6 @@ namespace velmora {
 
 struct ProfileRecord;
 
-using OctaveMasks = std::array<Array1<std::uint8_t>, 11>;
 using OctaveBands = std::array<OctaveBand, 10>;
 
 // One pass: folds source(1..n) out to length2 (length1, length2 from FftLength1/2 of n), one forward

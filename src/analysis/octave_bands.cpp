@@ -21,24 +21,30 @@ const std::array<OctaveBandLimits, kMaskCount + 1>& OctaveBandTable() {
   return table;
 }
 
-void MakeOctaveMask(std::int32_t length, double dx, const OctaveBandLimits& limits,
-                    Array1<std::uint8_t>& mask) {
-  mask.assign_zero(length);
+OctaveMask MakeOctaveMask(std::int32_t length, double dx, const OctaveBandLimits& limits) {
   const double span = static_cast<double>(length) * dx;
-  std::ptrdiff_t p = 1;
-  auto judge = [&](std::int32_t j) {
-    const double ff = static_cast<double>(j) / span;
-    mask[p] = (limits.Lower < ff && ff <= limits.Upper) ? 1 : 0;
-    ++p;
+  const auto ff = [span](std::int32_t j) { return static_cast<double>(j) / span; };
+  // The first harmonic in 1..top for which `beyond` holds, top + 1 when none: ff grows with j (a
+  // correctly rounded quotient never falls as its numerator grows), so each limit is one search.
+  const std::int32_t top = length / 2 + 1;
+  const auto firstWhere = [top](auto beyond) {
+    std::int32_t low = 1, high = top + 1;
+    while (low < high) {
+      const std::int32_t middle = low + (high - low) / 2;
+      if (beyond(middle)) high = middle; else low = middle + 1;
+    }
+    return low;
   };
-  for (std::int32_t j = 1; j <= length / 2 + 1; ++j) judge(j);
-  for (std::int32_t j = length / 2; j >= 2; --j) judge(j);
+  const std::int32_t first = firstWhere([&](std::int32_t j) { return limits.Lower < ff(j); });
+  const std::int32_t last = firstWhere([&](std::int32_t j) { return limits.Upper < ff(j); }) - 1;
+  return OctaveMask(length, first, last);
 }
 
-void MakeOctaveMasks(std::int32_t length, double dx, std::array<Array1<std::uint8_t>, 11>& masks) {
+void MakeOctaveMasks(std::int32_t length, double dx, OctaveMasks& masks) {
   const auto& table = OctaveBandTable();
-  masks[0].clear();
-  for (int k = 1; k <= kMaskCount; ++k) MakeOctaveMask(length, dx, table[static_cast<std::size_t>(k)], masks[static_cast<std::size_t>(k)]);
+  masks[0] = OctaveMask();
+  for (int k = 1; k <= kMaskCount; ++k)
+    masks[static_cast<std::size_t>(k)] = MakeOctaveMask(length, dx, table[static_cast<std::size_t>(k)]);
 }
 
 }  // namespace velmora

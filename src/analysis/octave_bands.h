@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "base/one_based.h"
+#include "results/octave_mask.h"
 
 namespace velmora {
 
@@ -25,13 +25,11 @@ inline constexpr int kMaskCount = 10;
 // Rows 1..10 of the table; row 0 is unused.
 const std::array<OctaveBandLimits, kMaskCount + 1>& OctaveBandTable();
 
-// Fills `mask` (size `length`, 1..length) for a transform of `length` points at pitch `dx` (m):
-// position p looks at j = p in the first half and j = length + 2 - p in the second, that is one bin
-// above the bin's own harmonic, with ff = j / (length * dx). length >= 2, dx > 0.
-void MakeOctaveMask(std::int32_t length, double dx, const OctaveBandLimits& limits,
-                    Array1<std::uint8_t>& mask);
+// The mask of `limits` for a transform of `length` points at pitch `dx` (m): harmonic j is in the band
+// when Lower < ff <= Upper, ff = j / (length * dx). length >= 2, dx > 0.
+OctaveMask MakeOctaveMask(std::int32_t length, double dx, const OctaveBandLimits& limits);
 
 // The ten masks of the band table for one transform length; masks[0] is left empty.
-void MakeOctaveMasks(std::int32_t length, double dx, std::array<Array1<std::uint8_t>, 11>& masks);
+void MakeOctaveMasks(std::int32_t length, double dx, OctaveMasks& masks);
 
 }  // namespace velmora

@@ -8,6 +8,7 @@
 #include "results/band_reduction_types.h"
 #include "results/filter_types.h"
 #include "results/iri_types.h"
+#include "results/octave_mask.h"
 #include "results/octave_types.h"
 #include "results/psd_types.h"
 #include "results/wave_series.h"
@@ -20,7 +21,7 @@ struct AnalysisBlock {
   WaveSeries Profile;                 // the prepared copy of WorkProfile
   std::int32_t FftLength1 = 0;        // smallest power of two >= N (from 4)
   std::int32_t FftLength2 = 0;        // the same for 2N
-  std::array<Array1<std::uint8_t>, 11> Masks;  // [1..10]: the octave masks, element 0 in each unused
+  OctaveMasks Masks;                  // made by the first band split that needs them
 
   FilterResults Filter;
   IriResults Iri;

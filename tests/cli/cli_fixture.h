@@ -26,11 +26,11 @@ class CliTest : public ::testing::Test {
   // Runs the program with `arguments` and -o `out` (relative to the test's folder), messages in
   // `lang`; the exit status.
   int Run(const std::string& arguments, const std::string& out = "out", const std::string& lang = "ja") {
-    const std::string command = "VELMORA_HOME='" + (temp / "home").string() + "' '" VELMORA_BIN_DIR "/velmora' -o '" +
-                                (temp / out).string() + "' --quiet --lang " + lang + " " + arguments + " >'" +
-                                (temp / "stdout.txt").string() + "' 2>'" + (temp / "stderr.txt").string() + "'";
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return Status(std::system(CommandFor(arguments, out, lang).c_str()));
+  }
+  // The same with the program's address space limited to `kilobytes` (ulimit -v).
+  int RunWithin(std::int64_t kilobytes, const std::string& arguments) {
+    return Status(std::system(("ulimit -v " + std::to_string(kilobytes) + "; " + CommandFor(arguments, "out", "ja")).c_str()));
   }
   std::string Stdout() const { return ReadBytes(temp / "stdout.txt"); }
   std::string Stderr() const { return ReadBytes(temp / "stderr.txt"); }
@@ -73,6 +73,14 @@ class CliTest : public ::testing::Test {
   }
 
   TempDir temp;
+
+ private:
+  std::string CommandFor(const std::string& arguments, const std::string& out, const std::string& lang) const {
+    return "VELMORA_HOME='" + (temp / "home").string() + "' '" VELMORA_BIN_DIR "/velmora' -o '" + (temp / out).string() +
+           "' --quiet --lang " + lang + " " + arguments + " >'" + (temp / "stdout.txt").string() + "' 2>'" +
+           (temp / "stderr.txt").string() + "'";
+  }
+  static int Status(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : -1; }
 };
 
 // The fields of a CSV line of the result files (", " between fields).

@@ -81,8 +81,8 @@ inline std::string OnlyMessageTitle(const ScriptedUi& ui) {
 
 // Folds source(1..n) out to FftLength2(n), transforms it, divides by the length, keeps the bins of
 // mask(1..length), transforms back; the real part where the profile stands, n values.
-inline std::vector<double> LiteralMaskedPass(std::int32_t n, const Array1<double>& source,
-                                             const Array1<std::uint8_t>& mask) {
+template <class Mask>  // a filter's byte mask or an octave mask: mask[i] for i = 1..FftLength2(n)
+std::vector<double> LiteralMaskedPass(std::int32_t n, const Array1<double>& source, const Mask& mask) {
   const std::int32_t length2 = FftLength2(n);
   Array1<double> extended;
   std::int32_t offset = 0;
