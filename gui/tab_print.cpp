@@ -6,6 +6,7 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "base/error_log.h"
@@ -24,6 +25,7 @@ using workbench::PrintSheet;
 constexpr std::string_view kFolderKey = "印刷出力フォルダ";
 constexpr const char* kPapers[] = {"A4", "A3", "A5", "B4", "B5", "A2", "A1", "A0", "B3", "B2", "B1"};
 constexpr const char* kSecondPattern = "帳票形式(2)";
+constexpr double kPreviewDpi = 144;
 
 // The PDF first under a name of its own beside the target, renamed over it when whole.
 bool WritePdf(Session& session, const workbench::PrintBook& book, int paperCode, const std::filesystem::path& target) {
@@ -59,7 +61,7 @@ void SheetPreview::paintEvent(QPaintEvent*) {
   painter.drawRect(page.adjusted(0, 0, -1, -1));
 }
 
-QImage PreviewPage(Session& session, const workbench::PrintBook& book, int paperCode, double dotsPerInch) {
+QImage PreviewPage(Session& session, const workbench::PrintBook& book, int paperCode, double dotsPerInch, int page) {
   const graph::PrinterTarget paper = workbench::PrintPaper(book.Sheet, paperCode, {});
   graph::Picture picture(paper.Surface.PixelWidth, paper.Surface.PixelHeight, dotsPerInch);
   // The picture takes the sheet's millimetres, so the page is drawn as the printer draws it.
@@ -69,7 +71,7 @@ QImage PreviewPage(Session& session, const workbench::PrintBook& book, int paper
   graph::DrawDevices devices;
   const graph::Hdc hdc = devices.regHDCPicture(picture);
   const bool drawn = Guarded(session, "basPrintOut", "cmdPrintPreView",
-                             [&] { workbench::DrawPrintPage(session, book, 0, {devices, hdc, picture.Surface}); });
+                             [&] { workbench::DrawPrintPage(session, book, page, {devices, hdc, picture.Surface}); });
   devices.releaseHDC(hdc);
   return drawn ? ImageOf(picture) : QImage();
 }
@@ -118,8 +120,76 @@ PrintTabPage::PrintTabPage(MainWindow& window, workbench::Workbench& bench) : wi
   buttons->addStretch();
   leftLayout->addLayout(buttons);
   preview_ = new SheetPreview;
-  SplitPage(this, left, preview_, 260, 940);
+  auto* right = new QWidget;
+  auto* rightLayout = new QVBoxLayout(right);
+  rightLayout->setContentsMargins(0, 0, 0, 0);
+  rightLayout->addWidget(preview_, 1);
+  rightLayout->addWidget(MakePageBar());
+  SplitPage(this, left, right, 260, 940);
   window.AddOwnPage(tab::Print, "印刷", this, list, nullptr, [] {});
+}
+
+QWidget* PrintTabPage::MakePageBar() {
+  auto* bar = new QWidget;
+  auto* layout = new QHBoxLayout(bar);
+  layout->addStretch();
+  const std::array<std::pair<const char*, QString>, 4> buttons{
+      {{"firstPage", tr("|◀ 先頭")}, {"previousPage", tr("◀ 前")}, {"nextPage", tr("次 ▶")}, {"lastPage", tr("最後 ▶|")}}};
+  for (std::size_t i = 0; i < buttons.size(); ++i) {
+    pageButtons_[i] = new QPushButton(buttons[i].second);
+    pageButtons_[i]->setObjectName(buttons[i].first);
+    if (i == 2) {  // the page number stands between the backward and forward buttons
+      pageNumber_ = new QLabel;
+      pageNumber_->setObjectName("pageNumber");
+      pageNumber_->setMinimumWidth(80);
+      pageNumber_->setAlignment(Qt::AlignCenter);
+      layout->addWidget(pageNumber_);
+    }
+    layout->addWidget(pageButtons_[i]);
+  }
+  connect(pageButtons_[0], &QPushButton::clicked, this, [this] { ShowPage(0); });
+  connect(pageButtons_[1], &QPushButton::clicked, this, [this] { ShowPage(page_ - 1); });
+  connect(pageButtons_[2], &QPushButton::clicked, this, [this] { ShowPage(page_ + 1); });
+  connect(pageButtons_[3], &QPushButton::clicked, this, [this] { ShowPage(pageCount_ - 1); });
+  layout->addStretch();
+  ShowPageNumber();
+  return bar;
+}
+
+void PrintTabPage::ShowPageNumber() {
+  pageNumber_->setText(pageCount_ == 0 ? QString() : tr("%1 / %2").arg(page_ + 1).arg(pageCount_));
+  pageButtons_[0]->setEnabled(page_ > 0);
+  pageButtons_[1]->setEnabled(page_ > 0);
+  pageButtons_[2]->setEnabled(page_ + 1 < pageCount_);
+  pageButtons_[3]->setEnabled(page_ + 1 < pageCount_);
+}
+
+std::optional<workbench::PrintBook> PrintTabPage::ShownBook() const {
+  for (std::size_t i = 0; i < shown_.Rows.size(); ++i) {
+    const int row = shown_.Rows[i];
+    if (row > bench_.ProfileCount() || ProfileList::NameOf(bench_.List().Items.at(row)) != shown_.Names[i])
+      return std::nullopt;
+  }
+  return workbench::MakePrintBook(bench_, shown_.Sheet, shown_.Rows, shown_.Options, shown_.OptionsRead);
+}
+
+bool PrintTabPage::ShowPage(int page) {
+  if (pageCount_ == 0 || window_.GoBusy()) return false;
+  page = std::clamp(page, 0, pageCount_ - 1);
+  const std::optional<workbench::PrintBook> book = ShownBook();
+  QImage image = book ? PreviewPage(bench_.Session(), *book, shown_.Paper, kPreviewDpi, page) : QImage();
+  if (image.isNull()) {
+    // The book is gone or cannot be drawn: nothing on show that could be printed.
+    preview_->SetImage({});
+    pageCount_ = page_ = 0;
+    print_->setEnabled(false);
+    ShowPageNumber();
+    return false;
+  }
+  preview_->SetImage(std::move(image));
+  page_ = page;
+  ShowPageNumber();
+  return true;
 }
 
 PrintSheet PrintTabPage::Sheet() const {
@@ -157,17 +227,16 @@ bool PrintTabPage::Preview() {
   const std::vector<int> rows = bench_.Selection(tab::Print);
   if (rows.empty() || window_.GoBusy()) return false;
   if (!workbench::ComputePrintSheet(bench_, Sheet(), rows)) return false;
-  const workbench::PrintBook book = workbench::MakePrintBook(bench_, Sheet(), rows, options_, optionsRead_);
-  QImage page = PreviewPage(bench_.Session(), book, PaperCode(), 144);
-  if (page.isNull()) return false;
-  preview_->SetImage(std::move(page));
-  shownRows_ = rows;
+  shown_ = {rows, {}, Sheet(), PaperCode(), options_, optionsRead_};
+  for (int row : rows) shown_.Names.push_back(ProfileList::NameOf(bench_.List().Items.at(row)));
+  pageCount_ = workbench::PageCount(*ShownBook());
+  if (!ShowPage(0)) return false;
   print_->setEnabled(true);
   return true;
 }
 
 std::string PrintTabPage::Print() {
-  if (shownRows_.empty() || window_.GoBusy()) return {};
+  if (pageCount_ == 0 || window_.GoBusy()) return {};
   Session& session = bench_.Session();
   FileDialogRequest request;
   request.Title = "印刷";
@@ -177,8 +246,8 @@ std::string PrintTabPage::Print() {
   const std::string target = session.Ui().SaveFile(request);
   if (target.empty()) return {};
   SetPrevValue(session, "CommonDialogPath", kFolderKey, flGetPathName(target));
-  const workbench::PrintBook book = workbench::MakePrintBook(bench_, Sheet(), shownRows_, options_, optionsRead_);
-  if (!WritePdf(session, book, PaperCode(), target)) return {};
+  const std::optional<workbench::PrintBook> book = ShownBook();
+  if (!book || !WritePdf(session, *book, shown_.Paper, target)) return {};
   if (!queue_->isChecked()) {
     session.Ui().Inform("PDFファイルを保存しました。\r\n\r\n保存先：" + target, "印刷", MsgIcon::Information);
     return target;

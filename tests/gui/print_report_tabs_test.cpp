@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QTableView>
 
 #include <cstdlib>
 
@@ -83,6 +86,48 @@ TEST_F(OutputTabsTest, ThePreviewDrawsTheFirstSheetUprightOrAcrossAsThePatternSa
     EXPECT_LT(Ink(page), 0.6);
   }
   EXPECT_TRUE(ui.Messages().empty()) << ui.Messages().front().Text;
+}
+
+TEST_F(OutputTabsTest, ThePreviewTurnsThroughEveryPageOfTheBook) {
+  run->window->ShowTab(tab::Print);
+  const auto button = [this](const char* name) { return run->window->findChild<QPushButton*>(name); };
+  const auto shownNumber = [this] { return run->window->findChild<QLabel*>("pageNumber")->text().toStdString(); };
+  // The octave sheet: a page per profile (three examples), then the statistics page when the options ask for it.
+  const int pages = 3 + (graph::DefaultPrintOptions().PrintStatistics ? 1 : 0);
+  const std::string ofPages = " / " + std::to_string(pages);
+  ASSERT_TRUE(Print().Preview());
+  EXPECT_EQ(shownNumber(), "1" + ofPages);
+  EXPECT_FALSE(button("previousPage")->isEnabled());
+  EXPECT_FALSE(button("firstPage")->isEnabled());
+  const QImage first = Print().PreviewWidget()->Image();
+
+  button("nextPage")->click();
+  button("nextPage")->click();
+  EXPECT_EQ(shownNumber(), "3" + ofPages);
+  const QImage third = Print().PreviewWidget()->Image();
+  EXPECT_GT(Ink(third), 0.02);
+  EXPECT_LT(Ink(third), 0.6);
+  EXPECT_NE(third, first);
+
+  button("lastPage")->click();
+  EXPECT_EQ(shownNumber(), std::to_string(pages) + ofPages);
+  EXPECT_FALSE(button("nextPage")->isEnabled());
+  EXPECT_FALSE(button("lastPage")->isEnabled());
+  button("firstPage")->click();
+  EXPECT_EQ(Print().PreviewWidget()->Image(), first);
+
+  // The third page is the sheet of the third profile: the preview of that profile alone shows it first.
+  run->window->ListOf(tab::Print)->selectRow(2);
+  ASSERT_TRUE(Print().Preview());
+  EXPECT_EQ(shownNumber(), "1 / " + std::to_string(1 + (graph::DefaultPrintOptions().PrintStatistics ? 1 : 0)));
+  EXPECT_EQ(Print().PreviewWidget()->Image(), third);
+
+  // The IRI sheet is one page of all profiles: nowhere to turn.
+  Print().Patterns()->setCurrentIndex(1);
+  ASSERT_TRUE(Print().Preview());
+  EXPECT_EQ(shownNumber(), "1 / 1");
+  for (const char* name : {"firstPage", "previousPage", "nextPage", "lastPage"}) EXPECT_FALSE(button(name)->isEnabled()) << name;
+  EXPECT_TRUE(ui.Messages().empty());
 }
 
 TEST_F(OutputTabsTest, PrintWritesEveryPageIntoThePdfTheUserNames) {
