@@ -61,7 +61,9 @@ std::vector<Shot> OutputShots(MainWindow& window, const QString& reportTemplate)
              if (!reportTemplate.isEmpty())
                OwnPage<ReportTabPage>(window, "reportTab")->UseTemplate(reportTemplate.toStdString());
            }},
-          {tab::Print, "print", [&window] { OwnPage<PrintTabPage>(window, "printTab")->Preview(); }}};
+          {tab::Print, "print", [&window] {
+             if (OwnPage<PrintTabPage>(window, "printTab")->Preview()) window.WaitForGo();
+           }}};
 }
 
 // The profile chart zoomed to the middle fifth of its distance, as a rubber band over it leaves it.

@@ -41,15 +41,19 @@ class PrintTabPage final : public QWidget {
 
  public:
   PrintTabPage(MainWindow& window, workbench::Workbench& bench);
-  // cmdPrintPreView: the analyses for the selected rows, then page 1 of the chosen pattern shown.
+  // cmdPrintPreView: the analyses for the selected rows, then page 1 of the chosen pattern shown, made
+  // on the worker under the progress display. False when it did not start.
   bool Preview();
   // Another page of the book on show (from 0, kept within the book); false when there is none to show.
   bool ShowPage(int page);
   int ShownPage() const { return page_; }
   int PageTotal() const { return pageCount_; }
   // cmdPrintOut: every page of the book on show into a PDF file the user names, and with
-  // "プリンターへ送る" ticked to the print queue. The PDF written, or empty.
-  std::string Print();
+  // "プリンターへ送る" ticked to the print queue. The pages are composed on the worker under the
+  // progress display, whose Cancel leaves no file. False when it did not start.
+  bool Print();
+  // The PDF the last print wrote, once it has ended; empty when it stopped or failed.
+  const std::string& Printed() const { return printed_; }
   // The print options file (.prt) the sheets take their scales, header items and colours from:
   // the file dialog, then the file read. False when cancelled or refused (the engine has said why).
   bool ChooseOptions();
@@ -64,6 +68,8 @@ class PrintTabPage final : public QWidget {
   // under it (a row gone or another profile in its place).
   std::optional<workbench::PrintBook> ShownBook() const;
   QWidget* MakePageBar();
+  // The PDF written: the user is told where, or it goes to the print queue as asked.
+  void HandOver(const std::string& pdf, bool queue) const;
   void ShowPageNumber();
 
   MainWindow& window_;
@@ -87,6 +93,7 @@ class PrintTabPage final : public QWidget {
   };
   ShownBookSource shown_;
   int page_ = 0;
+  std::string printed_;
   int pageCount_ = 0;
   graph::PrintOptions options_ = graph::DefaultPrintOptions();
   bool optionsRead_ = false;  // a file gave them: its scales hold
