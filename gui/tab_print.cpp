@@ -112,7 +112,10 @@ PrintTabPage::PrintTabPage(MainWindow& window, workbench::Workbench& bench) : wi
   rightLayout->addWidget(preview_, 1);
   rightLayout->addWidget(MakePageBar());
   SplitPage(this, left, right, 260, 940);
-  window.AddOwnPage(tab::Print, tr("印刷"), this, list, nullptr, [] {});
+  // A change of the list that takes a shown profile away leaves nothing on show to print.
+  window.AddOwnPage(tab::Print, tr("印刷"), this, list, nullptr, [this] {
+    if (pageCount_ > 0 && !ShownBook()) ShowPage(page_);
+  });
 }
 
 QWidget* PrintTabPage::MakePageBar() {

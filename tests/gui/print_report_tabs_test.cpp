@@ -160,6 +160,17 @@ TEST_F(OutputTabsTest, ThePreviewTurnsThroughEveryPageOfTheBook) {
   EXPECT_TRUE(ui.Messages().empty());
 }
 
+TEST_F(OutputTabsTest, AProfileTakenFromTheListTakesThePreviewOfItsBookWithIt) {
+  run->window->ShowTab(tab::Print);
+  ASSERT_TRUE(Previewed());
+  ui.Answers.push_back(MsgAnswer::Ok);  // the list's own question before it lets a profile go
+  ASSERT_TRUE(run->window->ChangeProfiles([this] { return run->bench.RemoveProfiles({2}); }, false));
+  EXPECT_TRUE(Print().PreviewWidget()->Image().isNull());
+  EXPECT_EQ(Print().PageTotal(), 0);
+  EXPECT_TRUE(run->window->findChild<QLabel*>("pageNumber")->text().isEmpty());
+  EXPECT_FALSE(run->window->findChild<QPushButton*>("cmdPrintOut")->isEnabled());
+}
+
 TEST_F(OutputTabsTest, PrintWritesEveryPageIntoThePdfTheUserNames) {
   run->window->ShowTab(tab::Print);
   ASSERT_TRUE(Previewed());
