@@ -8,6 +8,7 @@
 #include "messages.h"
 #include "report/exel_fixed_export.h"
 #include "report/exel_report.h"
+#include "workbench/report_analyses.h"
 
 namespace velmora::cli {
 namespace {
@@ -19,13 +20,11 @@ struct ReportOptions {
   bool Reversed = false;
 };
 
-// The analyses every report reads: bands and the 10 m continuous IRI.
+// The analyses every report reads (bands and the 10 m continuous IRI), without drawing.
 bool RunReportAnalyses(CommandSession& session) {
-  workbench::Workbench& bench = session.Bench;
-  bench.Iri.EvalLength = "10";
-  bench.Iri.Bands = true;
-  bench.DispGrp = true;
-  return CheckIriLengthFlag(session) && bench.Go(workbench::tab::Iri);
+  session.Bench.DispGrp = true;
+  return workbench::RunReportAnalyses(session.Bench, [&session] { return CheckIriLengthFlag(session); }) ==
+         workbench::GoOutcome::Completed;
 }
 
 // Fills the parameter table from --param LABEL=VALUE (a parameter's name is accepted for its label);

@@ -332,20 +332,27 @@ void MainWindow::ShowTab(int tab) {
 
 bool MainWindow::StartGo(int tab) {
   if (PageOf(tab) == nullptr) return false;
+  return StartWork([this, tab] { return bench_.RunGo(tab); }, [this, tab](GoOutcome) { GoEnded(tab); });
+}
+
+bool MainWindow::StartWork(std::function<GoOutcome()> work, std::function<void(GoOutcome)> ended) {
   const auto post = [this](std::function<void()> task) {
     QMetaObject::invokeMethod(this, std::move(task), Qt::QueuedConnection);
   };
-  if (!go_.Start(tab, post, [this, tab](GoOutcome outcome) { GoEnded(tab, outcome); })) return false;
+  const auto end = [this, ended = std::move(ended)](GoOutcome outcome) {
+    lastOutcome_ = outcome;
+    tabs_->setEnabled(true);
+    menuBar()->setEnabled(true);
+    if (ended) ended(outcome);
+  };
+  if (!go_.StartWork(std::move(work), post, end)) return false;
   // As the progress display disables the tab control: no second Go, no change under the worker.
   tabs_->setEnabled(false);
   menuBar()->setEnabled(false);
   return true;
 }
 
-void MainWindow::GoEnded(int tab, GoOutcome outcome) {
-  lastOutcome_ = outcome;
-  tabs_->setEnabled(true);
-  menuBar()->setEnabled(true);
+void MainWindow::GoEnded(int tab) {
   // The tab on screen may show what the Go made (the M-wave chart shows the ideal shape).
   for (const Page& page : pages_)
     if (page.Tab == tab || (page.Chart != nullptr && page.Chart->isVisible())) Redraw(page);

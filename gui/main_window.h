@@ -50,6 +50,9 @@ class MainWindow final : public QMainWindow {
   void ToggleMode();
   // Starts the Go of a tab on the worker; false while another runs or the tab has no page.
   bool StartGo(int tab);
+  // Runs `work`, which drives the workbench as a Go does, on the worker with the window's controls off;
+  // `ended` follows on this thread. False while a Go runs.
+  bool StartWork(std::function<workbench::GoOutcome()> work, std::function<void(workbench::GoOutcome)> ended);
   bool GoBusy() const { return go_.Busy(); }
   // Runs the event loop until the running Go has ended; its outcome.
   workbench::GoOutcome WaitForGo();
@@ -91,7 +94,7 @@ class MainWindow final : public QMainWindow {
   void AddPage(const TabPage& info, bool allColumns);
   void SelectionChanged(const Page& page);
   void Redraw(const Page& page);
-  void GoEnded(int tab, workbench::GoOutcome outcome);
+  void GoEnded(int tab);
   // An adjustment point of the M-wave chart dropped at a new height: the study follows, then the ideal shape.
   void MoveMWavePoint(const ChartHandle& point, double height);
   // The chosen study of the shown profile, or its M', has changed: the chart, then the ideal shape.

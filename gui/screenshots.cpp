@@ -48,7 +48,8 @@ Page* OwnPage(MainWindow& window, const char* name) {
 }
 
 // The tabs of tables and sheets: the whole-wavelength statistics with the chart of the 100 m
-// sections, the report's parameters of the template, the preview of the first sheet.
+// sections, then the whole-length page with the profiles and every display mark, the report's
+// parameters of the template, the preview of the first sheet.
 std::vector<Shot> OutputShots(MainWindow& window, const QString& reportTemplate) {
   return {{tab::Statistics, "statistics",
            [&window] {
@@ -56,12 +57,20 @@ std::vector<Shot> OutputShots(MainWindow& window, const QString& reportTemplate)
              if (window.StartGo(tab::Statistics)) window.WaitForGo();
              OwnPage<StatisticsTabPage>(window, "statisticsTab")->Pages()->setCurrentIndex(2);
            }},
+          {tab::Statistics, "statistics_marks",
+           [&window] {
+             for (const char* mark : {"chk統計値0", "chk統計値1", "chk統計値2", "chk統計値3", "chk統計値4"})
+               window.findChild<QCheckBox*>(mark)->setChecked(true);
+             OwnPage<StatisticsTabPage>(window, "statisticsTab")->Pages()->setCurrentIndex(0);
+           }},
           {tab::Report, "report",
            [&window, reportTemplate] {
              if (!reportTemplate.isEmpty())
                OwnPage<ReportTabPage>(window, "reportTab")->UseTemplate(reportTemplate.toStdString());
            }},
-          {tab::Print, "print", [&window] { OwnPage<PrintTabPage>(window, "printTab")->Preview(); }}};
+          {tab::Print, "print", [&window] {
+             if (OwnPage<PrintTabPage>(window, "printTab")->Preview()) window.WaitForGo();
+           }}};
 }
 
 // The profile chart zoomed to the middle fifth of its distance, as a rubber band over it leaves it.

@@ -9,9 +9,11 @@
 #include <QVBoxLayout>
 
 #include <ctime>
+#include <memory>
 
 #include "base/settings_io.h"
 #include "output_tabs.h"
+#include "workbench/report_analyses.h"
 
 namespace velmora::gui {
 namespace {
@@ -38,24 +40,24 @@ std::tm Now() {
 ReportTabPage::ReportTabPage(MainWindow& window, workbench::Workbench& bench) : window_(window), bench_(bench) {
   setObjectName("reportTab");
   QTableView* list = window.NewProfileList();
-  auto* choose = new QPushButton("テンプレート読込...");
+  auto* choose = new QPushButton(tr("テンプレート読込..."));
   choose->setObjectName("cmxReadExlFile");
   connect(choose, &QPushButton::clicked, this, [this] { ChooseTemplate(); });
   templateName_ = new QLabel;
   params_ = new QTableWidget(0, 2);
   params_->setObjectName("ssExelData");
-  params_->setHorizontalHeaderLabels({"パラメータ", "値"});
+  params_->setHorizontalHeaderLabels({tr("パラメータ"), tr("値")});
   params_->verticalHeader()->hide();
   params_->horizontalHeader()->setStretchLastSection(true);
-  reversed_ = new QCheckBox("位置を反転して出力する");
+  reversed_ = new QCheckBox(tr("位置を反転して出力する"));
   reversed_->setObjectName("reversed");
-  create_ = new QPushButton("エクセル出力");
+  create_ = new QPushButton(tr("エクセル出力"));
   create_->setObjectName("cmxExlsCreate");
   create_->setEnabled(false);
   connect(create_, &QPushButton::clicked, this, [this] { MakeReport(); });
-  written_ = new QLabel;
-  written_->setWordWrap(true);
-  written_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  writtenNames_ = new QLabel;
+  writtenNames_->setWordWrap(true);
+  writtenNames_->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
   auto* right = new QWidget;
   auto* rightLayout = new QVBoxLayout(right);
@@ -69,10 +71,10 @@ ReportTabPage::ReportTabPage(MainWindow& window, workbench::Workbench& bench) : 
   bottom->addWidget(create_);
   bottom->addStretch();
   rightLayout->addLayout(bottom);
-  rightLayout->addWidget(written_);
+  rightLayout->addWidget(writtenNames_);
   SplitPage(this, list, right, 220, 980);
   // On entry the profile choices follow the list, as the tab's list refill does.
-  window.AddOwnPage(tab::Report, "帳票出力", this, list, create_, [this] { ShowTemplate(); });
+  window.AddOwnPage(tab::Report, tr("帳票出力"), this, list, create_, [this] { ShowTemplate(); });
 }
 
 bool ReportTabPage::ChooseTemplate() {
@@ -131,34 +133,18 @@ std::vector<ExelParamEntry> ReportTabPage::EnteredParams() const {
   return entered;
 }
 
-// What every report reads: the bands and the 10 m continuous IRI of every profile. The IRI tab's own
-// boxes and selection are put back afterwards; its results then hold for 10 m and are made again on
-// its next Go when its boxes say otherwise.
-bool ReportTabPage::RunReportAnalyses() {
-  workbench::IriTabInputs kept = bench_.Iri;
-  const std::vector<int> rows = bench_.Selection(tab::Iri);
-  bench_.Iri.EvalLength = "10";
-  bench_.Iri.Bands = true;
-  bench_.SelectAll(tab::Iri);
-  const bool done = bench_.Go(tab::Iri);
-  bench_.Iri = kept;
-  bench_.Select(tab::Iri, rows);
-  return done;
-}
-
-std::optional<ExelReportFiles> ReportTabPage::MakeReport() {
-  if (window_.GoBusy()) return std::nullopt;
+bool ReportTabPage::MakeReport() {
+  if (window_.GoBusy()) return false;
   Session& session = bench_.Session();
   if (template_.OptionRows.empty()) {
-    session.Ui().Inform("出力対象のエクセルファイルが指定されていません。", "警告");
-    return std::nullopt;
+    session.Ui().Inform(tr("出力対象のエクセルファイルが指定されていません。").toStdString(), tr("警告").toStdString());
+    return false;
   }
-  if (!RunReportAnalyses()) return std::nullopt;
   FileDialogRequest dialog;
-  dialog.Title = "エクセル出力先フォルダ";
+  dialog.Title = tr("エクセル出力先フォルダ").toStdString();
   dialog.InitialDirectory = GetPrevValue(session, "CommonDialogPath", kFolderKey);
   const std::string folder = session.Ui().ChooseFolder(dialog);
-  if (folder.empty()) return std::nullopt;
+  if (folder.empty()) return false;
   SetPrevValue(session, "CommonDialogPath", kFolderKey, folder);
   ExelReportRequest request;
   request.Params = EnteredParams();
@@ -166,13 +152,25 @@ std::optional<ExelReportFiles> ReportTabPage::MakeReport() {
   request.Reversed = reversed_->isChecked();
   request.Folder = folder;
   request.Time = Now();
-  request.OpenDocument = [](const std::filesystem::path& workbook) {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(workbook.string())));
+  // Asked from the worker: the desktop opens the workbook on the window's thread.
+  request.OpenDocument = [this](const std::filesystem::path& workbook) {
+    const QUrl url = QUrl::fromLocalFile(QString::fromStdString(workbook.string()));
+    QMetaObject::invokeMethod(this, [url] { QDesktopServices::openUrl(url); }, Qt::QueuedConnection);
   };
-  std::optional<ExelReportFiles> written = cmxExlsCreate(session, template_, bench_.List(), request);
-  if (written)
-    written_->setText(QString::fromStdString(written->Workbook.string() + "\n" + written->Interface.string()));
-  return written;
+  written_.reset();
+  writtenNames_->clear();
+  auto made = std::make_shared<std::optional<ExelReportFiles>>();
+  const auto report = [this, request = std::move(request), made] {
+    const workbench::GoOutcome analyses = workbench::RunReportAnalyses(bench_);
+    if (analyses != workbench::GoOutcome::Completed) return analyses;
+    *made = cmxExlsCreate(bench_.Session(), template_, bench_.List(), request);
+    return *made ? workbench::GoOutcome::Completed : workbench::GoOutcome::Failed;
+  };
+  return window_.StartWork(report, [this, made](workbench::GoOutcome) {
+    written_ = std::move(*made);
+    if (written_)
+      writtenNames_->setText(QString::fromStdString(written_->Workbook.string() + "\n" + written_->Interface.string()));
+  });
 }
 
 ReportTabPage* AddReportTab(MainWindow& window, workbench::Workbench& bench) { return new ReportTabPage(window, bench); }

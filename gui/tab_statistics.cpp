@@ -22,7 +22,9 @@ namespace {
 
 namespace tab = workbench::tab;
 
-// The section pages of the profile side, whose rows are the sections of the grid: those have a chart.
+// The whole-length page of the profile side has the profiles' chart with the display marks; its
+// section pages, whose rows are the sections of the grid, the chart of those sections.
+constexpr int kWholePage = 0;
 constexpr int kFirstSectionPage = 1;
 constexpr int kLastSectionPage = 3;
 
@@ -121,11 +123,11 @@ QVariant StatisticsPageModel::data(const QModelIndex& index, int role) const {
   return {};
 }
 
-StatisticsTabPage::StatisticsTabPage(MainWindow& window, workbench::Workbench& bench) : bench_(bench) {
+StatisticsTabPage::StatisticsTabPage(MainWindow& window, workbench::Workbench& bench) : window_(window), bench_(bench) {
   setObjectName("statisticsTab");
   QTableView* list = window.NewProfileList();
-  auto* go = new QPushButton("実行");
-  auto* save = new QPushButton("保存");
+  auto* go = new QPushButton(tr("実行"));
+  auto* save = new QPushButton(tr("保存"));
   save->setObjectName("cmdSave統計値");
   connect(save, &QPushButton::clicked, this, [this] { workbench::SaveStatisticsTab(bench_); });
 
@@ -144,7 +146,7 @@ StatisticsTabPage::StatisticsTabPage(MainWindow& window, workbench::Workbench& b
   leftLayout->addLayout(buttons);
 
   SplitPage(this, left, MakeResults(), 380, 820);
-  window.AddOwnPage(tab::Statistics, "統計値", this, list, go, [this] { ShowResults(); });
+  window.AddOwnPage(tab::Statistics, tr("統計値"), this, list, go, [this] { ShowResults(); });
 }
 
 QWidget* StatisticsTabPage::MakeChoices() {
@@ -166,12 +168,15 @@ QWidget* StatisticsTabPage::MakeChoices() {
   iriLayout->addWidget(OrderList("並び順", bench_.StatisticsSortIri, "lst並順_IRI"));
   layout->addWidget(iri);
 
-  // chk統計値: what the profile chart annotates, kept across runs.
-  auto* marks = new QGroupBox("表示指定");
+  // chk統計値: what the profile chart annotates, kept across runs; the chart follows at once.
+  auto* marks = new QGroupBox(tr("表示指定"));
   auto* marksLayout = new QHBoxLayout(marks);
-  const char* const markNames[] = {"平均", "分散(σ)", "最大", "最小", "IRI"};
-  for (std::size_t i = 0; i < bench_.StatisticsMarks.size(); ++i)
-    marksLayout->addWidget(Bound(bench_.StatisticsMarks[i], QString::fromUtf8(markNames[i]), "chk統計値" + QString::number(i)));
+  const QString markNames[] = {tr("平均"), tr("分散(σ)"), tr("最大"), tr("最小"), tr("IRI")};
+  for (std::size_t i = 0; i < bench_.StatisticsMarks.size(); ++i) {
+    QCheckBox* mark = Bound(bench_.StatisticsMarks[i], markNames[i], "chk統計値" + QString::number(i));
+    connect(mark, &QCheckBox::toggled, this, [this] { chart_->Refresh(); });
+    marksLayout->addWidget(mark);
+  }
   layout->addWidget(marks);
   layout->addStretch();
   return choices;
@@ -189,21 +194,35 @@ QWidget* StatisticsTabPage::MakeResults() {
     view->verticalHeader()->hide();
     pages_->addTab(view, QString::fromUtf8(caption));
   }
-  chart_ = new ChartView([this](QSize size, graph::ChartWindow& window) {
-    const int shown = pages_->currentIndex();
-    if (shown < kFirstSectionPage || shown > kLastSectionPage) return Notice(size, "区間集計のページ（プロファイル）を選ぶと図が出ます。");
-    const StatisticsPage& page = models_.at(static_cast<std::size_t>(shown))->Page();
-    if (page.Empty()) return Notice(size, "結果がありません。実行を押してください。");
-    return RenderChart(
-        bench_.Session(), size, [&page](const graph::ChartCanvas& canvas) { graph::DrawStatisticsChart(canvas, page); },
-        &window);
-  });
+  chart_ = new ChartView([this](QSize size, graph::ChartWindow& window) { return RenderPageChart(size, window); });
   connect(pages_, &QTabWidget::currentChanged, chart_, [this] { chart_->Refresh(); });
   auto* splitter = new QSplitter(Qt::Vertical);
   splitter->addWidget(pages_);
   splitter->addWidget(chart_);
   splitter->setSizes({420, 380});
   return splitter;
+}
+
+QImage StatisticsTabPage::RenderPageChart(QSize size, graph::ChartWindow& window) const {
+  const int shown = pages_->currentIndex();
+  if (shown == kWholePage) {
+    // The profiles themselves, which a running Go may be writing: the picture on show stays meanwhile.
+    if (window_.GoBusy()) return {};
+    std::vector<const ProfileRecord*> profiles;
+    for (int row : bench_.Selection(tab::Statistics)) profiles.push_back(&bench_.List().Items.at(row));
+    if (profiles.empty()) return Notice(size, tr("リストでプロファイルを選択してください。"));
+    return RenderChart(
+        bench_.Session(), size,
+        [&](const graph::ChartCanvas& canvas) { graph::DrawProfileChart(canvas, profiles, bench_.StatisticsMarks); },
+        &window);
+  }
+  if (shown < kFirstSectionPage || shown > kLastSectionPage)
+    return Notice(size, tr("全区間または区間集計のページ（プロファイル）を選ぶと図が出ます。"));
+  const StatisticsPage& page = models_.at(static_cast<std::size_t>(shown))->Page();
+  if (page.Empty()) return Notice(size, tr("結果がありません。実行を押してください。"));
+  return RenderChart(
+      bench_.Session(), size, [&page](const graph::ChartCanvas& canvas) { graph::DrawStatisticsChart(canvas, page); },
+      &window);
 }
 
 void StatisticsTabPage::ShowResults() {

@@ -1,7 +1,9 @@
 #pragma once
 // The statistics tab: its list, the check boxes of what to compute, the two ordering lists, the five
-// display marks chk統計値, Go and the eight result pages with the chart of a section page.
+// display marks chk統計値, Go and the eight result pages with a chart: the profiles with the marks
+// beside the whole-length page, the deviation and spread per section beside a section page.
 #include <QAbstractTableModel>
+#include <QCoreApplication>
 #include <QTabWidget>
 #include <QWidget>
 
@@ -25,6 +27,8 @@ class StatisticsPageModel final : public QAbstractTableModel {
 };
 
 class StatisticsTabPage final : public QWidget {
+  Q_DECLARE_TR_FUNCTIONS(StatisticsTabPage)
+
  public:
   StatisticsTabPage(MainWindow& window, workbench::Workbench& bench);
   // The pages of the last run shown, the chart of the page on show drawn.
@@ -36,7 +40,10 @@ class StatisticsTabPage final : public QWidget {
  private:
   QWidget* MakeChoices();
   QWidget* MakeResults();
+  // The chart of the page on show at `size`, in the window's ranges.
+  QImage RenderPageChart(QSize size, graph::ChartWindow& window) const;
 
+  MainWindow& window_;
   workbench::Workbench& bench_;
   QTabWidget* pages_ = nullptr;
   std::vector<StatisticsPageModel*> models_;

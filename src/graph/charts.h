@@ -37,8 +37,19 @@ Colour PaletteColour(const ChartCanvas& canvas, std::size_t index);
 std::string OctaveLabel(int band);
 std::string OctaveRange(int band);
 
-// Elevation (mm) against distance (m), the profiles overlaid in their list colours.
-void DrawProfileChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles);
+// The display marks chk統計値, in their order 平均, 分散(σ), 最大, 最小, IRI: what a profile chart
+// annotates of each profile's whole length. The mean, the mean less and plus one standard deviation,
+// the highest and the lowest elevation are rules across the panel in the marks' colours; the IRI
+// stands in the legend beside the profile's name.
+using ProfileMarks = std::array<bool, 5>;
+inline constexpr Colour kMarkMean = 0x3C14DC;       // crimson
+inline constexpr Colour kMarkDeviation = 0x008CFF;  // orange
+inline constexpr Colour kMarkMaximum = 0x8B8B00;    // dark cyan
+inline constexpr Colour kMarkMinimum = 0x8B008B;    // dark magenta
+
+// Elevation (mm) against distance (m), the profiles overlaid in their list colours, with `marks`.
+void DrawProfileChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles,
+                      const ProfileMarks& marks = {});
 // The filter's input (light) and output (the profile's colour) for each profile.
 void DrawFilterChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles);
 // 10 m continuous IRI as a line, 10/100/200 m section IRIs as steps; with `bands` a second panel of

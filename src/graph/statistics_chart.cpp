@@ -44,9 +44,10 @@ void DrawStatisticsChart(const ChartCanvas& canvas, const StatisticsPage& page) 
         const double v = page.Body[r * page.KpColumn.size() + c];
         if (std::isfinite(v)) high = std::fmax(high, v);
       }
-    ChartPanel panel(canvas.Devices, canvas.Target, canvas.Surface, panels[p],
-                     {kpLow, std::fmax(kpHigh, to.empty() ? 1.0 : to.back()), false, p == 1 ? "KP (km)" : "", 8},
-                     {0, high, false, "mm", 4}, canvas.Font);
+    // Through the canvas, so that a window's zoom reaches the panels and its readout finds them.
+    ChartPanel panel = CanvasPanel(canvas, panels[p],
+                                   {kpLow, std::fmax(kpHigh, to.empty() ? 1.0 : to.back()), false, p == 1 ? "KP (km)" : "", 8},
+                                   {0, high, false, "mm", 4});
     panel.DrawAxes(fmt::format("{}  {}", page.Caption, shown[p]));
     std::vector<LegendEntry> legend;
     for (std::size_t k = 0; k < columns.size(); ++k) {

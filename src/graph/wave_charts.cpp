@@ -91,16 +91,34 @@ Colour LimitLineColourFor(Colour limitColour, Colour bandColour) {
   return limitColour == bandColour ? kBlack : limitColour;
 }
 
-void DrawProfileChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles) {
+void DrawProfileChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles,
+                      const ProfileMarks& marks) {
+  enum Mark { Mean, Deviation, Maximum, Minimum, Iri };
   std::vector<WaveLine> lines;
   std::vector<LegendEntry> legend;
+  std::vector<std::pair<double, DrawOptions>> rules;
+  const auto rule = [&rules](double y, Colour colour) { rules.push_back({y, {.Width = 2, .Color = colour}}); };
   for (std::size_t i = 0; i < profiles.size(); ++i) {
     const ProfileRecord& p = *profiles[i];
     const Colour colour = PaletteColour(canvas, i);
     lines.push_back({Samples(p.WorkProfile, p.WorkCount), PitchOf(p), {.Color = colour}});
-    legend.push_back({ProfileList::NameOf(p), colour});
+    const ProfileStatistics& s = p.Statistics;
+    if (marks[Mean]) rule(s.Mean, kMarkMean);
+    if (marks[Deviation]) {
+      rule(s.Mean - s.StdDev, kMarkDeviation);
+      rule(s.Mean + s.StdDev, kMarkDeviation);
+    }
+    if (marks[Maximum]) rule(s.Max, kMarkMaximum);
+    if (marks[Minimum]) rule(s.Min, kMarkMinimum);
+    const std::string name = ProfileList::NameOf(p);
+    legend.push_back({marks[Iri] ? fmt::format("{}  IRI {} mm/m", name, IriText(p.Analysis.Iri.IriWholeProfile)) : name, colour});
   }
-  WavePanel(canvas, canvas.Area, "縦断プロファイル", LongestDistance(profiles), lines, legend, false, "距離 (m)");
+  const std::array<std::pair<const char*, Colour>, 4> captions{
+      {{"平均", kMarkMean}, {"平均±σ", kMarkDeviation}, {"最大", kMarkMaximum}, {"最小", kMarkMinimum}}};
+  for (std::size_t m = 0; m < captions.size(); ++m)
+    if (marks[m]) legend.push_back({captions[m].first, captions[m].second, 0, 2});
+  WavePanel(canvas, canvas.Area, "縦断プロファイル", LongestDistance(profiles), lines, legend, false, "距離 (m)",
+            kWhite, rules);
 }
 
 void DrawFilterChart(const ChartCanvas& canvas, std::span<const ProfileRecord* const> profiles) {

@@ -4,6 +4,8 @@
 #include <future>
 #include <memory>
 
+#include "base/progress.h"
+
 namespace velmora::workbench {
 namespace {
 
@@ -103,6 +105,10 @@ BackgroundGo::~BackgroundGo() {
 }
 
 bool BackgroundGo::Start(int tab, PostToCaller post, std::function<void(GoOutcome)> done) {
+  return StartWork([this, tab] { return bench_.RunGo(tab); }, std::move(post), std::move(done));
+}
+
+bool BackgroundGo::StartWork(std::function<GoOutcome()> work, PostToCaller post, std::function<void(GoOutcome)> done) {
   if (busy_) return false;
   if (worker_.joinable()) worker_.join();  // an earlier Go that has ended
   busy_ = true;
@@ -110,13 +116,15 @@ bool BackgroundGo::Start(int tab, PostToCaller post, std::function<void(GoOutcom
   Session& session = bench_.Session();
   auto marshalled = std::make_shared<MarshalledInteraction>(session.Ui(), post, stop_);
   auto scope = std::make_shared<ScopedUi>(session, *marshalled);
-  worker_ = std::thread([this, tab, post, done = std::move(done), marshalled, scope]() mutable {
+  worker_ = std::thread([this, work = std::move(work), post, done = std::move(done), marshalled, scope]() mutable {
     GoOutcome outcome = GoOutcome::Failed;
     try {
-      outcome = bench_.RunGo(tab);
+      outcome = work();
+    } catch (const Cancelled&) {
+      outcome = GoOutcome::Cancelled;  // a stop that unwound past the work's own handlers
     } catch (...) {
-      // RunGo reports its own failures; what escapes it (a log that cannot be written) ends it here,
-      // as nothing may leave a thread's function.
+      // The work reports its own failures; what escapes it (a log that cannot be written) ends it
+      // here, as nothing may leave a thread's function.
     }
     // The interaction and its scope travel with the end, so that both are released on the caller's thread.
     post([this, outcome, done = std::move(done), marshalled = std::move(marshalled), scope = std::move(scope)]() mutable {

@@ -47,6 +47,9 @@ class BackgroundGo {
   // Starts the Go of `tab` on a worker thread; `done` runs on the caller's thread when it has ended.
   // False (and nothing started) while another Go runs.
   bool Start(int tab, PostToCaller post, std::function<void(GoOutcome)> done);
+  // The same for work of the front end's own that drives the workbench as a Go does (a report, the
+  // printed pages): it runs on the worker under the same rules and tells how it ended.
+  bool StartWork(std::function<GoOutcome()> work, PostToCaller post, std::function<void(GoOutcome)> done);
   bool Busy() const { return busy_; }
   // Asks the running Go to stop at its next progress report (a window's Cancel button).
   void RequestStop() { stop_ = true; }

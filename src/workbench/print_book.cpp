@@ -3,6 +3,7 @@
 #include <spawn.h>
 #include <sys/wait.h>
 
+#include "base/error_log.h"
 #include "base/progress.h"
 
 extern char** environ;
@@ -82,6 +83,19 @@ void ComposePrintPdf(Session& session, const PrintBook& book, graph::PrinterTarg
     }
   }
   devices.releaseHDC(hdc);
+}
+
+GoOutcome WritePrintPdf(Session& session, const PrintBook& book, int paperCode, const std::filesystem::path& target) {
+  try {
+    // The printer's pages stay in memory until it is released: a stop on the way writes nothing.
+    const bool written = Guarded(session, "basPrintOut", "cmdPrintOut", [&] {
+      graph::PrinterTarget printer = PrintPaper(book.Sheet, paperCode, target);
+      ComposePrintPdf(session, book, printer);
+    });
+    return written ? GoOutcome::Completed : GoOutcome::Failed;
+  } catch (const Cancelled&) {
+    return GoOutcome::Cancelled;
+  }
 }
 
 QueueOutcome QueuePdf(const std::filesystem::path& pdf, const std::string& printer) {

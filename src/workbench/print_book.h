@@ -47,6 +47,11 @@ graph::PrinterTarget PrintPaper(PrintSheet sheet, int paperCode, const std::file
 using PageAlso = std::function<void(int page, graph::DrawDevices& devices, const graph::PrinterTarget& printer)>;
 void ComposePrintPdf(Session& session, const PrintBook& book, graph::PrinterTarget& printer, const PageAlso& alsoEach = {});
 
+// Every page into the PDF `target` under the progress display, the file written whole once the last
+// page is drawn. Failed when a page could not be drawn or written (logged), Cancelled when the display
+// asked to stop: either way no file is left, and one of that name from before stays as it was.
+GoOutcome WritePrintPdf(Session& session, const PrintBook& book, int paperCode, const std::filesystem::path& target);
+
 // The PDF handed to the system's print queue through `lp` (to `printer`, or the default one when
 // empty), which copies it into its spool at once.
 enum class QueueOutcome { Queued, NoQueue, Refused };

@@ -6,9 +6,11 @@
 #include <QListWidget>
 #include <QPushButton>
 
+#include <algorithm>
 #include <cmath>
 
 #include "program_fixture.h"
+#include "qt_colour.h"
 #include "tab_statistics.h"
 
 namespace velmora::gui {
@@ -142,6 +144,107 @@ TEST_F(StatisticsTabTest, TheOrderingButtonsMoveAWordAndTheDisplayMarksSurviveAR
   Restart();
   EXPECT_EQ(run->bench.StatisticsMarks, (std::array<bool, 5>{false, true, false, false, true}));
   EXPECT_TRUE(run->window->findChild<QCheckBox*>("chk統計値4")->isChecked());
+}
+
+// The rows (pixels from the top) in which `colour` crosses more than half of the frame: the rules.
+std::vector<int> RuleRows(const QImage& image, const graph::Rect& frame, Colour colour) {
+  const QColor wanted = QtColour(colour);
+  std::vector<int> rows;
+  for (int y = static_cast<int>(frame.Top); y < static_cast<int>(frame.Bottom); ++y) {
+    int count = 0;
+    for (int x = static_cast<int>(frame.Left); x < static_cast<int>(frame.Right); ++x) {
+      const QColor c = image.pixelColor(x, y);
+      count += std::abs(c.red() - wanted.red()) + std::abs(c.green() - wanted.green()) + std::abs(c.blue() - wanted.blue()) < 24;
+    }
+    if (count > (frame.Right - frame.Left) / 2) rows.push_back(y);
+  }
+  return rows;
+}
+
+TEST_F(StatisticsTabTest, TheDisplayMarksRuleTheProfileChartAtItsMeanDeviationHighestAndLowest) {
+  // 20 m at 0.1 m: 100 samples of 2 mm, 50 of 8 mm, 50 of -4 mm. Mean (200 + 400 - 200)/200 = 2;
+  // deviations 0, +6, -6 give σ² = (50·36 + 50·36)/200 = 18.
+  std::vector<double> samples(100, 2.0);
+  samples.insert(samples.end(), 50, 8.0);
+  samples.insert(samples.end(), 50, -4.0);
+  ASSERT_TRUE(run->window->AddFiles({WriteErd("steps", 0.1, samples)}));
+  run->window->ToggleMode();
+  run->window->ToggleMode();
+  run->window->ShowTab(tab::Statistics);
+  Page().Pages()->setCurrentIndex(0);  // the whole-length page shows the profiles themselves
+  Page().Chart()->resize(800, 500);
+  Page().Chart()->Refresh();
+  ASSERT_EQ(Page().Chart()->Window().Panels.size(), 1u);
+  const graph::PanelMapping& panel = Page().Chart()->Window().Panels[0];
+  for (Colour colour : {graph::kMarkMean, graph::kMarkDeviation, graph::kMarkMaximum, graph::kMarkMinimum})
+    EXPECT_TRUE(RuleRows(Page().Chart()->Image(), panel.Frame, colour).empty()) << "no mark ticked";
+
+  struct Mark {
+    const char* Box;
+    Colour Drawn;
+    std::vector<double> At;  // mm
+  };
+  const double sigma = std::sqrt(18.0);
+  const Mark marks[] = {{"chk統計値0", graph::kMarkMean, {2}},
+                        {"chk統計値1", graph::kMarkDeviation, {2 + sigma, 2 - sigma}},
+                        {"chk統計値2", graph::kMarkMaximum, {8}},
+                        {"chk統計値3", graph::kMarkMinimum, {-4}}};
+  for (const Mark& mark : marks) {
+    SCOPED_TRACE(mark.Box);
+    Tick(mark.Box);  // the chart follows the tick at once
+    const graph::PanelMapping& ticked = Page().Chart()->Window().Panels.at(0);
+    const std::vector<int> rows = RuleRows(Page().Chart()->Image(), ticked.Frame, mark.Drawn);
+    ASSERT_FALSE(rows.empty());
+    for (double value : mark.At) {
+      const double y = ticked.SurfaceY(value);
+      EXPECT_TRUE(std::any_of(rows.begin(), rows.end(), [y](int row) { return std::abs(row + 0.5 - y) <= 1.5; }))
+          << value << " mm, expected near row " << y;
+    }
+    // Nothing but the rule: each rule is at most a few rows thick.
+    EXPECT_LE(rows.size(), mark.At.size() * 3);
+  }
+  EXPECT_EQ(run->bench.StatisticsMarks, (std::array<bool, 5>{true, true, true, true, false}));
+  // The IRI goes into the legend beside the name ("-" before the IRI tab has computed it).
+  const QImage withoutIri = Page().Chart()->Image();
+  Tick("chk統計値4");
+  EXPECT_NE(Page().Chart()->Image(), withoutIri);
+}
+
+TEST_F(StatisticsTabTest, TheSectionChartZoomsToTheRangeAskedAndReadsItBack) {
+  ASSERT_TRUE(run->window->AddFiles(Examples()));
+  run->window->ToggleMode();
+  run->window->ToggleMode();
+  run->window->ShowTab(tab::Statistics);
+  Tick("chk帯域_pro0");
+  Tick("chk統計値_proTop");
+  ASSERT_TRUE(run->window->StartGo(tab::Statistics));
+  ASSERT_EQ(run->window->WaitForGo(), workbench::GoOutcome::Completed);
+  Page().Pages()->setCurrentIndex(2);  // 100 m sections
+  ChartView& chart = *Page().Chart();
+  chart.resize(800, 500);
+  chart.Refresh();
+  // Two panels, the deviation and the spread, sharing the KP.
+  ASSERT_EQ(chart.Window().Panels.size(), 2u);
+  const QImage whole = chart.Image();
+  const graph::AxisRange all = chart.Window().Panels[0].X;
+  const graph::AxisRange middle{all.Low + (all.High - all.Low) / 4, all.Low + (all.High - all.Low) / 2};
+  chart.ZoomTo(1, middle, graph::AxisRange{0, 1});
+  ASSERT_EQ(chart.Window().Panels.size(), 2u);
+  for (std::size_t p = 0; p < 2; ++p) {
+    EXPECT_DOUBLE_EQ(chart.Window().Panels[p].X.Low, middle.Low) << p;
+    EXPECT_DOUBLE_EQ(chart.Window().Panels[p].X.High, middle.High) << p;
+  }
+  EXPECT_DOUBLE_EQ(chart.Window().Panels[1].Y.High, 1);
+  EXPECT_NE(chart.Image(), whole);
+  // The readout finds the panel under the mouse and reads the zoomed range there.
+  const graph::Rect frame = chart.Window().Panels[1].Frame;
+  const std::optional<ChartPoint> point = chart.PointAt({(frame.Left + frame.Right) / 2, (frame.Top + frame.Bottom) / 2});
+  ASSERT_TRUE(point.has_value());
+  EXPECT_EQ(point->Panel, 1u);
+  EXPECT_NEAR(point->X, (middle.Low + middle.High) / 2, (middle.High - middle.Low) / 50);
+  EXPECT_NEAR(point->Y, 0.5, 0.05);
+  chart.ResetZoom();
+  EXPECT_EQ(chart.Image(), whole);
 }
 
 }  // namespace
