@@ -1,6 +1,7 @@
 #pragma once
 // The error log every handler of the program shares, and the start marker.
 #include <exception>
+#include <new>
 #include <string_view>
 
 #include "base/session.h"
@@ -19,12 +20,16 @@ void DebugStart(const Session& session);
 
 // Runs `operation` as an operation boundary: a run-time error goes to ErrorLog under the module and
 // procedure names and the result is false. Returns true when the operation ended normally. A log
-// that cannot be written raises to the caller, as any error of a handler does.
+// that cannot be written raises to the caller, as any error of a handler does. Running out of memory
+// is no fault of the procedure's data: it goes on up to the operation that can name the profiles, the
+// memory being freed on the way.
 template <class F>
 bool Guarded(Session& session, std::string_view moduleName, std::string_view procName, F&& operation) {
   try {
     operation();
     return true;
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception& error) {
     ErrorLog(session, moduleName, procName, error);
     return false;

@@ -11,6 +11,7 @@ namespace velmora {
 // Error numbers as the handlers report them.
 enum class ErrorNumber : int {
   Overflow = 6,
+  OutOfMemory = 7,
   SubscriptOutOfRange = 9,
   DivisionByZero = 11,
   TypeMismatch = 13,

@@ -1,6 +1,7 @@
 #include "workbench/workbench.h"
 
 #include <algorithm>
+#include <new>
 #include <stdexcept>
 
 #include <fmt/format.h>
@@ -246,10 +247,19 @@ void Workbench::RestoreWorkState(WorkState&& state) {
   session_.CurrentConditions = std::move(state.Conditions);
 }
 
+// The profiles a computation ran out of memory on, named: the user learns which were too long for
+// this machine.
+LegacyError Workbench::OutOfMemoryFor(const std::vector<int>& rows) const {
+  std::string names;
+  for (int row : rows) names += (names.empty() ? "" : ", ") + list_.Items[row].FileName;
+  return LegacyError(ErrorNumber::OutOfMemory, fmt::format("{}: {}", names, "メモリが不足しています。"));
+}
+
 GoOutcome Workbench::RedrawOutcome(int tab, bool alwaysShowProgress) {
   bool progressShown = false;
   // What a computation may change, kept until it ends, so that a stop asked for leaves no trace.
   std::optional<WorkState> before;
+  std::vector<int> stale;
   try {
     const TabComputation& computation = computations_[At(tab)];
     if (computation.Compute || computation.ComputeRows) {
@@ -260,7 +270,6 @@ GoOutcome Workbench::RedrawOutcome(int tab, bool alwaysShowProgress) {
         rows.clear();
         for (int row = 1; row <= list_.Count(); ++row) rows.push_back(row);
       }
-      std::vector<int> stale;
       for (int row : rows)
         if (resultKeys_[static_cast<std::size_t>(row - 1)][At(tab)] != key) stale.push_back(row);
       if (!stale.empty() && UndoStoppedGo) before = SaveWorkState();
@@ -307,7 +316,10 @@ GoOutcome Workbench::RedrawOutcome(int tab, bool alwaysShowProgress) {
     return GoOutcome::Cancelled;
   } catch (const std::exception& error) {
     if (progressShown) session_.Ui().ProgressExit();
-    ErrorLog(session_, kModule, HandlerName(tab), error);
+    if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr)
+      ErrorLog(session_, kModule, HandlerName(tab), OutOfMemoryFor(stale));
+    else
+      ErrorLog(session_, kModule, HandlerName(tab), error);
     return GoOutcome::Failed;
   }
 }

@@ -188,6 +188,7 @@ class Workbench {
   };
   WorkState SaveWorkState() const;
   void RestoreWorkState(WorkState&& state);
+  LegacyError OutOfMemoryFor(const std::vector<int>& rows) const;
 
   bool Redraw(int tab, bool alwaysShowProgress);
   GoOutcome RedrawOutcome(int tab, bool alwaysShowProgress);

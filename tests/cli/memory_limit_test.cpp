@@ -47,14 +47,14 @@ TEST_F(MemoryLimitTest, IriWithBandsOfAMillionSamplesRunsIn300BytesPerSampleAndR
   ASSERT_EQ(RunWithin(startUp + 300 * kMegabyte, "iri " + road + " --length 10 --bands"), 0) << Stderr();
   // Every window of the 10 m continuous table: 10^6 samples less the 25 of the 0.25 m slope base give
   // 999,975 responses, and each window spans 1,000 of them after the first: 998,975 rows and a head.
-  const std::string table = ReadBytes(WrittenWith("IRI(10m連続)"));
+  const std::string table = testing::ReadBytes(WrittenWith("IRI(10m連続)"));
   EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 998'976);
   EXPECT_EQ(Written().size(), 5u);
 
   std::filesystem::remove_all(temp / "out");
   EXPECT_EQ(RunWithin(startUp + 100 * kMegabyte, "iri " + road + " --length 10 --bands"), 1);
   EXPECT_NE(Stderr().find("long.erd"), std::string::npos) << Stderr();
-  EXPECT_NE(Stderr().find("メモリが足りない"), std::string::npos) << Stderr();
+  EXPECT_NE(Stderr().find("メモリが不足しています。"), std::string::npos) << Stderr();
   EXPECT_TRUE(Written().empty());
 }
 
