@@ -28,6 +28,9 @@ bool ReadsAsZero(double value) {
 
 int PowerOf(const IriParams& params) { return params.PowerWeighting != 0 ? 2 : 1; }
 
+// Where the profile's first sliding window ends, in samples of pitch dx over `length` m.
+std::int32_t WindowEndOf(double dx, double length) { return IntLong((dx / 2 + length) / dx) + 1; }
+
 double PitchOf(const AnalysisBlock& block) { return 1.0 / block.SamplesPerMetre; }
 
 // The response of elevations `work` (1..n used) with the parameters of `params`; returns N'.
@@ -174,7 +177,7 @@ void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriPar
   r.IriResponseWave = FirstElements(std::move(work), responseCount);
   r.IriWholeProfile = IriPowerMean(r.IriResponseWave.span(), responseCount, power);
 
-  const std::int32_t windowEnd = IntLong((dx / 2 + length) / dx) + 1;
+  const std::int32_t windowEnd = WindowEndOf(dx, length);
   r.IriWindowCount = std::max(CLng(responseCount - Int(length / dx + 0.1)), 0);
   StoreWave(r.IriWindowWave, FirstElements(SlidingWindowIri(r.IriResponseWave.span(), responseCount, windowEnd, power),
                                            r.IriWindowCount));
@@ -209,6 +212,16 @@ void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriPar
   BandResponseAndWindow(CheckedWave(octave.ShortSum.Values, n, "short-wave sum"), n, dx, params, windowEnd,
                         r.IriWindowCount, r.IriResponseShort,
                         r.IriWindowShort);
+}
+
+WaveSeries DerivedIriWindow(const AnalysisBlock& block, const Array1<double>& wave, const IriParams& params) {
+  const double dx = PitchOf(block);
+  const std::int32_t n = block.Count;
+  Array1<double> response;
+  WaveSeries window;
+  BandResponseAndWindow(CheckedWave(wave, n, "derived wave"), n, dx, params, WindowEndOf(dx, params.IriBaseLength),
+                        block.Iri.IriWindowCount, response, window);
+  return window;
 }
 
 }  // namespace velmora

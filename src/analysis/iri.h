@@ -49,4 +49,9 @@ void CalcIriFilter(const DebugTables& debug, AnalysisBlock& block, const IriPara
 // sums, which must have been calculated. Recomputes unconditionally.
 void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriParams& params, bool withBands);
 
+// The sliding-window IRI of one wave derived from the block's prepared profile (an octave band or a
+// sum, block.Count elevations), the same series CalcIriProfile keeps in IriWindowBand, without the
+// response it passes through. CalcIriProfile must have run on the block: its window count is taken.
+WaveSeries DerivedIriWindow(const AnalysisBlock& block, const Array1<double>& wave, const IriParams& params);
+
 }  // namespace velmora
