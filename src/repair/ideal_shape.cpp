@@ -211,6 +211,7 @@ bool StudyWaveOctave(Session& session, const Array1<double>& wave, double pitch,
     const auto n = static_cast<std::int32_t>(wave.size());
     AnalysisBlock block;
     PrepareAnalysis(DebugTablesOf(session), block, n, wave, pitch);
+    block.Profile = {};  // the split reads `wave` itself: its copy would only add to the peak
     EnsureOctaveMasks(block);
     std::int32_t seq = 0;
     Need(Cal_プロファイル分解_単体処理(session, writeDebug, seq, 0, n, block.FftLength1, block.FftLength2, block.Masks, wave,

@@ -186,7 +186,8 @@ TEST_F(StudyFilesTest, ShortWaveFileHasSAndSPrimeAndTheNineReducedBands) {
   StoreWave(Study().ShortReduced, Array1<double>(sine));
   Study().ShortReducedValid = true;
   const Texts lines = uToken(Written(RepairExportKind::ShortWave, tab::ShortWave, "a_S波_20240305120000.CSV"), "\r\n");
-  ASSERT_EQ(lines.size(), static_cast<std::size_t>(kSamples) + 1);
+  ASSERT_EQ(lines.size(), static_cast<std::size_t>(kSamples) + 2);  // the head, the rows, after the last CR LF nothing
+  EXPECT_EQ(lines.back(), "");
   EXPECT_EQ(lines[0],
             "Distance(m), Profile, S波Profile, S'波Profile, 1-OCT(S'波), 2-OCT(S'波), 3-OCT(S'波), 4-OCT(S'波), "
             "5-OCT(S'波), 6-OCT(S'波), 7-OCT(S'波), 8-OCT(S'波), 9-OCT(S'波)");
@@ -196,6 +197,7 @@ TEST_F(StudyFilesTest, ShortWaveFileHasSAndSPrimeAndTheNineReducedBands) {
     const double s = std::stod(fields[2]);
     EXPECT_NEAR(s, sine[static_cast<std::size_t>(row - 1)], 1e-8) << row;
     EXPECT_EQ(fields[3], fields[2]) << row;  // S' as the study keeps it
+    if (row <= kSamples / 4 || row > kSamples * 3 / 4) continue;  // the ends leak into the next octaves
     EXPECT_NEAR(std::stod(fields[10]), s, 0.05) << row;
     for (int band = 1; band <= 9; ++band)
       if (band != 7) EXPECT_NEAR(std::stod(fields[static_cast<std::size_t>(3 + band)]), 0.0, 0.05) << row << " " << band;
