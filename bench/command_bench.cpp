@@ -113,6 +113,9 @@ BENCHMARK_CAPTURE(Command, octave, std::vector<std::string>{"octave"})->Unit(ben
 BENCHMARK_CAPTURE(Command, reduce, std::vector<std::string>{"reduce"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
 BENCHMARK_CAPTURE(Command, summary, std::vector<std::string>{"summary"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
 BENCHMARK_CAPTURE(Command, repair, std::vector<std::string>{"repair"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+// The study with the settings' boundaries and no band line: all five files, the ideal shape's the
+// largest (33 columns, 27 of them octave bands of M, M' and M'').
+BENCHMARK_CAPTURE(Command, repair_no_lines, std::vector<std::string>{"repair", "--long", "51.2", "--short", "4", "--length", "10", "--lines", ",,,,,,,,"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
 // The verification as shipped (IRI filter, and the save's second run without it) and on the
 // elevations alone.
 BENCHMARK_CAPTURE(CommandOnPair, xcorr_half, std::vector<std::string>{"xcorr", "--max-shift", "half"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);

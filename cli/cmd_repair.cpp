@@ -176,9 +176,9 @@ int RunRepairCommand(const CommonOptions& common, const RepairOptions& o) {
     for (int row : bench.Selection(IdealShape)) {
       const ProfileRecord& record = bench.Profile(row);
       const std::string name = ProfileList::NameOf(record);
-      const double iri = record.RepairStudy.ProfileIri.IriWholeProfile;
-      const double corrected = ChosenOutcome(record).Corrected.Iri.IriWholeProfile;
-      const double ideal = record.RepairStudy.IdealShape.Iri.IriWholeProfile;
+      const double iri = record.RepairStudy.ProfileIri;
+      const double corrected = ChosenOutcome(record).Corrected.IriWholeProfile;
+      const double ideal = record.RepairStudy.IdealShape.IriWholeProfile;
       session->Run.Say(fmt::format("{}\tIRI {:.4f} mm/m\tcorrected {:.4f} mm/m\tideal {:.4f} mm/m", name, iri, corrected, ideal));
       session->Run.Result({{"profile", name},
                            {"iri_mm_per_m", iri},

@@ -200,12 +200,16 @@ void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriPar
 
 SplitWaveIri IriOfSplitWave(const AnalysisBlock& block, const IriParams& params, int wave) {
   const OctaveBandSet& octave = block.Octave;
+  if (wave == kLongSumWave) return IriOfDerivedWave(block, octave.LongSum.Values, params, "the long-wave sum");
+  if (wave == kShortSumWave) return IriOfDerivedWave(block, octave.ShortSum.Values, params, "the short-wave sum");
+  return IriOfDerivedWave(block, octave.Band.at(static_cast<std::size_t>(wave)).Values, params,
+                          "octave " + std::to_string(wave));
+}
+
+SplitWaveIri IriOfDerivedWave(const AnalysisBlock& block, const Array1<double>& wave, const IriParams& params,
+                              std::string_view what) {
   const std::int32_t n = block.Count;
-  std::vector<double> work =
-      wave == kLongSumWave    ? CheckedWave(octave.LongSum.Values, n, "the long-wave sum")
-      : wave == kShortSumWave ? CheckedWave(octave.ShortSum.Values, n, "the short-wave sum")
-                              : CheckedWave(octave.Band.at(static_cast<std::size_t>(wave)).Values, n,
-                                            "octave " + std::to_string(wave));
+  std::vector<double> work = CheckedWave(wave, n, what);
   const double dx = PitchOf(block);
   SplitWaveIri result;
   const std::int32_t responseCount = ResponseOf(work, n, dx, params);

@@ -4,6 +4,7 @@
 // with their sliding-window IRI.
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "base/session.h"
 #include "results/analysis_block.h"
@@ -53,12 +54,18 @@ void CalcIriProfile(const DebugTables& debug, AnalysisBlock& block, const IriPar
 inline constexpr int kLongSumWave = 10;
 inline constexpr int kShortSumWave = 11;
 
-// The quarter-car response of one wave of the block's octave split and its sliding-window IRI, cut to
-// the profile's window count: CalcIriProfile must have run on the block with the same params.
+// The quarter-car response of one wave derived from the block's prepared profile and its sliding-window
+// IRI, cut to the profile's window count: CalcIriProfile must have run on the block with the same
+// params. Only one such response need be held at a time.
 struct SplitWaveIri {
   Array1<double> Response;
   WaveSeries Window;
 };
+// A wave of the block's own octave split.
 SplitWaveIri IriOfSplitWave(const AnalysisBlock& block, const IriParams& params, int wave);
+// Any wave of block.Count elevations derived from the profile (an octave band of another wave, say);
+// `what` names it in the error when the wave is shorter.
+SplitWaveIri IriOfDerivedWave(const AnalysisBlock& block, const Array1<double>& wave, const IriParams& params,
+                              std::string_view what = "a derived wave");
 
 }  // namespace velmora

@@ -193,8 +193,8 @@ void DrawRepairChart(const ChartCanvas& canvas, const ProfileRecord& profile) {
   const Colour kProfile = 0x808080, kCorrected = 0x00A000, kIdeal = 0xE00000;
   WavePanel(canvas, panels[0],
             fmt::format("補修形状  IRI: プロファイル {}  修正 {}  理想形状 {} (mm/m)",
-                        IriText(study.ProfileIri.IriWholeProfile), IriText(outcome.Corrected.Iri.IriWholeProfile),
-                        IriText(study.IdealShape.Iri.IriWholeProfile)),
+                        IriText(study.ProfileIri), IriText(outcome.Corrected.IriWholeProfile),
+                        IriText(study.IdealShape.IriWholeProfile)),
             length,
             {{Samples(profile.WorkProfile, profile.WorkCount), pitch, {.Color = kProfile}},
              {Samples(study.IdealShape.Wave), pitch, {.Width = 2, .Color = kIdeal}},

@@ -88,6 +88,13 @@ Array1<double> SumOf(const Array1<double>& a, const Array1<double>& b, const Arr
   return sum;
 }
 
+// The IRI (mm/m) of a whole study wave; a failure is in the log already.
+double WholeIri(Session& session, const Array1<double>& wave, double pitch, const IriParams& iri) {
+  IriResults results;
+  Need(StudyWaveIri(session, wave, pitch, iri, results));
+  return results.IriWholeProfile;
+}
+
 // M' and what follows from it, in the five steps the study's progress counts.
 void ComputeOutcome(Session& session, const ProfileRecord& record, const ThreeWaveParams& params, Array1<double> mPrime,
                     MWaveOutcome& out, const std::function<void(int)>& step) {
@@ -95,25 +102,20 @@ void ComputeOutcome(Session& session, const ProfileRecord& record, const ThreeWa
   const double pitch = PitchOf(record);
   const IriParams iri = StudyIriParams(session, params.IriLength);
   MWaveOutcome result;
-  Need(AnalyseStudyWave(session, mPrime, pitch, nullptr, true, 0, result.MPrime));
+  StoreWave(result.MPrime.Wave, std::move(mPrime));
   step(1);
   // Added in the order S, M', L.
-  const Array1<double> corrected = SumOf(split.ShortWave.Values, mPrime, split.LongWave.Values);
-  StoreWave(result.Corrected.Wave, corrected);
+  StoreWave(result.Corrected.Wave, SumOf(split.ShortWave.Values, result.MPrime.Wave.Values, split.LongWave.Values));
   step(2);
-  Need(Cal_補修形状3波分解_SUB(session, params.LongBoundary, params.ShortBoundary, record.WorkCount, pitch, corrected,
-                               result.CorrectedSplit.LongWave, result.CorrectedSplit.MiddleWave,
-                               result.CorrectedSplit.ShortWave));
-  result.CorrectedSplit.LongBoundary = params.LongBoundary;
-  result.CorrectedSplit.ShortBoundary = params.ShortBoundary;
-  result.CorrectedSplit.Valid = true;
+  {
+    WaveSeries correctedLong, correctedShort;  // only the middle wave of the second split is shown
+    Need(Cal_補修形状3波分解_SUB(session, params.LongBoundary, params.ShortBoundary, record.WorkCount, pitch,
+                                 result.Corrected.Wave.Values, correctedLong, result.CorrectedMiddle, correctedShort));
+  }
   step(3);
-  StudyWave middle;
-  Need(AnalyseStudyWave(session, result.CorrectedSplit.MiddleWave.Values, pitch, nullptr, true, 0, middle));
-  result.CorrectedMiddleOctave = std::move(middle.Octave);
+  result.MPrime.IriWholeProfile = WholeIri(session, result.MPrime.Wave.Values, pitch, iri);
   step(4);
-  Need(AnalyseStudyWave(session, mPrime, pitch, &iri, false, 0, result.MPrime));
-  Need(AnalyseStudyWave(session, corrected, pitch, &iri, false, 0, result.Corrected));
+  result.Corrected.IriWholeProfile = WholeIri(session, result.Corrected.Wave.Values, pitch, iri);
   step(5);
   out = std::move(result);
 }
@@ -128,16 +130,12 @@ void MiddleWaveStep(Session& session, ProfileRecord& record, const ThreeWavePara
   RepairStudyData& study = record.RepairStudy;
   study.MiddleValid = false;
 
-  Need(AnalyseStudyWave(session, split.MiddleWave.Values, pitch, nullptr, true, 0, study.Middle));
   step(1);
   WaveSeries straightened;
   Need(Cal_補修形状_M波の直線化(session, n, split.MiddleWave.Values, 0, PlanRangeOf(record, usePlanRange), straightened));
   step(2);
-  ComputeOutcome(session, record, params, straightened.Values, study.Calculated, [&](int s) { step(2 + s); });
-  StudyWave profile;
-  Need(AnalyseStudyWave(session, record.WorkProfile, pitch, &iri, false, 0, profile));
-  study.ProfileIri = std::move(profile.Iri);
-  Need(AnalyseStudyWave(session, split.MiddleWave.Values, pitch, &iri, false, 0, study.Middle));
+  ComputeOutcome(session, record, params, std::move(straightened.Values), study.Calculated, [&](int s) { step(2 + s); });
+  study.ProfileIri = WholeIri(session, record.WorkProfile, pitch, iri);
   std::vector<MWaveExtremum> crests, troughs;
   Need(Cal_補修形状_M波の山谷情報(session, n, split.MiddleWave.Values, crests, troughs));
   const Array1<double>& mPrime = study.Calculated.MPrime.Wave.Values;
@@ -207,25 +205,33 @@ PlanRange PlanRangeOf(const ProfileRecord& record, bool use) {
   return plan;
 }
 
-bool AnalyseStudyWave(Session& session, const Array1<double>& wave, double pitch, const IriParams* iri, bool octave,
-                      std::int32_t writeDebug, StudyWave& out) {
-  return GuardedStep(session, "AnalyseStudyWave", [&] {
+bool StudyWaveOctave(Session& session, const Array1<double>& wave, double pitch, std::int32_t writeDebug,
+                     OctaveBands& bands) {
+  return GuardedStep(session, "StudyWaveOctave", [&] {
     const auto n = static_cast<std::int32_t>(wave.size());
     AnalysisBlock block;
     PrepareAnalysis(DebugTablesOf(session), block, n, wave, pitch);
-    if (octave) {
-      EnsureOctaveMasks(block);
-      std::int32_t seq = 0;
-      Need(Cal_プロファイル分解_単体処理(session, writeDebug, seq, 0, n, block.FftLength1, block.FftLength2, block.Masks, wave,
-                                       out.Octave.Band));
-      out.Octave.Calculated = true;
-    }
-    if (iri != nullptr) {
-      CalcIriProfile(DebugTablesOf(session), block, *iri, false);
-      out.Iri = std::move(block.Iri);
-    }
-    if (!out.Wave.Calculated || !(out.Wave.Values == wave)) StoreWave(out.Wave, wave);
+    block.Profile = {};  // the split reads `wave` itself: its copy would only add to the peak
+    EnsureOctaveMasks(block);
+    std::int32_t seq = 0;
+    Need(Cal_プロファイル分解_単体処理(session, writeDebug, seq, 0, n, block.FftLength1, block.FftLength2, block.Masks, wave,
+                                     bands));
   });
+}
+
+bool StudyWaveIri(Session& session, const Array1<double>& wave, double pitch, const IriParams& iri, IriResults& out) {
+  return GuardedStep(session, "StudyWaveIri", [&] {
+    AnalysisBlock block;
+    PrepareAnalysis(DebugTablesOf(session), block, static_cast<std::int32_t>(wave.size()), wave, pitch);
+    CalcIriProfile(DebugTablesOf(session), block, iri, false);
+    out = std::move(block.Iri);
+  });
+}
+
+bool ReduceShortWave(Session& session, const ProfileRecord& record, const ShortReduction& by, BandReductionResult& out) {
+  OctaveBandSet octave;
+  return StudyWaveOctave(session, record.ThreeWave.ShortWave.Values, PitchOf(record), 0, octave.Band) &&
+         Cal_バンド別低減(session, by.Limits, record.WorkCount, octave, out, by.UseRange, by.RangeStart, by.RangeEnd);
 }
 
 bool cmdGo_3波長分解(Session& session, StudyRun& run, ThreeWaveRun* result) {
@@ -268,16 +274,14 @@ bool cmdGo_短波長(Session& session, StudyRun& run) {
            if (!record.ThreeWave.Valid) return;
            RepairStudyData& study = record.RepairStudy;
            study.ShortReducedValid = false;
-           StudyWave shortWave;
-           Need(AnalyseStudyWave(session, record.ThreeWave.ShortWave.Values, PitchOf(record), nullptr, true, 0, shortWave));
-           study.ShortOctave = std::move(shortWave.Octave);
            const PlanRange plan = PlanRangeOf(record, run.UsePlanRange);
            PlanIndices range;
            Need(set補修計画範囲情報(session, record.WorkCount, plan, range));
+           const ShortReduction by{limits, plan.Use, range.S, range.E};
            BandReductionResult reduced;
-           Need(Cal_バンド別低減(session, limits, record.WorkCount, study.ShortOctave, reduced, plan.Use, range.S, range.E));
+           Need(ReduceShortWave(session, record, by, reduced));
            study.ShortReduced = std::move(reduced.Total);
-           study.ShortReducedBands = std::move(reduced.Reduced);
+           study.ShortReducedBy = by;
            study.ShortReducedValid = true;
          }) && ok;
 }
@@ -294,9 +298,7 @@ bool cmdGo_理想形状(Session& session, StudyRun& run) {
     Progress progress(session.Ui(), "オリジナルプロファイルの計算");
     ok = ForEachSelected(session, run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
       if (!ready(record)) return;
-      StudyWave profile;
-      Need(AnalyseStudyWave(session, record.WorkProfile, PitchOf(record), &iri, false, 0, profile));
-      record.RepairStudy.ProfileIri = std::move(profile.Iri);
+      record.RepairStudy.ProfileIri = WholeIri(session, record.WorkProfile, PitchOf(record), iri);
     });
   }
   {
@@ -307,15 +309,19 @@ bool cmdGo_理想形状(Session& session, StudyRun& run) {
            if (!ready(record)) return;
            const Array1<double>& mPrime = ChosenMPrime(record);
            // Added in the order L, M', S'.
-           const Array1<double> ideal = SumOf(record.ThreeWave.LongWave.Values, mPrime, study.ShortReduced.Values);
-           Need(AnalyseStudyWave(session, ideal, PitchOf(record), nullptr, true, 1, study.IdealShape));
+           StoreWave(study.IdealShape.Wave, SumOf(record.ThreeWave.LongWave.Values, mPrime, study.ShortReduced.Values));
+           // Its octave split is shown by no chart or file: it is made for the debug tables alone.
+           if (DebugTablesOf(session).On) {
+             OctaveBands bands;
+             Need(StudyWaveOctave(session, study.IdealShape.Wave.Values, PitchOf(record), 1, bands));
+           }
          }) && ok;
   }
   Progress progress(session.Ui(), "ＩＲＩ計算");
   return ForEachSelected(session, run, "cmdGo_理想形状", [&](ProfileRecord& record, std::size_t) {
            RepairStudyData& study = record.RepairStudy;
            if (!ready(record) || !study.IdealShape.Wave.Calculated) return;
-           Need(AnalyseStudyWave(session, study.IdealShape.Wave.Values, PitchOf(record), &iri, false, 0, study.IdealShape));
+           study.IdealShape.IriWholeProfile = WholeIri(session, study.IdealShape.Wave.Values, PitchOf(record), iri);
            study.IdealValid = true;
          }) && ok;
 }

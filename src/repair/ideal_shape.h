@@ -7,11 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "analysis/octave.h"
 #include "base/session.h"
 #include "profile/profile_list.h"
 #include "profile/profile_record.h"
 #include "repair/m_wave.h"
 #include "repair/three_wave.h"
+#include "results/band_reduction_types.h"
 #include "results/iri_types.h"
 
 namespace velmora {
@@ -31,10 +33,14 @@ IriParams StudyIriParams(Session& session, double iriLength);
 // The plan range of a profile from its ERD record (used only when `use` and the record has one).
 PlanRange PlanRangeOf(const ProfileRecord& record, bool use);
 
-// Octave split (with writeDebug as the octave pass takes it) and/or IRI of a study wave (mm, 1..n,
-// pitch m) through a preparation of its own; the wave is stored with its statistics in out.Wave.
-bool AnalyseStudyWave(Session& session, const Array1<double>& wave, double pitch, const IriParams* iri, bool octave,
-                      std::int32_t writeDebug, StudyWave& out);
+// The octave split of a study wave (mm, 1..n, pitch m) through a preparation of its own, with
+// writeDebug as the octave pass takes it.
+bool StudyWaveOctave(Session& session, const Array1<double>& wave, double pitch, std::int32_t writeDebug,
+                     OctaveBands& bands);
+// The IRI of a study wave with the study's parameters: its response, window series and whole IRI.
+bool StudyWaveIri(Session& session, const Array1<double>& wave, double pitch, const IriParams& iri, IriResults& out);
+// The profile's S wave split into octaves and reduced band by band as `by` tells: S' and its bands.
+bool ReduceShortWave(Session& session, const ProfileRecord& record, const ShortReduction& by, BandReductionResult& out);
 
 // The drivers; each first checks the boxes (messages of the split) and passes over profiles whose
 // earlier step has not run. True when every step that ran succeeded.
@@ -43,9 +49,8 @@ bool cmdGo_中波長(Session& session, StudyRun& run);
 bool cmdGo_短波長(Session& session, StudyRun& run);
 bool cmdGo_理想形状(Session& session, StudyRun& run);
 
-// M' of a study: M + UserAdjust, with the octave split, S + M' + L, its split and the octave split of
-// its middle wave, and the IRI of M' and of S + M' + L with the study's parameters (five progress
-// steps). Needs the M-wave step of `record`.
+// M' of a study: M + UserAdjust, S + M' + L and the middle wave of its split, and the IRI of M' and of
+// S + M' + L with the study's parameters (five progress steps). Needs the M-wave step of `record`.
 bool CalcStudyAdjustment(Session& session, ProfileRecord& record, StudyTarget& target, const ThreeWaveForm& form);
 
 // What the ideal shape takes for a profile: the chosen study's outcome when it has been calculated,

@@ -1,11 +1,13 @@
 #include "report/repair_export.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <fmt/format.h>
 
 #include "analysis/iri.h"
 #include "analysis/octave.h"
+#include "analysis/prepare_profile.h"
 #include "base/common.h"
 #include "base/legacy_error.h"
 #include "base/legacy_math.h"
@@ -18,17 +20,16 @@
 namespace velmora {
 namespace {
 
-// The nine bands of an octave split, each 1..n as a plain vector.
-std::array<std::vector<double>, 10> BandWaves(const OctaveBandSet& octave) {
-  std::array<std::vector<double>, 10> waves;
-  for (std::size_t k = 1; k <= 9; ++k)
-    waves[k] = octave.Band[k].Values.vector();
-  return waves;
+// The octave split of a study wave, for a file that shows its bands.
+OctaveBands BandsOf(Session& session, const ProfileRecord& record, const Array1<double>& wave) {
+  OctaveBands bands;
+  if (!StudyWaveOctave(session, wave, record.Erd.StepSize, 0, bands))
+    throw LegacyError(ErrorNumber::InvalidData, ProfileList::NameOf(record) + ": オクターブ分解できません");
+  return bands;
 }
 
-void AddBandColumns(std::vector<PointColumn>& columns, const std::array<std::vector<double>, 10>& waves,
-                    const char* mark) {
-  for (std::size_t k = 1; k <= 9; ++k) columns.push_back({fmt::format("{}-OCT({})", k, mark), waves[k]});
+void AddBandColumns(std::vector<PointColumn>& columns, const OctaveBands& bands, const char* mark) {
+  for (std::size_t k = 1; k <= 9; ++k) columns.push_back({fmt::format("{}-OCT({})", k, mark), bands[k].Values.span()});
 }
 
 void ThreeWaveProfileLines(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis) {
@@ -41,97 +42,117 @@ void ThreeWaveProfileLines(const LineOut& out, const ProfileRecord& record, cons
 }
 
 // The sliding-window IRI (mm/m) of a wave of the record with the study's parameters.
-IriResults WindowIri(Session& session, const ProfileRecord& record, const Array1<double>& wave, const IriParams& iri) {
-  StudyWave out;
-  if (!AnalyseStudyWave(session, wave, record.Erd.StepSize, &iri, false, 0, out))
+WaveSeries WindowIri(Session& session, const ProfileRecord& record, const Array1<double>& wave, const IriParams& iri) {
+  IriResults out;
+  if (!StudyWaveIri(session, wave, record.Erd.StepSize, iri, out))
     throw LegacyError(ErrorNumber::InvalidData, ProfileList::NameOf(record) + ": IRIを計算できません");
-  return std::move(out.Iri);
+  return std::move(out.IriWindowWave);
 }
 
-// The same with the nine octave bands of the wave, split as the octave tab splits a profile.
-IriResults WindowIriWithBands(Session& session, const ProfileRecord& record, const Array1<double>& wave, const IriParams& iri) {
-  ProfileRecord alone;
-  alone.Erd = record.Erd;
-  alone.WorkCount = static_cast<std::int32_t>(wave.size());
-  alone.WorkProfile = wave;
-  if (!DecomposeProfile(session, alone, false, FilterConvergence{}))
+// The window IRI of a wave and of each of its nine octave bands, split as the octave tab splits a
+// profile. A band is dropped as soon as its window is made: only the windows go into the file.
+struct WindowsWithBands {
+  WaveSeries Wave;
+  std::array<WaveSeries, 10> Band;  // [1..9]
+};
+
+WindowsWithBands WindowIriWithBands(Session& session, const ProfileRecord& record, const Array1<double>& wave,
+                                    const IriParams& iri) {
+  const auto n = static_cast<std::int32_t>(wave.size());
+  AnalysisBlock block;
+  PrepareAnalysis(DebugTablesOf(session), block, n, wave, record.Erd.StepSize);
+  EnsureOctaveMasks(block);
+  OctaveBands bands;
+  std::int32_t debugSeq = 0;
+  if (!Cal_プロファイル分解_単体処理(session, 1, debugSeq, 0, n, block.FftLength1, block.FftLength2, block.Masks,
+                                  block.Profile.Values, bands))
     throw LegacyError(ErrorNumber::InvalidData, ProfileList::NameOf(record) + ": オクターブ分解できません");
-  CalcIriProfile(DebugTablesOf(session), alone.Analysis, iri, true);
-  return std::move(alone.Analysis.Iri);
+  block.Masks = {};
+  CalcIriProfile(DebugTablesOf(session), block, iri, false);
+  block.Iri.IriResponseWave = {};
+  WindowsWithBands windows;
+  windows.Wave = std::move(block.Iri.IriWindowWave);
+  for (std::size_t k = 1; k <= 9; ++k) {
+    windows.Band[k] = IriOfDerivedWave(block, bands[k].Values, iri).Window;
+    bands[k].Values = {};
+  }
+  return windows;
 }
 
 // One row per window position, as the IRI tab's continuous file: from the window's first sample over
-// the base length; `columns` are window series of equal length.
+// the base length; `columns` are window series of equal length. Rows are made as they are written.
 void WindowLines(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri,
-                                     const std::vector<std::string>& heads,
-                                     const std::vector<const WaveSeries*>& columns) {
+                 const std::vector<std::string>& heads, const std::vector<const WaveSeries*>& columns) {
   const ProfileGeometry geometry = GeometryOf(record);
   const double pitch = geometry.StepSize;
   const double kp0 = IsNoValue(geometry.KpStart) ? 0.0 : geometry.KpStart;
   const double kmPerSample = (geometry.KpSign == 1 ? -pitch : pitch) / 1000.0;
   const double windowSamples = pitch > 0 ? RoundHalfAway(iri.IriBaseLength / pitch) : 0;
-  std::vector<SectionRow> rows;
   const std::ptrdiff_t count = columns.empty() ? 0 : columns.front()->Values.size();
-  for (std::ptrdiff_t i = 1; i <= count; ++i) {
-    SectionRow row{kp0 + static_cast<double>(i - 1) * kmPerSample,
-                   kp0 + (static_cast<double>(i - 1) + windowSamples) * kmPerSample, {}};
+  WriteSectionCsv(out, axis, geometry, heads, static_cast<std::size_t>(count), [&](std::size_t r, SectionRow& row) {
+    const auto i = static_cast<std::ptrdiff_t>(r) + 1;
+    row.KpFrom = kp0 + static_cast<double>(i - 1) * kmPerSample;
+    row.KpTo = kp0 + (static_cast<double>(i - 1) + windowSamples) * kmPerSample;
+    row.Values.clear();
     for (const WaveSeries* column : columns) row.Values.push_back(i <= column->Values.size() ? column->Values[i] : kNoValue);
-    rows.push_back(std::move(row));
-  }
-  WriteSectionCsv(out, axis, geometry, heads, rows);
+  });
 }
 
 void ThreeWaveIriLines(const LineOut& out, Session& session, const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
   const ThreeWaveSplit& split = record.ThreeWave;
-  const IriResults l = WindowIri(session, record, split.LongWave.Values, iri);
-  const IriResults m = WindowIri(session, record, split.MiddleWave.Values, iri);
-  const IriResults s = WindowIri(session, record, split.ShortWave.Values, iri);
-  WindowLines(out, record, axis, iri, {"L波-IRI(mm/m)", "M波-IRI(mm/m)", "S波-IRI(mm/m)"},
-                     {&l.IriWindowWave, &m.IriWindowWave, &s.IriWindowWave});
+  const WaveSeries l = WindowIri(session, record, split.LongWave.Values, iri);
+  const WaveSeries m = WindowIri(session, record, split.MiddleWave.Values, iri);
+  const WaveSeries s = WindowIri(session, record, split.ShortWave.Values, iri);
+  WindowLines(out, record, axis, iri, {"L波-IRI(mm/m)", "M波-IRI(mm/m)", "S波-IRI(mm/m)"}, {&l, &m, &s});
 }
 
 void ShortWaveIriLines(const LineOut& out, Session& session, const ProfileRecord& record, const PositionAxis& axis, const IriParams& iri) {
-  const IriResults profile = WindowIri(session, record, record.WorkProfile, iri);
-  const IriResults shortWave = WindowIriWithBands(session, record, record.ThreeWave.ShortWave.Values, iri);
-  const IriResults reduced = WindowIri(session, record, record.RepairStudy.ShortReduced.Values, iri);
+  const WaveSeries profile = WindowIri(session, record, record.WorkProfile, iri);
+  const WindowsWithBands shortWave = WindowIriWithBands(session, record, record.ThreeWave.ShortWave.Values, iri);
+  const WaveSeries reduced = WindowIri(session, record, record.RepairStudy.ShortReduced.Values, iri);
   const std::string window = fmt::format("IRI({}m連続)", iri.IriBaseLength);
   std::vector<std::string> heads{"Profile", "S波" + window};
-  std::vector<const WaveSeries*> columns{&profile.IriWindowWave, &shortWave.IriWindowWave};
+  std::vector<const WaveSeries*> columns{&profile, &shortWave.Wave};
   for (std::size_t k = 1; k <= 9; ++k) {
     heads.push_back(fmt::format("{}-OCT(S波)", k));
-    columns.push_back(&shortWave.IriWindowBand[k]);
+    columns.push_back(&shortWave.Band[k]);
   }
   // What the reduction achieves, beside what it started from.
   heads.push_back("S'波" + window);
-  columns.push_back(&reduced.IriWindowWave);
+  columns.push_back(&reduced);
   WindowLines(out, record, axis, iri, heads, columns);
 }
 
-void ShortWaveLines(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis) {
+void ShortWaveLines(const LineOut& out, Session& session, const ProfileRecord& record, const PositionAxis& axis) {
   const RepairStudyData& study = record.RepairStudy;
+  BandReductionResult reduced;
+  if (!ReduceShortWave(session, record, study.ShortReducedBy, reduced))
+    throw LegacyError(ErrorNumber::InvalidData, ProfileList::NameOf(record) + ": S波を低減できません");
+  reduced.Total = {};  // S' is the study's own
   std::vector<PointColumn> columns{{"Profile", record.WorkProfile.span()},
                                    {"S波Profile", record.ThreeWave.ShortWave.Values.span()},
                                    {"S'波Profile", study.ShortReduced.Values.span()}};
   for (std::size_t k = 1; k <= 9; ++k)
-    columns.push_back({fmt::format("{}-OCT(S'波)", k), study.ShortReducedBands[k].Values.span()});
+    columns.push_back({fmt::format("{}-OCT(S'波)", k), reduced.Reduced[k].Values.span()});
   WritePointCsv(out, axis, GeometryOf(record), columns);
 }
 
-void IdealShapeLines(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis) {
+void IdealShapeLines(const LineOut& out, Session& session, const ProfileRecord& record, const PositionAxis& axis) {
   const RepairStudyData& study = record.RepairStudy;
   const MWaveOutcome& outcome = ChosenOutcome(record);
   const Array1<double>& m = record.ThreeWave.MiddleWave.Values;
   const Array1<double>& mPrime = outcome.MPrime.Wave.Values;
   std::vector<double> thickness;  // M - M', as the column is headed: a fill shows negative
+  thickness.reserve(static_cast<std::size_t>(std::min(m.size(), mPrime.size())));
   for (std::ptrdiff_t i = 1; i <= m.size() && i <= mPrime.size(); ++i) thickness.push_back(m[i] - mPrime[i]);
-  const auto bandsM = BandWaves(study.Middle.Octave);
-  const auto bandsMPrime = BandWaves(outcome.MPrime.Octave);
-  const auto bandsMSecond = BandWaves(outcome.CorrectedMiddleOctave);
+  const OctaveBands bandsM = BandsOf(session, record, m);
+  const OctaveBands bandsMPrime = BandsOf(session, record, mPrime);
+  const OctaveBands bandsMSecond = BandsOf(session, record, outcome.CorrectedMiddle.Values);
   std::vector<PointColumn> columns{{"Profile", record.WorkProfile.span()}, {"M波Profile", m.span()}};
   AddBandColumns(columns, bandsM, "M");
   columns.push_back({"M'波(直線化)Profile", mPrime.span()});
   AddBandColumns(columns, bandsMPrime, "M'");
-  columns.push_back({"M''波Profile", outcome.CorrectedSplit.MiddleWave.Values.span()});
+  columns.push_back({"M''波Profile", outcome.CorrectedMiddle.Values.span()});
   AddBandColumns(columns, bandsMSecond, "M''");
   columns.push_back({"L+M'+S", outcome.Corrected.Wave.Values.span()});
   // The ideal shape itself, which this file is named after.
@@ -180,9 +201,9 @@ void WriteRepairKindCsv(const LineOut& out, Session& session, RepairExportKind k
   switch (kind) {
     case RepairExportKind::ThreeWaveProfile: return ThreeWaveProfileLines(out, record, axis);
     case RepairExportKind::ThreeWaveIri: return ThreeWaveIriLines(out, session, record, axis, iri);
-    case RepairExportKind::ShortWave: return ShortWaveLines(out, record, axis);
+    case RepairExportKind::ShortWave: return ShortWaveLines(out, session, record, axis);
     case RepairExportKind::ShortWaveIri: return ShortWaveIriLines(out, session, record, axis, iri);
-    case RepairExportKind::IdealShape: return IdealShapeLines(out, record, axis);
+    case RepairExportKind::IdealShape: return IdealShapeLines(out, session, record, axis);
   }
 }
 

@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "results/iri_types.h"
-#include "results/octave_types.h"
+#include "base/common.h"
 #include "results/wave_series.h"
 
 namespace velmora {
@@ -53,20 +52,29 @@ struct StudyPoint {
 inline constexpr std::uint8_t kPointTrough = 0x01;    // the point is a trough (else a crest)
 inline constexpr std::uint8_t kPointExcluded = 0x02;  // the user took the point out of the line
 
-// A study wave with what the study derives from it: statistics (in Wave), octave split, IRI.
+// A study wave with its statistics (in Wave) and its IRI over the whole wave. The octave splits and
+// window IRI of the study's waves are made again when a file shows them: kept for every wave they
+// would hold a long profile many times over.
 struct StudyWave {
   WaveSeries Wave;
-  OctaveBandSet Octave;
-  IriResults Iri;
+  double IriWholeProfile = kNoValue;  // mm/m, with the study's IRI parameters
 };
 
-// What an M' wave gives: M' itself, the profile with only the middle wave repaired (S + M' + L),
-// that profile split again, and the octave split of its middle wave M''.
+// What an M' wave gives: M' itself, the profile with only the middle wave repaired (S + M' + L), and
+// the middle wave M'' of that profile split again.
 struct MWaveOutcome {
   StudyWave MPrime;
   StudyWave Corrected;
-  ThreeWaveSplit CorrectedSplit;
-  OctaveBandSet CorrectedMiddleOctave;
+  WaveSeries CorrectedMiddle;
+};
+
+// What S' was reduced with, so that its bands can be made again: the nine limits (mm, [1..9]) and,
+// when the plan range is in use, its first and last sample.
+struct ShortReduction {
+  std::array<double, 10> Limits{};
+  bool UseRange = false;
+  std::int32_t RangeStart = 0;
+  std::int32_t RangeEnd = 0;
 };
 
 // One named M-wave study of a profile. The first block is what the project file holds; the rest is
@@ -93,16 +101,14 @@ struct StudyTarget {
 // The results of the study steps kept per profile, besides the ThreeWaveSplit.
 struct RepairStudyData {
   // M-wave step.
-  StudyWave Middle;                   // M with its octave split and IRI
   MWaveOutcome Calculated;            // from M' as straightened, without any study
-  IriResults ProfileIri;              // the profile's IRI with the study's parameters
+  double ProfileIri = kNoValue;       // the profile's IRI (mm/m) with the study's parameters
   std::vector<StudyPoint> PointTable; // crests and troughs of M, ascending index
   bool MiddleValid = false;
   std::int32_t ChosenStudy = 0;       // row of lst_M波選択: 0 the calculated M', k the k-th study
   // S-wave step.
-  OctaveBandSet ShortOctave;
   WaveSeries ShortReduced;            // S'
-  std::array<WaveSeries, 10> ShortReducedBands;  // S' of each octave band [1..9]
+  ShortReduction ShortReducedBy;
   bool ShortReducedValid = false;
   // Ideal shape L + M' + S'.
   StudyWave IdealShape;

@@ -605,6 +605,27 @@ TEST_F(RunIriTest, MissingBandSplitIsMadeFirst) {
   EXPECT_EQ(p.Analysis.Iri.IriWindowCount, 799 - 40);
 }
 
+// The window of one band alone, for a file that keeps no responses, is the window the run with bands
+// keeps: the same response, and a window that starts one sample later than the profile's.
+TEST_F(RunIriTest, DerivedWindowIsTheBandWindowOfTheRunWithBands) {
+  ProfileRecord p = testing::MakeProfile("road", 0.25, testing::Road(800));
+  std::vector<ProfileRecord*> list{&p};
+  IriRunRequest request{"10", IriParams{}, false, false, FilterConvergence{}};
+  double last = kNoValue;
+  ASSERT_TRUE(RunIri(session, list, list, request, last));
+  IriParams params = request.Params;
+  params.IriBaseLength = 10;
+  for (const std::size_t k : {1u, 5u, 9u}) {
+    const WaveSeries alone = IriOfDerivedWave(p.Analysis, p.Analysis.Octave.Band[k].Values, params).Window;
+    EXPECT_EQ(alone.Values, p.Analysis.Iri.IriWindowBand[k].Values) << k;
+    EXPECT_TRUE(alone.Calculated) << k;
+  }
+  // Its own window is not the profile's: fed the profile itself, it starts one sample later.
+  const WaveSeries shifted = IriOfDerivedWave(p.Analysis, p.Analysis.Profile.Values, params).Window;
+  ASSERT_EQ(shifted.Values.size(), p.Analysis.Iri.IriWindowWave.Values.size());
+  EXPECT_NE(shifted.Values, p.Analysis.Iri.IriWindowWave.Values);
+}
+
 // Every rate tiny and the unsprung mass huge: the model's last row underflows to zeros. It is said once
 // by the run, inside its progress, and the engine goes on with it.
 TEST_F(RunIriTest, ASingularCarIsSaidOnceByTheIriRunAndTheIriFilterOnly) {

@@ -6,6 +6,7 @@
 
 #include <tuple>
 
+#include "analysis/band_reduction.h"
 #include "analysis/iri.h"
 #include "repair/ideal_shape.h"
 #include "repair/kp_adjustments.h"
@@ -211,9 +212,9 @@ TEST_F(StudyDriversTest, MiddleWaveStepStraightensAndBuildsThePointTable) {
   for (std::ptrdiff_t i = 1; i <= m.size(); ++i)
     ASSERT_EQ(study.Calculated.Corrected.Wave.Values[i],
               split.ShortWave.Values[i] + mPrime[i] + split.LongWave.Values[i]);
-  EXPECT_TRUE(study.Calculated.CorrectedSplit.Valid);
-  EXPECT_TRUE(study.Calculated.MPrime.Octave.Calculated);
-  EXPECT_GT(study.ProfileIri.IriWholeProfile, 0);
+  EXPECT_TRUE(study.Calculated.CorrectedMiddle.Calculated);
+  EXPECT_EQ(study.Calculated.CorrectedMiddle.Values.size(), m.size());
+  EXPECT_GT(study.ProfileIri, 0);
 
   EXPECT_EQ(testing::Titles(ui_, "progress-start"), (std::vector<std::string>{"３波長分解", "Ｍ波の計算", "Ｍ波の検討処理中"}));
 }
@@ -241,7 +242,7 @@ TEST_F(StudyDriversTest, StudyWaveIsTheMiddleWavePlusTheUsersThickness) {
   const auto other = static_cast<std::ptrdiff_t>(target.AdjPoints[middlePoint + 2]);
   EXPECT_NEAR(adjusted[other], calculated[other], 1e-9);
   EXPECT_TRUE(target.Recalculated);
-  EXPECT_TRUE(target.Outcome.CorrectedSplit.Valid);
+  EXPECT_TRUE(target.Outcome.CorrectedMiddle.Calculated);
 
   // Chosen in lst_M波選択, the study's M' is the one the ideal shape takes.
   EXPECT_EQ(&ChosenMPrime(Road()), &calculated);
@@ -269,10 +270,9 @@ TEST_F(StudyDriversTest, IdealShapeWithoutLinesIsTheCorrectedProfileAndItsIriIsT
   const auto iri = [this](const Array1<double>& wave) {
     return IriOfArray(static_cast<std::int32_t>(wave.size()), wave.span(), 0.25, StudyIriParams(session, 10));
   };
-  EXPECT_NEAR(study.IdealShape.Iri.IriWholeProfile, iri(ideal), 1e-12);
-  EXPECT_NEAR(study.Calculated.Corrected.Iri.IriWholeProfile, iri(study.Calculated.Corrected.Wave.Values), 1e-12);
-  EXPECT_NEAR(study.ProfileIri.IriWholeProfile, iri(Road().WorkProfile), 1e-12);
-  EXPECT_GT(study.IdealShape.Iri.IriWindowCount, 0);
+  EXPECT_NEAR(study.IdealShape.IriWholeProfile, iri(ideal), 1e-12);
+  EXPECT_NEAR(study.Calculated.Corrected.IriWholeProfile, iri(study.Calculated.Corrected.Wave.Values), 1e-12);
+  EXPECT_NEAR(study.ProfileIri, iri(Road().WorkProfile), 1e-12);
 }
 
 TEST_F(StudyDriversTest, LowBandLinesMakeTheIdealShapeSmootherThanTheCorrectedProfile) {
@@ -282,7 +282,29 @@ TEST_F(StudyDriversTest, LowBandLinesMakeTheIdealShapeSmootherThanTheCorrectedPr
   ASSERT_TRUE(cmdGo_理想形状(session, run_));
   const RepairStudyData& study = Road().RepairStudy;
   EXPECT_LT(study.ShortReduced.Stats.StdDev, Road().ThreeWave.ShortWave.Stats.StdDev / 2);
-  EXPECT_LT(study.IdealShape.Iri.IriWholeProfile, study.ProfileIri.IriWholeProfile);
+  EXPECT_LT(study.IdealShape.IriWholeProfile, study.ProfileIri);
+}
+
+// The S-wave step keeps S' and what it was reduced with, not the reduced bands: a file that shows the
+// bands makes them again, and they must add up to the S' the step kept.
+TEST_F(StudyDriversTest, ReducedBandsMadeAgainAddUpToTheKeptShortWave) {
+  for (int k = 1; k <= 9; ++k) run_.Form.Lines[k] = "0.1";
+  run_.Form.Lines[4] = "";  // one band without a line stays as it is
+  ASSERT_TRUE(cmdGo_短波長(session, run_));
+  const RepairStudyData& study = Road().RepairStudy;
+  ASSERT_TRUE(study.ShortReducedValid);
+  EXPECT_EQ(study.ShortReducedBy.Limits[1], 0.1);
+  EXPECT_EQ(study.ShortReducedBy.Limits[4], NoLimit);
+  EXPECT_FALSE(study.ShortReducedBy.UseRange);
+
+  BandReductionResult again;
+  ASSERT_TRUE(ReduceShortWave(session, Road(), study.ShortReducedBy, again));
+  EXPECT_EQ(again.Total.Values, study.ShortReduced.Values);
+  for (std::ptrdiff_t i = 1; i <= study.ShortReduced.Values.size(); ++i) {
+    double sum = 0;
+    for (std::size_t k = 1; k <= 9; ++k) sum += again.Reduced[k].Values[i];
+    ASSERT_EQ(sum, study.ShortReduced.Values[i]) << i;  // added in the same order
+  }
 }
 
 TEST_F(StudyDriversTest, StepsWhoseInputIsMissingArePassedOver) {
