@@ -9,6 +9,7 @@
 
 #include "base/common.h"
 #include "graph/charts.h"
+#include "qt_interaction.h"
 
 namespace velmora::gui {
 namespace {
@@ -89,7 +90,7 @@ QWidget* LimitLines(std::array<std::string, 10>& lines, const QString& caption, 
   for (std::size_t k = 1; k <= 9; ++k) {
     QLineEdit* box = TextBox(lines[k], QString("%1Line%2").arg(name).arg(k));
     box->setMaximumWidth(90);
-    layout->addRow(QString::fromStdString(graph::OctaveLabel(static_cast<int>(k))), box);
+    layout->addRow(DialogText(graph::OctaveLabel(static_cast<int>(k))), box);
     boxes.push_back(box);
   }
   layout->addRow(notice);
@@ -99,7 +100,7 @@ QWidget* LimitLines(std::array<std::string, 10>& lines, const QString& caption, 
       const std::string text = Trim(boxes[k]->text().toStdString());
       const bool numeric = text.empty() || IsNumeric(text);
       boxes[k]->setStyleSheet(numeric ? QString() : "background: #ffe0e0");
-      if (!numeric) bad << QString::fromStdString(graph::OctaveLabel(static_cast<int>(k + 1)));
+      if (!numeric) bad << DialogText(graph::OctaveLabel(static_cast<int>(k + 1)));
     }
     notice->setText(bad.isEmpty() ? QString()
                                   : TabInputs::tr("%1 の値は数値ではありません。低減ラインなしとして計算されます。")

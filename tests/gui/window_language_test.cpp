@@ -122,6 +122,7 @@ TEST(DialogTextInEnglish, KnownLinesTranslatedTheOthersKeptAsTheyAre) {
   EXPECT_EQ(DialogText("保存先：/tmp/x  \r\n"), QString::fromUtf8("保存先：/tmp/x  \n"));
   // A line with a value: the pattern is translated, the value carried over.
   EXPECT_EQ(DialogText("⇒ 距離：123.45000(m)"), QString::fromUtf8("⇒ length: 123.45000 m"));
+  EXPECT_EQ(DialogText("９ ＯＣＴ"), QString("OCT 9"));
   // A file dialog's filter: its descriptions translated, its patterns as they were.
   EXPECT_EQ(QtNameFilter("プロジェクトファイル (*.prj)|*.prj|すべてのファイル (*.*)|*.*"),
             QString("Project files (*.prj);;All files (*.*)"));
