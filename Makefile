@@ -4,7 +4,7 @@
 PACKAGES := g++ cmake make pkg-config libgtest-dev libgmock-dev libbenchmark-dev libfmt-dev \
             libcli11-dev libzip-dev libpugixml-dev libfftw3-dev \
             nlohmann-json3-dev gettext zip unzip python3 python3-openpyxl libcairo2-dev fonts-noto-cjk \
-            qt6-base-dev
+            qt6-base-dev qt6-l10n-tools
 BUILD    := build
 JOBS     ?= $(shell nproc)
 SUDO     := $(shell [ "$$(id -u)" -eq 0 ] || echo sudo)
@@ -12,7 +12,7 @@ SUDO     := $(shell [ "$$(id -u)" -eq 0 ] || echo sudo)
 FUZZ_PACKAGES := clang libclang-rt-14-dev
 FUZZ_SECONDS  ?= 600
 
-.PHONY: all deps configure build test demo gui gui-shots asan bench fuzz clean
+.PHONY: all deps configure build test demo gui gui-shots translations asan bench fuzz clean
 
 all: build
 
@@ -42,9 +42,20 @@ demo: build
 gui: build
 	$(BUILD)/bin/velmora-gui examples/*.erd
 
+# The window speaks the language of the locale: Japanese pictures in out/screenshots, English ones in
+# out/screenshots/en.
 gui-shots: build
-	QT_QPA_PLATFORM=offscreen $(BUILD)/bin/velmora-gui --screenshots out/screenshots \
+	LC_ALL=ja_JP.UTF-8 QT_QPA_PLATFORM=offscreen $(BUILD)/bin/velmora-gui --screenshots out/screenshots \
 	  --report-template examples/report/iri_report.xlsm examples/*.erd
+	LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen $(BUILD)/bin/velmora-gui --screenshots out/screenshots/en \
+	  --report-template examples/report/iri_report.xlsm examples/*.erd
+
+# After the window's texts change: lupdate adds the new ones to the English translation (unfinished,
+# to be written) and drops those no longer in the code. The build compiles the .ts with lrelease.
+LUPDATE ?= /usr/lib/qt6/bin/lupdate
+translations:
+	$(LUPDATE) gui -no-obsolete -locations none -source-language ja -target-language en \
+	  -ts gui/translations/velmora_en.ts
 
 asan: deps
 	cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON -DVELMORA_BENCH=OFF

@@ -101,7 +101,7 @@ int CheckFilesOrProject(const Runners& runners, const CommonOptions& common, Run
 
 int main(int argc, char** argv) {
   velmora::RestartWithMallocTunables(argv);
-  UseLanguage(ChooseLanguage(LangFlag(argc, argv)));
+  velmora::UseLanguage(velmora::ChooseLanguage(LangFlag(argc, argv)));
   CLI::App app{"velmora: road profiles in, IRI, filters, octave bands, PSD, statistics, profiler verification and "
                "repair-shape study out. Elevations in mm, distances in m, KP in km, IRI in mm/m."};
   app.set_version_flag("--version", "velmora 0.1.0");
@@ -171,7 +171,7 @@ int main(int argc, char** argv) {
     run.Scratch = MakeScratchTree();
     std::filesystem::create_directory(run.Staging());
   } catch (const std::exception& error) {
-    PrintProblem(run, "", TrEngine(error.what()));
+    PrintProblem(run, "", velmora::TrEngine(error.what()));
     return kExitFailed;
   }
 
@@ -186,7 +186,7 @@ int main(int argc, char** argv) {
       PrintProblem(run, fmt::format("{}", fmt::join(run.Inputs, ", ")), TrEngine("メモリが不足しています。"));
       status = kExitFailed;
     } catch (const std::exception& error) {
-      PrintProblem(run, "", TrEngine(error.what()));
+      PrintProblem(run, "", velmora::TrEngine(error.what()));
       status = kExitFailed;
     }
     // Only a run that did its work leaves files: all of them, each complete.
@@ -197,7 +197,7 @@ int main(int argc, char** argv) {
           run.Say(path);
         }
       } catch (const std::exception& error) {
-        PrintProblem(run, "", TrEngine(error.what()));
+        PrintProblem(run, "", velmora::TrEngine(error.what()));
         status = kExitFailed;
       }
     }

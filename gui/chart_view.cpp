@@ -38,7 +38,7 @@ ChartView::ChartView(Source source, QWidget* parent) : QWidget(parent), source_(
   connect(&resizeTimer_, &QTimer::timeout, this, &ChartView::Refresh);
   band_ = new QRubberBand(QRubberBand::Rectangle, this);
   reset_ = new QToolButton(this);
-  reset_->setText("全体表示");
+  reset_->setText(tr("全体表示"));
   reset_->setObjectName("resetZoom");
   reset_->hide();
   connect(reset_, &QToolButton::clicked, this, &ChartView::ResetZoom);

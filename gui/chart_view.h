@@ -3,6 +3,7 @@
 // user zooms to (rubber band, wheel), pans to (middle button, or Shift with the left) or resets
 // (double-click, Esc during a band, the button in the corner). The mouse's values are read back
 // through the chart's own mapping. Points a chart offers may be dragged up or down.
+#include <QCoreApplication>
 #include <QImage>
 #include <QPoint>
 #include <QTimer>
@@ -35,6 +36,8 @@ struct ChartHandle {
 };
 
 class ChartView final : public QWidget {
+  Q_DECLARE_TR_FUNCTIONS(ChartView)
+
  public:
   // The chart at a size in the window's ranges (its panels written back there); a null image when
   // it cannot be drawn now (the picture shown stays).

@@ -15,13 +15,14 @@
 #include <string>
 
 #include "qt_colour.h"
+#include "qt_interaction.h"
 
 namespace velmora::gui {
 namespace {
 
 // A titled row of exclusive choices, the buttons named by `namePattern` with their index.
 template <std::size_t N>
-QGroupBox* ChoiceRow(const QString& title, const char* const (&captions)[N], const char* namePattern,
+QGroupBox* ChoiceRow(const QString& title, const std::array<QString, N>& captions, const char* namePattern,
                      std::array<QRadioButton*, N>& buttons) {
   auto* box = new QGroupBox(title);
   auto* row = new QHBoxLayout(box);
@@ -36,7 +37,12 @@ QGroupBox* ChoiceRow(const QString& title, const char* const (&captions)[N], con
   return box;
 }
 
-constexpr const char* kIriCaptions[] = {"走行速度 (km/h)", "Ks/Ms", "Cs/Ms", "Mu/Ms", "Kt/Ms", "助走区間 (m)"};
+constexpr const char* kIriCaptions[] = {QT_TRANSLATE_NOOP("ConditionsForm", "走行速度 (km/h)"),
+                                        "Ks/Ms",
+                                        "Cs/Ms",
+                                        "Mu/Ms",
+                                        "Kt/Ms",
+                                        QT_TRANSLATE_NOOP("ConditionsForm", "助走区間 (m)")};
 // A box the check refuses gets the invalid colours of the profile tab: white text on red.
 constexpr const char* kInvalidStyle = "QLineEdit { background: #ff0000; color: #ffffff; }";
 // The band-filter boxes show values that only the settings file changes.
@@ -62,17 +68,17 @@ QString PageName(ConditionsPage page) { return QString::number(static_cast<int>(
 }  // namespace
 
 ConditionsForm::ConditionsForm(ConditionsDialog& engine, QWidget* parent) : QDialog(parent), engine_(engine) {
-  setWindowTitle(kConditionsCaption);
+  setWindowTitle(DialogText(kConditionsCaption));
   auto* pages = new QTabWidget;
   pages->setObjectName("pages");
-  pages->addTab(BandFilterPage(), kConditionsPageCaptions[0]);
-  pages->addTab(IriPage(), kConditionsPageCaptions[1]);
-  pages->addTab(RepairLinePage(), kConditionsPageCaptions[2]);
+  pages->addTab(BandFilterPage(), DialogText(kConditionsPageCaptions[0]));
+  pages->addTab(IriPage(), DialogText(kConditionsPageCaptions[1]));
+  pages->addTab(RepairLinePage(), DialogText(kConditionsPageCaptions[2]));
   auto* buttons = new QDialogButtonBox;
-  QPushButton* ok = buttons->addButton("OK", QDialogButtonBox::AcceptRole);
+  QPushButton* ok = buttons->addButton(tr("OK"), QDialogButtonBox::AcceptRole);
   ok->setObjectName("ok");
   ok->setDefault(true);
-  QPushButton* cancel = buttons->addButton("キャンセル", QDialogButtonBox::RejectRole);
+  QPushButton* cancel = buttons->addButton(tr("キャンセル"), QDialogButtonBox::RejectRole);
   cancel->setObjectName("cancel");
   connect(ok, &QPushButton::clicked, this, &ConditionsForm::Ok);
   connect(cancel, &QPushButton::clicked, this, &ConditionsForm::reject);
@@ -86,15 +92,15 @@ ConditionsForm::ConditionsForm(ConditionsDialog& engine, QWidget* parent) : QDia
 QWidget* ConditionsForm::BandFilterPage() {
   auto* page = new QWidget;
   auto* form = new QFormLayout(page);
-  const char* captions[] = {"長波長側カットオフ (m)", "短波長側カットオフ (m)"};
+  const char* captions[] = {QT_TR_NOOP("長波長側カットオフ (m)"), QT_TR_NOOP("短波長側カットオフ (m)")};
   for (std::size_t i = 0; i < bandFilter_.size(); ++i) {
     bandFilter_[i] = NumberBox(QString("txtBandFilter%1").arg(i));
     bandFilter_[i]->setReadOnly(true);
     bandFilter_[i]->setFocusPolicy(Qt::NoFocus);
     bandFilter_[i]->setStyleSheet(kReadOnlyStyle);
-    form->addRow(captions[i], bandFilter_[i]);
+    form->addRow(tr(captions[i]), bandFilter_[i]);
   }
-  form->addRow(new QLabel(kBandFilterHint));
+  form->addRow(new QLabel(DialogText(kBandFilterHint)));
   return page;
 }
 
@@ -104,13 +110,14 @@ QWidget* ConditionsForm::IriPage() {
   auto* form = new QFormLayout;
   for (std::size_t i = 0; i < iri_.size(); ++i) {
     iri_[i] = NumberBox(QString("txt_IRI%1").arg(i));
-    form->addRow(kIriCaptions[i], iri_[i]);
+    form->addRow(tr(kIriCaptions[i]), iri_[i]);
   }
   layout->addLayout(form);
 
-  const char* weightings[] = {"ARS", "RMS"};
-  layout->addWidget(ChoiceRow("パワー重み付け", weightings, "optIRI_PW%1", powerWeighting_));
-  layout->addWidget(ChoiceRow(kPartialSectionQuestion, kPartialSectionChoices, "opt_IRI算出区間条件%1", partialSections_));
+  layout->addWidget(ChoiceRow(tr("パワー重み付け"), std::array<QString, 2>{"ARS", "RMS"}, "optIRI_PW%1", powerWeighting_));
+  const std::array<QString, 2> partial{DialogText(kPartialSectionChoices[0]), DialogText(kPartialSectionChoices[1])};
+  layout->addWidget(
+      ChoiceRow(DialogText(kPartialSectionQuestion), partial, "opt_IRI算出区間条件%1", partialSections_));
   layout->addWidget(DefaultsLabels(ConditionsPage::Iri));
   layout->addStretch();
   return page;
@@ -119,7 +126,7 @@ QWidget* ConditionsForm::IriPage() {
 QWidget* ConditionsForm::RepairLinePage() {
   auto* page = new QWidget;
   auto* layout = new QVBoxLayout(page);
-  auto* lines = new QGroupBox("バンド別低減ライン (mm)");
+  auto* lines = new QGroupBox(tr("バンド別低減ライン (mm)"));
   auto* grid = new QGridLayout(lines);
   // Two columns of bands, the longest wave first.
   for (std::size_t i = 0; i < bandLines_.size(); ++i) {
@@ -132,10 +139,10 @@ QWidget* ConditionsForm::RepairLinePage() {
   layout->addWidget(lines);
   layout->addWidget(DefaultsLabels(ConditionsPage::RepairLines));
 
-  auto* colours = new QGroupBox("表示色");
+  auto* colours = new QGroupBox(tr("表示色"));
   auto* colourForm = new QFormLayout(colours);
-  colourForm->addRow("低減ライン値", ColourButton(0));
-  colourForm->addRow("低減ライン値適用後", ColourButton(1));
+  colourForm->addRow(tr("低減ライン値"), ColourButton(0));
+  colourForm->addRow(tr("低減ライン値適用後"), ColourButton(1));
   layout->addWidget(colours);
   layout->addWidget(DefaultsLabels(ConditionsPage::RepairColours));
   layout->addStretch();
@@ -148,8 +155,8 @@ QWidget* ConditionsForm::DefaultsLabels(ConditionsPage page) {
   auto* row = new QHBoxLayout(pair);
   row->setContentsMargins(0, 0, 0, 0);
   row->addStretch();
-  QLabel* reset = Link(kResetLabel, "reset" + PageName(page));
-  QLabel* save = Link(kSaveLabel, "save" + PageName(page));
+  QLabel* reset = Link(DialogText(kResetLabel), "reset" + PageName(page));
+  QLabel* save = Link(DialogText(kSaveLabel), "save" + PageName(page));
   connect(reset, &QLabel::linkActivated, this, [this, page] {
     Take();
     if (engine_.ResetPage(page)) Show();

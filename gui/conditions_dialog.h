@@ -2,6 +2,7 @@
 // frm計算条件 on the desktop: the conditions dialog's engine behind three tab pages. The boxes are
 // handed to the engine before each of its operations and shown again after, so every check, question
 // and message is the engine's.
+#include <QCoreApplication>
 #include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
@@ -14,6 +15,8 @@
 namespace velmora::gui {
 
 class ConditionsForm final : public QDialog {
+  Q_DECLARE_TR_FUNCTIONS(ConditionsForm)
+
  public:
   explicit ConditionsForm(ConditionsDialog& engine, QWidget* parent = nullptr);
 

@@ -12,10 +12,16 @@
 
 #include <stdexcept>
 
+#include "qt_interaction.h"
+
 namespace velmora::gui {
 namespace {
 
-constexpr const char* kDelimiterCaptions[] = {"カンマ", "タブ", "セミコロン", "スペース", "その他"};
+constexpr const char* kDelimiterCaptions[] = {QT_TRANSLATE_NOOP("ImportWizard", "カンマ"),
+                                             QT_TRANSLATE_NOOP("ImportWizard", "タブ"),
+                                             QT_TRANSLATE_NOOP("ImportWizard", "セミコロン"),
+                                             QT_TRANSLATE_NOOP("ImportWizard", "スペース"),
+                                             QT_TRANSLATE_NOOP("ImportWizard", "その他")};
 // The preview shows the head of the file: enough to see the columns and choose the range.
 constexpr int kPreviewRows = 200;
 
@@ -30,16 +36,16 @@ QLineEdit* SmallBox(const QString& name, int width) {
 
 ImportWizard::ImportWizard(workbench::Workbench& bench, std::string file, ListChange changeList, QWidget* parent)
     : QDialog(parent), bench_(bench), file_(std::move(file)), changeList_(std::move(changeList)) {
-  setWindowTitle("テキスト ファイル ウィザード");
+  setWindowTitle(tr("テキスト ファイル ウィザード"));
   auto* layout = new QVBoxLayout(this);
-  auto* information = new QLabel(kImportInformation);
+  auto* information = new QLabel(DialogText(kImportInformation));
   information->setWordWrap(true);
   layout->addWidget(information);
-  layout->addWidget(new QLabel("ファイル：" + QString::fromStdString(file_)));
+  layout->addWidget(new QLabel(tr("ファイル：") + QString::fromStdString(file_)));
   layout->addWidget(DelimiterBoxes());
   layout->addWidget(RangeBoxes());
 
-  auto* preview = new QGroupBox("データのプレビュー");
+  auto* preview = new QGroupBox(tr("データのプレビュー"));
   auto* previewLayout = new QVBoxLayout(preview);
   grid_ = new QTableWidget;
   grid_->setObjectName("ss");
@@ -49,11 +55,11 @@ ImportWizard::ImportWizard(workbench::Workbench& bench, std::string file, ListCh
   layout->addWidget(preview, 1);
 
   auto* buttons = new QDialogButtonBox;
-  QPushButton* initialise = buttons->addButton("初期化", QDialogButtonBox::ResetRole);
+  QPushButton* initialise = buttons->addButton(tr("初期化"), QDialogButtonBox::ResetRole);
   initialise->setObjectName("cmd登録設定");
-  QPushButton* cancel = buttons->addButton("キャンセル", QDialogButtonBox::RejectRole);
+  QPushButton* cancel = buttons->addButton(tr("キャンセル"), QDialogButtonBox::RejectRole);
   cancel->setObjectName("cmdCancel");
-  QPushButton* finish = buttons->addButton("完了", QDialogButtonBox::AcceptRole);
+  QPushButton* finish = buttons->addButton(tr("完了"), QDialogButtonBox::AcceptRole);
   finish->setObjectName("cmdNext");
   finish->setDefault(true);
   connect(initialise, &QPushButton::clicked, this, &ImportWizard::Initialise);
@@ -68,10 +74,10 @@ ImportWizard::ImportWizard(workbench::Workbench& bench, std::string file, ListCh
 }
 
 QWidget* ImportWizard::DelimiterBoxes() {
-  auto* group = new QGroupBox("区切り文字");
+  auto* group = new QGroupBox(tr("区切り文字"));
   auto* row = new QHBoxLayout(group);
   for (std::size_t i = 0; i < delimiters_.size(); ++i) {
-    delimiters_[i] = new QCheckBox(kDelimiterCaptions[i]);
+    delimiters_[i] = new QCheckBox(tr(kDelimiterCaptions[i]));
     delimiters_[i]->setObjectName(QString("chk区切文字%1").arg(i));
     connect(delimiters_[i], &QCheckBox::toggled, this, &ImportWizard::RefreshPreview);
     row->addWidget(delimiters_[i]);
@@ -84,28 +90,28 @@ QWidget* ImportWizard::DelimiterBoxes() {
 }
 
 QWidget* ImportWizard::RangeBoxes() {
-  auto* group = new QGroupBox("ERDファイルのヘッダー情報");
+  auto* group = new QGroupBox(tr("ERDファイルのヘッダー情報"));
   auto* grid = new QGridLayout(group);
-  header_ = new QCheckBox("１行目をヘッダーとして使用する");
+  header_ = new QCheckBox(tr("１行目をヘッダーとして使用する"));
   header_->setObjectName("chkHeader");
   connect(header_, &QCheckBox::toggled, this, &ImportWizard::RefreshPreview);
-  titleFromHeader_ = new QCheckBox("１行目のヘッダーをタイトルとして使用する");
+  titleFromHeader_ = new QCheckBox(tr("１行目のヘッダーをタイトルとして使用する"));
   titleFromHeader_->setObjectName("chkタイトル使用");
   // A title can come from the heading only when there is one.
   connect(header_, &QCheckBox::toggled, titleFromHeader_, &QWidget::setEnabled);
   grid->addWidget(header_, 0, 0, 1, 3);
   grid->addWidget(titleFromHeader_, 0, 3, 1, 3);
   for (std::size_t i = 0; i < boxes_.size(); ++i) boxes_[i] = SmallBox(QString("txt緒元%1").arg(i), 90);
-  grid->addWidget(new QLabel("ピッチ"), 1, 0);
+  grid->addWidget(new QLabel(tr("ピッチ")), 1, 0);
   grid->addWidget(boxes_[0], 1, 1);
   grid->addWidget(new QLabel("(m)"), 1, 2);
-  const char* rangeCaptions[] = {"データ開始行", "データ開始列"};
+  const char* rangeCaptions[] = {QT_TR_NOOP("データ開始行"), QT_TR_NOOP("データ開始列")};
   for (int r = 0; r < 2; ++r) {
-    grid->addWidget(new QLabel(rangeCaptions[r]), 2 + r, 0);
+    grid->addWidget(new QLabel(tr(rangeCaptions[r])), 2 + r, 0);
     grid->addWidget(boxes_[static_cast<std::size_t>(1 + 2 * r)], 2 + r, 1);
     grid->addWidget(new QLabel("～"), 2 + r, 2, Qt::AlignCenter);
     grid->addWidget(boxes_[static_cast<std::size_t>(2 + 2 * r)], 2 + r, 3);
-    boxes_[static_cast<std::size_t>(1 + 2 * r)]->setPlaceholderText("省略時：1");
+    boxes_[static_cast<std::size_t>(1 + 2 * r)]->setPlaceholderText(tr("省略時：1"));
   }
   grid->setColumnStretch(4, 1);
   return group;

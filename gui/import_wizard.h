@@ -3,6 +3,7 @@
 // and the range over a live preview of the split file; 完了 checks the boxes and imports through the
 // workbench, one profile per column.
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QLineEdit>
 #include <QTableWidget>
@@ -17,6 +18,8 @@
 namespace velmora::gui {
 
 class ImportWizard final : public QDialog {
+  Q_DECLARE_TR_FUNCTIONS(ImportWizard)
+
  public:
   // The file's preview is read at once; check Readable() before showing the wizard.
   ImportWizard(workbench::Workbench& bench, std::string file, ListChange changeList, QWidget* parent = nullptr);

@@ -14,6 +14,7 @@
 #include "main_window.h"
 #include "qt_interaction.h"
 #include "screenshots.h"
+#include "window_language.h"
 
 namespace {
 
@@ -44,6 +45,9 @@ int main(int argc, char** argv) {
     if (std::string_view(argv[i]) == "--screenshots" && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
       qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication app(argc, argv);
+  // The language of the locale, as the command line chooses it (the window's texts and the engine's).
+  if (!velmora::gui::UseWindowLanguage(velmora::ChooseLanguage()))
+    std::cerr << "velmora-gui: the English translation of the window cannot be loaded\n";
   const Arguments arguments = Parse(QApplication::arguments());
   const bool shots = !arguments.ScreenshotFolder.isEmpty();
 

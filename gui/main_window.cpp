@@ -26,6 +26,7 @@
 #include "m_wave_points.h"
 #include "output_tabs.h"
 #include "project_menu.h"
+#include "qt_interaction.h"
 #include "study_choice.h"
 #include "tab_charts.h"
 #include "tab_inputs_form.h"
@@ -49,7 +50,7 @@ std::vector<std::string> LocalFiles(const QMimeData* data) {
 
 MainWindow::MainWindow(workbench::Workbench& bench, QWidget* parent)
     : QMainWindow(parent), bench_(bench), bindings_(bench), model_(bench), go_(bench) {
-  setWindowTitle(QString::fromStdString(bench_.WindowTitle));
+  setWindowTitle(DialogText(bench_.WindowTitle));
   setAcceptDrops(true);
   RestoreWindowSettings(bench_, *this);
   tabs_ = new QTabWidget(this);
@@ -99,12 +100,12 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
 
   auto* buttons = new QHBoxLayout;
   if (tab == tab::Profile) {
-    auto* add = new QPushButton("ERD追加");
+    auto* add = new QPushButton(tr("ERD追加"));
     connect(add, &QPushButton::clicked, this, &MainWindow::AddFilesFromDialog);
     buttons->addWidget(add);
   }
   if (info.HasGo) {
-    page.Go = new QPushButton("Go");
+    page.Go = new QPushButton(tr("Go"));
     page.Go->setObjectName(QString::fromStdString(std::string(workbench::TabTable()[static_cast<std::size_t>(tab)].Go)));
     connect(page.Go, &QPushButton::clicked, this, [this, tab] { StartGo(tab); });
     buttons->addWidget(page.Go);
@@ -126,7 +127,7 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   }
   if (QWidget* inputs = MakeTabInputs(bench_, tab)) leftLayout->addWidget(inputs);
   if (tab == tab::MediumWave) {
-    leftLayout->addWidget(new QLabel("M波選択(検討対象)"));
+    leftLayout->addWidget(new QLabel(tr("M波選択(検討対象)")));
     leftLayout->addWidget(new StudyChoice(bench_, [this] { StudyChanged(); }));
   }
   leftLayout->addLayout(buttons);
@@ -150,7 +151,7 @@ void MainWindow::AddPage(const TabPage& info, bool allColumns) {
   splitter->setStretchFactor(1, 1);
   if (tab != tab::Profile) splitter->setSizes({220, 980});
   else splitter->setSizes({300, 480});
-  tabs_->addTab(splitter, info.Caption);
+  tabs_->addTab(splitter, CaptionOf(info));
 
   pages_.push_back(page);
   WatchSelection(page);
@@ -190,23 +191,24 @@ void MainWindow::WatchSelection(const Page& page) {
 }
 
 void MainWindow::BuildMenu() {
-  QMenu* menu = menuBar()->addMenu("プロファイル");
-  QAction* add = menu->addAction("ERD追加...");
+  QMenu* menu = menuBar()->addMenu(tr("プロファイル"));
+  QAction* add = menu->addAction(tr("ERD追加..."));
   add->setShortcut(QKeySequence::Open);
   connect(add, &QAction::triggered, this, &MainWindow::AddFilesFromDialog);
-  QAction* import = menu->addAction("テキストファイル取込...");
+  QAction* import = menu->addAction(tr("テキストファイル取込..."));
   connect(import, &QAction::triggered, this, [this] {
     FileDialogRequest request;
-    request.Title = "テキストファイル取込";
-    request.Filter = "テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*";
+    request.Title = tr("テキストファイル取込").toStdString();
+    request.Filter = tr("テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*").toStdString();
     TakeFiles(bench_.Session().Ui().OpenFiles(request));
   });
-  connect(menuBar()->addAction("計算条件の設定"), &QAction::triggered, this, &MainWindow::EditConditions);
-  QMenu* tools = menuBar()->addMenu("ツール");
-  const char* toolCaptions[] = {"プロファイル合成", "プロファイル高さシフト", "プロファイル反転", "プロファイル切り出し"};
+  connect(menuBar()->addAction(tr("計算条件の設定")), &QAction::triggered, this, &MainWindow::EditConditions);
+  QMenu* tools = menuBar()->addMenu(tr("ツール"));
+  const char* toolCaptions[] = {QT_TR_NOOP("プロファイル合成"), QT_TR_NOOP("プロファイル高さシフト"), QT_TR_NOOP("プロファイル反転"),
+                               QT_TR_NOOP("プロファイル切り出し")};
   for (int tool = 0; tool < 4; ++tool)
-    connect(tools->addAction(toolCaptions[tool]), &QAction::triggered, this, [this, tool] { OpenTool(tool); });
-  mode_ = menuBar()->addAction(QString::fromStdString(bench_.ModeCaption()));
+    connect(tools->addAction(tr(toolCaptions[tool])), &QAction::triggered, this, [this, tool] { OpenTool(tool); });
+  mode_ = menuBar()->addAction(DialogText(bench_.ModeCaption()));
   connect(mode_, &QAction::triggered, this, &MainWindow::ToggleMode);
 }
 
@@ -227,7 +229,7 @@ void MainWindow::ToggleMode() {
 }
 
 void MainWindow::ShowTabsOfMode() {
-  mode_->setText(QString::fromStdString(bench_.ModeCaption()));
+  mode_->setText(DialogText(bench_.ModeCaption()));
   for (std::size_t i = 0; i < pages_.size(); ++i)
     tabs_->setTabVisible(static_cast<int>(i), bench_.TabEnabled[static_cast<std::size_t>(pages_[i].Tab)]);
 }
@@ -258,7 +260,8 @@ void MainWindow::Redraw(const Page& page) {
   if (page.Shown == nullptr) return;
   const int row = ShownProfile(bench_, page.Tab, bench_.Selection(page.Tab));
   page.Shown->setText(row == 0 ? QString()
-                               : "表示中のプロファイル：" + QString::fromStdString(ProfileList::NameOf(bench_.List().Items.at(row))));
+                               : tr("表示中のプロファイル：") +
+                                     QString::fromStdString(ProfileList::NameOf(bench_.List().Items.at(row))));
 }
 
 bool MainWindow::AddFiles(const std::vector<std::string>& paths) {
@@ -304,15 +307,16 @@ void MainWindow::TakeFiles(const std::vector<std::string>& paths) {
 
 void MainWindow::ReplaceProject(const std::function<void()>& change) {
   if (!ChangeProfiles([&] { change(); return true; }, true)) return;
-  setWindowTitle(QString::fromStdString(bench_.WindowTitle));
+  setWindowTitle(DialogText(bench_.WindowTitle));
   // New and open reset the tabs' inputs from the conditions they bring.
   ShowTabInputs(tabs_);
 }
 
 void MainWindow::AddFilesFromDialog() {
   FileDialogRequest request;
-  request.Title = "ERDファイル追加";
-  request.Filter = "ERDファイル (*.ERD)|*.ERD|テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*";
+  request.Title = tr("ERDファイル追加").toStdString();
+  request.Filter =
+      tr("ERDファイル (*.ERD)|*.ERD|テキストファイル (*.txt;*.csv)|*.txt;*.csv|すべてのファイル (*.*)|*.*").toStdString();
   request.MultiSelect = true;
   // The folder of the last files added, as the program remembers it.
   constexpr std::string_view kFolderKey = "ERDファイル追加";

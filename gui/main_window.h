@@ -1,6 +1,7 @@
 #pragma once
 // frmTop on the desktop: the tab control over the workbench, a profile list in every tab, a Go
 // button that computes on a worker thread while the window stays live, and each tab's chart.
+#include <QCoreApplication>
 #include <QLabel>
 #include <QMainWindow>
 #include <QPushButton>
@@ -23,6 +24,8 @@
 namespace velmora::gui {
 
 class MainWindow final : public QMainWindow {
+  Q_DECLARE_TR_FUNCTIONS(MainWindow)
+
  public:
   // The workbench has been loaded (FormLoad); its session's interaction answers for the window.
   explicit MainWindow(workbench::Workbench& bench, QWidget* parent = nullptr);

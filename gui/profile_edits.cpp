@@ -12,6 +12,7 @@
 #include "option_buttons.h"
 #include "profile/profile_tab.h"
 #include "qt_colour.h"
+#include "qt_interaction.h"
 
 namespace velmora::gui {
 namespace {
@@ -28,9 +29,17 @@ struct BoxPlace {
 };
 // Names and places of txt緒元(0..10): the names left, the numbers right.
 constexpr BoxPlace kPlaces[] = {
-    {0, "プロファイル名称", 0, 0}, {1, "高さ名称", 1, 0},     {2, "距離名称", 2, 0},    {3, "ピッチ", 3, 0},
-    {7, "始点 (KP)", 4, 0},        {5, "タイトル", 0, 1},     {8, "コメント", 1, 1},    {6, "チャンネル数", 2, 1},
-    {4, "データ件数", 3, 1},       {9, "ヘッダー情報", 5, 0}, {10, "データ件数", 5, 1},
+    {0, QT_TRANSLATE_NOOP("ProfileEdits", "プロファイル名称"), 0, 0},
+    {1, QT_TRANSLATE_NOOP("ProfileEdits", "高さ名称"), 1, 0},
+    {2, QT_TRANSLATE_NOOP("ProfileEdits", "距離名称"), 2, 0},
+    {3, QT_TRANSLATE_NOOP("ProfileEdits", "ピッチ"), 3, 0},
+    {7, QT_TRANSLATE_NOOP("ProfileEdits", "始点 (KP)"), 4, 0},
+    {5, QT_TRANSLATE_NOOP("ProfileEdits", "タイトル"), 0, 1},
+    {8, QT_TRANSLATE_NOOP("ProfileEdits", "コメント"), 1, 1},
+    {6, QT_TRANSLATE_NOOP("ProfileEdits", "チャンネル数"), 2, 1},
+    {4, QT_TRANSLATE_NOOP("ProfileEdits", "データ件数"), 3, 1},
+    {9, QT_TRANSLATE_NOOP("ProfileEdits", "ヘッダー情報"), 5, 0},
+    {10, QT_TRANSLATE_NOOP("ProfileEdits", "データ件数"), 5, 1},
 };
 
 QString StyleOf(const BoxColours& colours) {
@@ -70,8 +79,8 @@ QWidget* ProfileEdits::ListButtons() {
     layout->addWidget(b);
     return b;
   };
-  rename_ = button("リネーム", "cmdProfileEdit3");
-  remove_ = button("登録解除", "cmdProfileEdit4");
+  rename_ = button(tr("リネーム"), "cmdProfileEdit3");
+  remove_ = button(tr("登録解除"), "cmdProfileEdit4");
   move_[0] = button("▲", "cmd上下移動0");
   move_[1] = button("▼", "cmd上下移動1");
   layout->addStretch();
@@ -89,7 +98,7 @@ QButtonGroup* ProfileEdits::Choices(const QStringList& captions, const QString& 
 }
 
 QWidget* ProfileEdits::HeaderBoxes() {
-  header_ = new QGroupBox("プロファイル緒元");
+  header_ = new QGroupBox(tr("プロファイル緒元"));
   auto* grid = new QGridLayout(header_);
   for (const BoxPlace& place : kPlaces) {
     auto* box = new QLineEdit;
@@ -98,7 +107,7 @@ QWidget* ProfileEdits::HeaderBoxes() {
     box->setReadOnly(shownOnly);
     if (!shownOnly) connect(box, &QLineEdit::editingFinished, this, &ProfileEdits::Commit);
     boxes_[static_cast<std::size_t>(place.Index)] = box;
-    grid->addWidget(new QLabel(place.Caption), place.Row, place.Column * 3);
+    grid->addWidget(new QLabel(tr(place.Caption)), place.Row, place.Column * 3);
     grid->addWidget(box, place.Row, place.Column * 3 + 1);
   }
   elevationSide_ = new QComboBox;
@@ -111,11 +120,11 @@ QWidget* ProfileEdits::HeaderBoxes() {
   grid->setColumnMinimumWidth(2, length_->fontMetrics().horizontalAdvance("⇒ 距離：00000.00000(m)"));
 
   auto* kp = new QHBoxLayout;
-  kpSense_ = Choices({"加算", "減算"}, "optKP", kp);
+  kpSense_ = Choices({tr("加算"), tr("減算")}, "optKP", kp);
   grid->addLayout(kp, 4, 2);
   auto* lane = new QHBoxLayout;
-  lane_ = Choices({"上り", "下り", "なし"}, "opt上下", lane);
-  clear_ = new QPushButton("クリア");
+  lane_ = Choices({tr("上り"), tr("下り"), tr("なし")}, "opt上下", lane);
+  clear_ = new QPushButton(tr("クリア"));
   clear_->setObjectName("cmd位置情報クリア");
   connect(clear_, &QPushButton::clicked, this, &ProfileEdits::ClearPosition);
   lane->addWidget(clear_);
@@ -151,7 +160,7 @@ void ProfileEdits::Fill() {
   elevationSide_->setCurrentIndex(boxes.cbo緒元);
   kpSense_->button(boxes.optKP)->setChecked(true);
   lane_->button(boxes.opt上下)->setChecked(true);
-  length_->setText(QString::fromStdString(boxes.lbl緒元単位1));
+  length_->setText(DialogText(boxes.lbl緒元単位1));
   header_->setEnabled(shown_ > 0);
   filling_ = false;
   PaintChecks();

@@ -4,6 +4,7 @@
 // or KP marks every tab for recomputation as the main form does.
 #include <QButtonGroup>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -23,6 +24,8 @@ namespace velmora::gui {
 using ListChange = std::function<bool(const std::function<bool()>& change)>;
 
 class ProfileEdits final : public QWidget {
+  Q_DECLARE_TR_FUNCTIONS(ProfileEdits)
+
  public:
   ProfileEdits(workbench::Workbench& bench, workbench::EngineBindings& bindings, QTableView* list,
                ListChange changeList, QWidget* parent = nullptr);

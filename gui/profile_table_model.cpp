@@ -53,10 +53,10 @@ QVariant ProfileTableModel::data(const QModelIndex& index, int role) const {
 QVariant ProfileTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (role != Qt::DisplayRole || orientation != Qt::Horizontal) return {};
   switch (section) {
-    case Name: return QStringLiteral("プロファイル");
-    case Pitch: return QStringLiteral("ピッチ (m)");
-    case Samples: return QStringLiteral("データ数");
-    case Length: return QStringLiteral("延長 (m)");
+    case Name: return tr("プロファイル");
+    case Pitch: return tr("ピッチ (m)");
+    case Samples: return tr("データ数");
+    case Length: return tr("延長 (m)");
     case Kp: return QStringLiteral("KP (km)");
     default: return {};
   }

@@ -4,6 +4,7 @@
 // the worker writes into the profile records.
 #include <QAbstractTableModel>
 #include <QColor>
+#include <QCoreApplication>
 #include <QString>
 
 #include <vector>
@@ -13,6 +14,8 @@
 namespace velmora::gui {
 
 class ProfileTableModel final : public QAbstractTableModel {
+  Q_DECLARE_TR_FUNCTIONS(ProfileTableModel)
+
  public:
   enum Column { Name, Pitch, Samples, Length, Kp, ColumnCount };
 

@@ -1,9 +1,12 @@
 #include "qt_interaction.h"
 
+#include <QCoreApplication>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QStringList>
+
+#include "base/language.h"
 
 namespace velmora::gui {
 namespace {
@@ -64,17 +67,33 @@ QString QtNameFilter(const std::string& filter) {
     QString description = parts[i].trimmed();
     if (description.endsWith(')') && description.contains('('))
       description = description.left(description.lastIndexOf('(')).trimmed();
+    description = DialogText(S(description));
     const QString patterns = QString(parts[i + 1]).replace(';', ' ').trimmed();
     filters << description + " (" + patterns + ")";
   }
   return filters.join(";;");
 }
 
-QString DialogText(const std::string& text) { return Q(text).replace("\r\n", "\n"); }
+QString DialogText(const std::string& text) {
+  QStringList lines;
+  std::size_t from = 0;
+  while (from <= text.size()) {
+    std::size_t end = text.find('\n', from);
+    if (end == std::string::npos) end = text.size();
+    std::string line = text.substr(from, end - from);
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    // The catalogue knows the lines without the blanks the program pads them with.
+    const std::string bare = line.substr(0, line.find_last_not_of(' ') + 1);
+    const std::string translated = bare.empty() ? bare : TrEngine(bare);
+    lines << Q(translated == bare ? line : translated);
+    from = end + 1;
+  }
+  return lines.join('\n');
+}
 
 MsgAnswer QtInteraction::Message(const std::string& text, const std::string& title, MsgIcon icon,
                                  MsgButtons buttons, MsgAnswer defaultAnswer) {
-  QMessageBox box(IconOf(icon), Q(title), DialogText(text), ButtonsOf(buttons), parent_);
+  QMessageBox box(IconOf(icon), DialogText(title), DialogText(text), ButtonsOf(buttons), parent_);
   box.setDefaultButton(ButtonOf(defaultAnswer));
   return AnswerOf(box.exec(), buttons);
 }
@@ -83,7 +102,7 @@ std::optional<std::string> QtInteraction::Input(const std::string& prompt, const
                                                  const std::string& defaultValue) {
   bool ok = false;
   const QString value =
-      QInputDialog::getText(parent_, Q(title), DialogText(prompt), QLineEdit::Normal, Q(defaultValue), &ok);
+      QInputDialog::getText(parent_, DialogText(title), DialogText(prompt), QLineEdit::Normal, Q(defaultValue), &ok);
   if (!ok) return std::nullopt;
   return S(value);
 }
@@ -91,10 +110,10 @@ std::optional<std::string> QtInteraction::Input(const std::string& prompt, const
 std::vector<std::string> QtInteraction::OpenFiles(const FileDialogRequest& request) {
   QStringList chosen;
   if (request.MultiSelect) {
-    chosen = QFileDialog::getOpenFileNames(parent_, Q(request.Title), Q(request.InitialDirectory),
+    chosen = QFileDialog::getOpenFileNames(parent_, DialogText(request.Title), Q(request.InitialDirectory),
                                            QtNameFilter(request.Filter));
   } else {
-    const QString one = QFileDialog::getOpenFileName(parent_, Q(request.Title), Q(request.InitialDirectory),
+    const QString one = QFileDialog::getOpenFileName(parent_, DialogText(request.Title), Q(request.InitialDirectory),
                                                      QtNameFilter(request.Filter));
     if (!one.isEmpty()) chosen << one;
   }
@@ -106,11 +125,11 @@ std::vector<std::string> QtInteraction::OpenFiles(const FileDialogRequest& reque
 std::string QtInteraction::SaveFile(const FileDialogRequest& request) {
   QString start = Q(request.InitialDirectory);
   if (!request.DefaultName.empty()) start = start.isEmpty() ? Q(request.DefaultName) : start + "/" + Q(request.DefaultName);
-  return S(QFileDialog::getSaveFileName(parent_, Q(request.Title), start, QtNameFilter(request.Filter)));
+  return S(QFileDialog::getSaveFileName(parent_, DialogText(request.Title), start, QtNameFilter(request.Filter)));
 }
 
 std::string QtInteraction::ChooseFolder(const FileDialogRequest& request) {
-  return S(QFileDialog::getExistingDirectory(parent_, Q(request.Title), Q(request.InitialDirectory)));
+  return S(QFileDialog::getExistingDirectory(parent_, DialogText(request.Title), Q(request.InitialDirectory)));
 }
 
 void QtInteraction::ProgressStart(const std::string& title, const std::string& message) {
@@ -121,10 +140,10 @@ void QtInteraction::ProgressStart(const std::string& title, const std::string& m
     progress_->setAutoReset(false);
     progress_->setMinimumDuration(0);
     progress_->setRange(0, 100);
-    progress_->setCancelButtonText(QStringLiteral("キャンセル"));
+    progress_->setCancelButtonText(QCoreApplication::translate("QtInteraction", "キャンセル"));
   }
   progress_->reset();
-  progress_->setWindowTitle(Q(title));
+  progress_->setWindowTitle(DialogText(title));
   progress_->setLabelText(DialogText(message));
   progress_->setValue(0);
   progress_->show();

@@ -12,9 +12,11 @@
 namespace velmora::gui {
 
 // "ERDファイル (*.ERD)|*.ERD|..." (description and patterns in turns, patterns split by ";") as a Qt
-// name filter ("ERDファイル (*.ERD);;...", patterns split by spaces, as Qt reads them).
+// name filter ("ERDファイル (*.ERD);;...", patterns split by spaces, as Qt reads them), the
+// descriptions in the language in force.
 QString QtNameFilter(const std::string& filter);
-// The program builds its texts with "\r\n"; a dialog shows plain line breaks.
+// A text of the program as a dialog shows it: each line in the language in force (base/language.h),
+// the "\r\n" it builds its texts with as plain line breaks.
 QString DialogText(const std::string& text);
 
 class QtInteraction final : public UserInteraction {

@@ -3,6 +3,7 @@
 #include <QSignalBlocker>
 
 #include "m_wave_points.h"
+#include "qt_interaction.h"
 #include "repair/ideal_shape.h"
 #include "repair/study_targets.h"
 
@@ -22,7 +23,7 @@ void StudyChoice::Refill() {
   const int row = AdjustedProfile(bench_);
   if (row == 0) return;
   const ProfileRecord& record = bench_.List().Items.at(row);
-  for (const std::string& item : StudyListItems(record.Studies)) addItem(QString::fromStdString(item));
+  for (const std::string& item : StudyListItems(record.Studies)) addItem(DialogText(item));
   setCurrentIndex(record.RepairStudy.ChosenStudy);
 }
 

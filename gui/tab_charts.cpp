@@ -1,5 +1,6 @@
 #include "tab_charts.h"
 
+#include <QCoreApplication>
 #include <QPainter>
 
 #include <cstring>
@@ -7,6 +8,7 @@
 
 #include "base/legacy_error.h"
 #include "graph/charts.h"
+#include "qt_interaction.h"
 
 namespace velmora::gui {
 namespace {
@@ -66,27 +68,29 @@ QImage Notice(QSize size, const QString& text) {
 }
 
 const std::vector<TabPage>& AnalysisPages() {
-  static const std::vector<TabPage> pages{{Filter, "フィルター処理", true, "filter"},
-                                          {Octave, "プロファイル分解", true, "octave", 1500},
-                                          {BandReduction, "バンド別低減", true, "reduce", 1400},
-                                          {Psd, "PSD", false, "psd"},
-                                          {Iri, "IRI", true, "iri"},
-                                          {Verification, "精度検証", true, "xcorr"}};
+  static const std::vector<TabPage> pages{{Filter, QT_TRANSLATE_NOOP("TabPage", "フィルター処理"), true, "filter"},
+                                          {Octave, QT_TRANSLATE_NOOP("TabPage", "プロファイル分解"), true, "octave", 1500},
+                                          {BandReduction, QT_TRANSLATE_NOOP("TabPage", "バンド別低減"), true, "reduce", 1400},
+                                          {Psd, QT_TRANSLATE_NOOP("TabPage", "PSD"), false, "psd"},
+                                          {Iri, QT_TRANSLATE_NOOP("TabPage", "IRI"), true, "iri"},
+                                          {Verification, QT_TRANSLATE_NOOP("TabPage", "精度検証"), true, "xcorr"}};
   return pages;
 }
 
 const std::vector<TabPage>& RepairPages() {
-  static const std::vector<TabPage> pages{{ThreeWave, "3波長分解", true, "threewave", 1100},
-                                          {MediumWave, "中波長", true, "medium", 1100},
-                                          {ShortWave, "短波長", true, "short", 1100},
-                                          {IdealShape, "理想形状", true, "ideal", 1100}};
+  static const std::vector<TabPage> pages{{ThreeWave, QT_TRANSLATE_NOOP("TabPage", "3波長分解"), true, "threewave", 1100},
+                                          {MediumWave, QT_TRANSLATE_NOOP("TabPage", "中波長"), true, "medium", 1100},
+                                          {ShortWave, QT_TRANSLATE_NOOP("TabPage", "短波長"), true, "short", 1100},
+                                          {IdealShape, QT_TRANSLATE_NOOP("TabPage", "理想形状"), true, "ideal", 1100}};
   return pages;
 }
 
 const TabPage& ProfilePage() {
-  static const TabPage page{Profile, "プロファイル", false, "profile"};
+  static const TabPage page{Profile, QT_TRANSLATE_NOOP("TabPage", "プロファイル"), false, "profile"};
   return page;
 }
+
+QString CaptionOf(const TabPage& page) { return QCoreApplication::translate("TabPage", page.Caption); }
 
 bool HasTabResults(int tab, const ProfileRecord& profile) {
   const AnalysisBlock& a = profile.Analysis;
@@ -129,9 +133,9 @@ QImage RenderChart(const Session& session, QSize size, const std::function<void(
   try {
     draw(canvas);
   } catch (const std::invalid_argument& error) {  // data no axis can be divided over
-    return Notice(size, QString::fromStdString(error.what()));
+    return Notice(size, DialogText(error.what()));
   } catch (const LegacyError& error) {
-    return Notice(size, QString::fromStdString(error.what()));
+    return Notice(size, DialogText(error.what()));
   }
   devices.releaseHDC(hdc);
   return ImageOf(picture);
@@ -149,8 +153,8 @@ QImage RenderTabChart(const workbench::Workbench& bench, int tab, const std::vec
   const CorrelationResults& verification = bench.Evaluation.Verification.Results;
   const bool drawable = tab == Verification ? verification.Selection.ProfileCount >= 2 : !profiles.empty();
   if (!drawable)
-    return Notice(size, rows.empty() ? QStringLiteral("リストでプロファイルを選択してください。")
-                                     : QStringLiteral("結果がありません。Go を押してください。"));
+    return Notice(size, rows.empty() ? QCoreApplication::translate("TabPage", "リストでプロファイルを選択してください。")
+                                     : QCoreApplication::translate("TabPage", "結果がありません。Go を押してください。"));
   return RenderChart(
       bench.Session(), size,
       [&](const graph::ChartCanvas& canvas) {

@@ -17,7 +17,7 @@ namespace velmora::gui {
 // A tab the window offers in profile analysis mode, with its caption.
 struct TabPage {
   int Index;
-  QString Caption;
+  const char* Caption;  // in the window's source language; CaptionOf gives it in the language in force
   bool HasGo;        // the PSD tab computes on a list click instead
   const char* Slug;  // a plain name for files about the tab
   // The charts of one profile (the first selected) stack a panel per band: they need this height
@@ -29,6 +29,8 @@ const std::vector<TabPage>& AnalysisPages();
 const std::vector<TabPage>& RepairPages();
 // The profile tab, which every mode shows.
 const TabPage& ProfilePage();
+// The tab's caption in the language in force.
+QString CaptionOf(const TabPage& page);
 
 // Whether a profile holds the results the tab's chart draws.
 bool HasTabResults(int tab, const ProfileRecord& profile);

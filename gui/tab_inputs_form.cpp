@@ -1,6 +1,7 @@
 #include "tab_inputs_form.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -8,11 +9,17 @@
 
 #include "base/common.h"
 #include "graph/charts.h"
+#include "qt_interaction.h"
 
 namespace velmora::gui {
 namespace {
 
 namespace tab = workbench::tab;
+
+// The context of the tabs' input captions in the window's translation.
+struct TabInputs {
+  Q_DECLARE_TR_FUNCTIONS(TabInputs)
+};
 
 // The property of a text box that holds the address of its field.
 constexpr const char* kBoundField = "boundField";
@@ -45,12 +52,13 @@ QCheckBox* Tick(bool& field, const QString& caption, const QString& name) {
 QWidget* FilterInputs(workbench::FilterTabInputs& in) {
   auto* form = new QWidget;
   auto* layout = new QFormLayout(form);
-  QComboBox* type = Choice(in.CalcType, {"移動平均", "フーリエ変換", "IRI", "Slope"}, "calcType");
-  layout->addRow("計算種別", type);
-  layout->addRow("帯域", Choice(in.Band, {"HighPass", "LowPass", "BandPass", "BandCut"}, "band"));
-  layout->addRow("長波長側 (m)", TextBox(in.LongCut, "longCut"));
-  layout->addRow("短波長側 (m)", TextBox(in.ShortCut, "shortCut"));
-  QCheckBox* converge = Tick(in.Converge, "FFT収束演算", "converge");
+  QComboBox* type =
+      Choice(in.CalcType, {TabInputs::tr("移動平均"), TabInputs::tr("フーリエ変換"), "IRI", "Slope"}, "calcType");
+  layout->addRow(TabInputs::tr("計算種別"), type);
+  layout->addRow(TabInputs::tr("帯域"), Choice(in.Band, {"HighPass", "LowPass", "BandPass", "BandCut"}, "band"));
+  layout->addRow(TabInputs::tr("長波長側 (m)"), TextBox(in.LongCut, "longCut"));
+  layout->addRow(TabInputs::tr("短波長側 (m)"), TextBox(in.ShortCut, "shortCut"));
+  QCheckBox* converge = Tick(in.Converge, TabInputs::tr("FFT収束演算"), "converge");
   layout->addRow(converge);
   // The repeated passes are the Fourier filter's only.
   constexpr int kFourier = 1;
@@ -63,7 +71,7 @@ QWidget* FilterInputs(workbench::FilterTabInputs& in) {
 QWidget* IriInputs(workbench::IriTabInputs& in) {
   auto* form = new QWidget;
   auto* layout = new QFormLayout(form);
-  layout->addRow("評価長 (m)", TextBox(in.EvalLength, "evalLength"));
+  layout->addRow(TabInputs::tr("評価長 (m)"), TextBox(in.EvalLength, "evalLength"));
   return form;
 }
 
@@ -82,7 +90,7 @@ QWidget* LimitLines(std::array<std::string, 10>& lines, const QString& caption, 
   for (std::size_t k = 1; k <= 9; ++k) {
     QLineEdit* box = TextBox(lines[k], QString("%1Line%2").arg(name).arg(k));
     box->setMaximumWidth(90);
-    layout->addRow(QString::fromStdString(graph::OctaveLabel(static_cast<int>(k))), box);
+    layout->addRow(DialogText(graph::OctaveLabel(static_cast<int>(k))), box);
     boxes.push_back(box);
   }
   layout->addRow(notice);
@@ -92,9 +100,11 @@ QWidget* LimitLines(std::array<std::string, 10>& lines, const QString& caption, 
       const std::string text = Trim(boxes[k]->text().toStdString());
       const bool numeric = text.empty() || IsNumeric(text);
       boxes[k]->setStyleSheet(numeric ? QString() : "background: #ffe0e0");
-      if (!numeric) bad << QString::fromStdString(graph::OctaveLabel(static_cast<int>(k + 1)));
+      if (!numeric) bad << DialogText(graph::OctaveLabel(static_cast<int>(k + 1)));
     }
-    notice->setText(bad.isEmpty() ? QString() : bad.join("、") + " の値は数値ではありません。低減ラインなしとして計算されます。");
+    notice->setText(bad.isEmpty() ? QString()
+                                  : TabInputs::tr("%1 の値は数値ではありません。低減ラインなしとして計算されます。")
+                                        .arg(bad.join(TabInputs::tr("、"))));
   };
   for (QLineEdit* box : boxes) QObject::connect(box, &QLineEdit::textChanged, notice, check);
   check();
@@ -105,10 +115,10 @@ QWidget* LimitLines(std::array<std::string, 10>& lines, const QString& caption, 
 QWidget* ThreeWaveInputs(workbench::RepairTabInputs& in) {
   auto* form = new QWidget;
   auto* layout = new QFormLayout(form);
-  layout->addRow("長波側境界値 (m)", TextBox(in.Form.LongBoundary, "longBoundary"));
-  layout->addRow("短波側境界値 (m)", TextBox(in.Form.ShortBoundary, "shortBoundary"));
-  layout->addRow("IRI算出基準長 (m)", TextBox(in.Form.IriLength, "iriLength"));
-  layout->addRow(Tick(in.UsePlanRange, "補修計画範囲", "usePlanRange"));
+  layout->addRow(TabInputs::tr("長波側境界値 (m)"), TextBox(in.Form.LongBoundary, "longBoundary"));
+  layout->addRow(TabInputs::tr("短波側境界値 (m)"), TextBox(in.Form.ShortBoundary, "shortBoundary"));
+  layout->addRow(TabInputs::tr("IRI算出基準長 (m)"), TextBox(in.Form.IriLength, "iriLength"));
+  layout->addRow(Tick(in.UsePlanRange, TabInputs::tr("補修計画範囲"), "usePlanRange"));
   return form;
 }
 
@@ -119,13 +129,13 @@ QWidget* MakeTabInputs(workbench::Workbench& bench, int tab) {
     case tab::Filter: return FilterInputs(bench.Filter);
     case tab::Octave: {
       auto* form = new QWidget;
-      (new QFormLayout(form))->addRow(Tick(bench.Octave.Converge, "FFT収束演算", "converge"));
+      (new QFormLayout(form))->addRow(Tick(bench.Octave.Converge, TabInputs::tr("FFT収束演算"), "converge"));
       return form;
     }
     case tab::Iri: return IriInputs(bench.Iri);
-    case tab::BandReduction: return LimitLines(bench.Band.Lines, "低減ライン (mm)", "band");
+    case tab::BandReduction: return LimitLines(bench.Band.Lines, TabInputs::tr("低減ライン (mm)"), "band");
     case tab::ThreeWave: return ThreeWaveInputs(bench.Repair);
-    case tab::ShortWave: return LimitLines(bench.Repair.Form.Lines, "短波長 低減ライン (mm)", "short");
+    case tab::ShortWave: return LimitLines(bench.Repair.Form.Lines, TabInputs::tr("短波長 低減ライン (mm)"), "short");
     default: return nullptr;
   }
 }

@@ -53,8 +53,8 @@ struct ToolForm {
 };
 
 ToolForm ReverseForm() {
-  auto* inputs = new QLabel("選択したプロファイルの始点と終点を入れ替えます。");
-  return {"プロファイルの反転", inputs,
+  auto* inputs = new QLabel(ToolDialog::tr("選択したプロファイルの始点と終点を入れ替えます。"));
+  return {ToolDialog::tr("プロファイルの反転"), inputs,
           [](const std::vector<ToolItem>& selected) { return ReverseProfiles(selected); }};
 }
 
@@ -62,8 +62,9 @@ ToolForm HeightShiftForm(Session& session) {
   auto* inputs = new QWidget;
   auto* form = new QFormLayout(inputs);
   auto* places = new QHBoxLayout;
-  QButtonGroup* place = Options({"始点", "終点", "指定KP"}, "opt調整位置", inputs, places);
-  form->addRow("調整位置", places);
+  QButtonGroup* place =
+      Options({ToolDialog::tr("始点"), ToolDialog::tr("終点"), ToolDialog::tr("指定KP")}, "opt調整位置", inputs, places);
+  form->addRow(ToolDialog::tr("調整位置"), places);
   QLineEdit* kp = Box("txtKP");
   kp->setEnabled(false);
   QObject::connect(place, &QButtonGroup::idToggled, kp, [kp](int id, bool on) {
@@ -71,8 +72,9 @@ ToolForm HeightShiftForm(Session& session) {
   });
   form->addRow("KP (km)", kp);
   QLineEdit* height = Box("txt高さ");
-  form->addRow("調整高さ (mm)", height);
-  return {"プロファイルの高さシフト", inputs, [&session, place, kp, height](const std::vector<ToolItem>& selected) {
+  form->addRow(ToolDialog::tr("調整高さ (mm)"), height);
+  return {ToolDialog::tr("プロファイルの高さシフト"), inputs,
+          [&session, place, kp, height](const std::vector<ToolItem>& selected) {
             HeightShiftInput input;
             input.Reference = static_cast<ShiftReference>(place->checkedId());
             input.Kp = Text(kp);
@@ -85,31 +87,31 @@ ToolForm CutOutForm(Session& session) {
   auto* inputs = new QWidget;
   auto* layout = new QVBoxLayout(inputs);
   auto* ways = new QHBoxLayout;
-  QButtonGroup* way = Options({"KP指定", "データ指定"}, "opt位置指定", inputs, ways);
+  QButtonGroup* way = Options({ToolDialog::tr("KP指定"), ToolDialog::tr("データ指定")}, "opt位置指定", inputs, ways);
   layout->addLayout(ways);
 
-  auto* byKp = new QGroupBox("KP指定");
+  auto* byKp = new QGroupBox(ToolDialog::tr("KP指定"));
   auto* kpForm = new QFormLayout(byKp);
   QLineEdit* kpStart = Box("txtKP指定0");
   QLineEdit* kpEnd = Box("txtKP指定1");
-  kpForm->addRow("KP始点 (km)", kpStart);
-  kpForm->addRow("KP終点 (km)", kpEnd);
+  kpForm->addRow(ToolDialog::tr("KP始点 (km)"), kpStart);
+  kpForm->addRow(ToolDialog::tr("KP終点 (km)"), kpEnd);
   layout->addWidget(byKp);
 
-  auto* byData = new QGroupBox("データ指定");
+  auto* byData = new QGroupBox(ToolDialog::tr("データ指定"));
   auto* dataForm = new QFormLayout(byData);
   QLineEdit* start = Box("txtデータ指定0");
-  QComboBox* side = Choice({"始点", "終点"}, "cboデータ指定0");
+  QComboBox* side = Choice({ToolDialog::tr("始点"), ToolDialog::tr("終点")}, "cboデータ指定0");
   auto* startRow = new QHBoxLayout;
   startRow->addWidget(side);
   startRow->addWidget(start);
-  dataForm->addRow("開始位置", startRow);
+  dataForm->addRow(ToolDialog::tr("開始位置"), startRow);
   QLineEdit* length = Box("txtデータ指定1");
-  QComboBox* unit = Choice({"個", "km", "m", "mm"}, "cboデータ指定1");
+  QComboBox* unit = Choice({ToolDialog::tr("個"), "km", "m", "mm"}, "cboデータ指定1");
   auto* lengthRow = new QHBoxLayout;
   lengthRow->addWidget(length);
   lengthRow->addWidget(unit);
-  dataForm->addRow("長さ", lengthRow);
+  dataForm->addRow(ToolDialog::tr("長さ"), lengthRow);
   byData->setEnabled(false);
   layout->addWidget(byData);
   QObject::connect(way, &QButtonGroup::idToggled, inputs, [byKp, byData](int id, bool on) {
@@ -119,13 +121,14 @@ ToolForm CutOutForm(Session& session) {
     }
   });
 
-  auto* shortfall = new QGroupBox("不足データ処理");
+  auto* shortfall = new QGroupBox(ToolDialog::tr("不足データ処理"));
   auto* fills = new QHBoxLayout(shortfall);
-  QButtonGroup* fill =
-      Options({"行わない", "ゼロ埋め", "始めまたは、終りの値", "反転折り返し"}, "opt不足データ処理", inputs, fills);
+  const QStringList fillCaptions{ToolDialog::tr("行わない"), ToolDialog::tr("ゼロ埋め"),
+                                 ToolDialog::tr("始めまたは、終りの値"), ToolDialog::tr("反転折り返し")};
+  QButtonGroup* fill = Options(fillCaptions, "opt不足データ処理", inputs, fills);
   layout->addWidget(shortfall);
-  layout->addWidget(new QLabel("※データ反転はされません。"));
-  return {"プロファイル切出し", inputs,
+  layout->addWidget(new QLabel(ToolDialog::tr("※データ反転はされません。")));
+  return {ToolDialog::tr("プロファイル切出し"), inputs,
           [&session, way, kpStart, kpEnd, start, side, length, unit, fill](const std::vector<ToolItem>& selected) {
             CutOutInput input;
             input.ByKp = way->checkedId() == 0;
@@ -143,7 +146,7 @@ ToolForm CutOutForm(Session& session) {
 ToolForm CompositeForm(Session& session, const std::vector<ToolItem>& items) {
   auto* inputs = new QWidget;
   auto* layout = new QVBoxLayout(inputs);
-  auto* base = new QGroupBox("基準プロファイル");
+  auto* base = new QGroupBox(ToolDialog::tr("基準プロファイル"));
   auto* baseLayout = new QFormLayout(base);
   auto* kinds = new QHBoxLayout;
   QButtonGroup* kind = Options({"ERD", "CSV"}, "opt基準Prof", inputs, kinds);
@@ -153,17 +156,17 @@ ToolForm CompositeForm(Session& session, const std::vector<ToolItem>& items) {
   baseLayout->addRow("ERD", baseProfile);
   QLineEdit* file = Box("txtFileName");
   file->setMaximumWidth(QWIDGETSIZE_MAX);
-  auto* browse = new QPushButton("参照");
+  auto* browse = new QPushButton(ToolDialog::tr("参照"));
   browse->setObjectName("cmd参照");
   auto* fileRow = new QHBoxLayout;
   fileRow->addWidget(file, 1);
   fileRow->addWidget(browse);
   baseLayout->addRow("CSV", fileRow);
-  QCheckBox* heading = new QCheckBox("先頭行をデータの見出しとして使用する");
+  QCheckBox* heading = new QCheckBox(ToolDialog::tr("先頭行をデータの見出しとして使用する"));
   heading->setObjectName("chkヘッダー見出し");
   baseLayout->addRow(heading);
   QComboBox* csvUnit = Choice({"m", "km"}, "cboCSV単位");
-  baseLayout->addRow("位置の単位", csvUnit);
+  baseLayout->addRow(ToolDialog::tr("位置の単位"), csvUnit);
   layout->addWidget(base);
   // Only the boxes of the chosen kind of base are in force.
   const auto choose = [baseProfile, file, browse, heading, csvUnit](bool csv) {
@@ -176,17 +179,18 @@ ToolForm CompositeForm(Session& session, const std::vector<ToolItem>& items) {
   });
   QObject::connect(browse, &QPushButton::clicked, file, [&session, file] {
     FileDialogRequest request;
-    request.Title = "CSVファイル";
-    request.Filter = "ログ・ファイル (*.csv)|*.csv|CSVファイル (*.csv)|*.csv|すべてのファイル (*.*)|*.*";
+    request.Title = ToolDialog::tr("CSVファイル").toStdString();
+    request.Filter =
+        ToolDialog::tr("ログ・ファイル (*.csv)|*.csv|CSVファイル (*.csv)|*.csv|すべてのファイル (*.*)|*.*").toStdString();
     const std::vector<std::string> chosen = session.Ui().OpenFiles(request);
     if (!chosen.empty()) file->setText(QString::fromStdString(chosen.front()));
   });
 
-  auto* pitch = new QGroupBox("出力単位");
+  auto* pitch = new QGroupBox(ToolDialog::tr("出力単位"));
   auto* pitches = new QHBoxLayout(pitch);
-  QButtonGroup* output = Options({"基準", "対象"}, "opt出力単位", inputs, pitches);
+  QButtonGroup* output = Options({ToolDialog::tr("基準"), ToolDialog::tr("対象")}, "opt出力単位", inputs, pitches);
   layout->addWidget(pitch);
-  return {"プロファイル合成", inputs,
+  return {ToolDialog::tr("プロファイル合成"), inputs,
           [&session, items, kind, baseProfile, file, heading, csvUnit,
            output](const std::vector<ToolItem>& targets) -> std::optional<std::vector<ToolOutput>> {
             CompositeInput input;
@@ -212,15 +216,15 @@ ToolDialog::ToolDialog(workbench::Workbench& bench, const QString& caption, QWid
   profiles_->setObjectName("lstProfile");
   profiles_->setSelectionMode(QAbstractItemView::ExtendedSelection);
   auto* buttons = new QDialogButtonBox;
-  QPushButton* add = buttons->addButton("登録", QDialogButtonBox::ActionRole);
+  QPushButton* add = buttons->addButton(tr("登録"), QDialogButtonBox::ActionRole);
   add->setObjectName("cmdProfile登録");
-  QPushButton* close = buttons->addButton("閉じる", QDialogButtonBox::RejectRole);
+  QPushButton* close = buttons->addButton(tr("閉じる"), QDialogButtonBox::RejectRole);
   connect(add, &QPushButton::clicked, this, &ToolDialog::Register);
   connect(close, &QPushButton::clicked, this, &QDialog::reject);
 
   auto* layout = new QHBoxLayout(this);
   auto* left = new QVBoxLayout;
-  left->addWidget(new QLabel("プロファイル"));
+  left->addWidget(new QLabel(tr("プロファイル")));
   left->addWidget(profiles_);
   layout->addLayout(left, 1);
   auto* right = new QVBoxLayout;

@@ -2,6 +2,7 @@
 // The profile tools' dialogs (mnuToolSub 0 to 3): the registered profiles in a list of several
 // selectable rows, the tool's inputs, and 登録, which makes the new profiles with the tool's engine
 // and registers them through the workbench. The dialog stays open for further runs.
+#include <QCoreApplication>
 #include <QDialog>
 #include <QListWidget>
 
@@ -22,6 +23,8 @@ enum ToolIndex { kComposite = 0, kHeightShift = 1, kReverse = 2, kCutOut = 3 };
 using MakeToolOutputs = std::function<std::optional<std::vector<ToolOutput>>(const std::vector<ToolItem>& selected)>;
 
 class ToolDialog final : public QDialog {
+  Q_DECLARE_TR_FUNCTIONS(ToolDialog)
+
  public:
   // `inputs` is the tool's own part of the form; `make` reads it.
   ToolDialog(workbench::Workbench& bench, const QString& caption, QWidget* inputs, MakeToolOutputs make,

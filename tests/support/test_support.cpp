@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -104,6 +105,23 @@ std::string ReadBytes(const std::filesystem::path& path) {
 void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {
   std::ofstream out(path, std::ios::binary);
   out << bytes;
+}
+
+ScopedEnvironment::ScopedEnvironment(std::initializer_list<std::pair<const char*, const char*>> values) {
+  for (const auto& [name, value] : values) {
+    const char* former = std::getenv(name);
+    saved_.emplace_back(name, former ? std::optional<std::string>(former) : std::nullopt);
+    if (value) ::setenv(name, value, 1);
+    else ::unsetenv(name);
+  }
+}
+
+ScopedEnvironment::~ScopedEnvironment() {
+  // Backwards, so that a name given twice ends with its first former value.
+  for (auto it = saved_.rbegin(); it != saved_.rend(); ++it) {
+    if (it->second) ::setenv(it->first.c_str(), it->second->c_str(), 1);
+    else ::unsetenv(it->first.c_str());
+  }
 }
 
 std::filesystem::path SourceDir() { return VELMORA_SOURCE_DIR; }

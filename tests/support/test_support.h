@@ -7,8 +7,10 @@
 #include <ctime>
 #include <deque>
 #include <filesystem>
+#include <initializer_list>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/session.h"
@@ -74,6 +76,19 @@ class TempDir {
 
  private:
   std::filesystem::path path_;
+};
+
+// Sets environment variables for its lifetime, a null value unsetting one; the former values come
+// back at the end.
+class ScopedEnvironment {
+ public:
+  ScopedEnvironment(std::initializer_list<std::pair<const char*, const char*>> values);
+  ~ScopedEnvironment();
+  ScopedEnvironment(const ScopedEnvironment&) = delete;
+  ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
+
+ private:
+  std::vector<std::pair<std::string, std::optional<std::string>>> saved_;
 };
 
 // A fixed clock for names with a time stamp: 5 March 2024, 12:00:00.
