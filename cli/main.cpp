@@ -183,7 +183,7 @@ int main(int argc, char** argv) {
         if (command->parsed()) status = runner();
     } catch (const std::bad_alloc&) {
       // The inputs named: the user learns which profiles were too long for this machine's memory.
-      PrintProblem(run, fmt::format("{}", fmt::join(run.Inputs, ", ")), TrEngine("メモリが不足しています。"));
+      PrintProblem(run, fmt::format("{}", fmt::join(run.Inputs, ", ")), velmora::TrEngine("メモリが不足しています。"));
       status = kExitFailed;
     } catch (const std::exception& error) {
       PrintProblem(run, "", velmora::TrEngine(error.what()));
