@@ -13,6 +13,7 @@
 #include "base/folders.h"
 #include "base/legacy_format.h"
 #include "base/memory_tunables.h"
+#include "base/progress.h"
 #include "command_registry.h"
 #include "help_files.h"
 #include "interrupts.h"
@@ -181,6 +182,9 @@ int main(int argc, char** argv) {
     try {
       for (auto& [command, runner] : runners)
         if (command->parsed()) status = runner();
+    } catch (const velmora::Cancelled&) {
+      // A stop asked for while result files were being made, after the Go: the same end as in the Go.
+      status = kExitInterrupted;
     } catch (const std::bad_alloc&) {
       // The inputs named: the user learns which profiles were too long for this machine's memory.
       PrintProblem(run, fmt::format("{}", fmt::join(run.Inputs, ", ")), velmora::TrEngine("メモリが不足しています。"));
