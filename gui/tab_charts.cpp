@@ -28,7 +28,7 @@ using workbench::tab::Psd;
 void DrawTab(const graph::ChartCanvas& canvas, int tab, std::span<const ProfileRecord* const> profiles,
              const workbench::Workbench& bench) {
   switch (tab) {
-    case Profile: graph::DrawProfileChart(canvas, profiles); break;
+    case Profile: graph::DrawProfileChart(canvas, profiles, bench.StatisticsMarks); break;
     case Filter: graph::DrawFilterChart(canvas, profiles); break;
     case Iri: graph::DrawIriChart(canvas, profiles, bench.Iri.Bands); break;
     case Psd: graph::DrawPsdChart(canvas, profiles, {}); break;

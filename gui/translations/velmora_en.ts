@@ -225,6 +225,101 @@
     </message>
 </context>
 <context>
+    <name>PrintTabPage</name>
+    <message>
+        <source>プリンターへ送る (lp)</source>
+        <translation>Send to printer (lp)</translation>
+    </message>
+    <message>
+        <source>プレビュー</source>
+        <translation>Preview</translation>
+    </message>
+    <message>
+        <source>印刷</source>
+        <translation>Print</translation>
+    </message>
+    <message>
+        <source>プリントオプション読込...</source>
+        <translation>Load print options...</translation>
+    </message>
+    <message>
+        <source>（既定値）</source>
+        <translation>(default)</translation>
+    </message>
+    <message>
+        <source>帳票</source>
+        <translation>Form</translation>
+    </message>
+    <message>
+        <source>用紙</source>
+        <translation>Paper</translation>
+    </message>
+    <message>
+        <source>|◀ 先頭</source>
+        <translation>|◀ First</translation>
+    </message>
+    <message>
+        <source>◀ 前</source>
+        <translation>◀ Previous</translation>
+    </message>
+    <message>
+        <source>次 ▶</source>
+        <translation>Next ▶</translation>
+    </message>
+    <message>
+        <source>最後 ▶|</source>
+        <translation>Last ▶|</translation>
+    </message>
+    <message>
+        <source>%1 / %2</source>
+        <translation>%1 / %2</translation>
+    </message>
+    <message>
+        <source>プリントオプション読込み</source>
+        <translation>Load print options</translation>
+    </message>
+    <message>
+        <source>プリントオプション (*.prt)|*.prt|</source>
+        <translation>Print options (*.prt)|*.prt|</translation>
+    </message>
+    <message>
+        <source>PDFファイル (*.pdf)|*.pdf|すべてのファイル (*.*)|*.*</source>
+        <translation>PDF files (*.pdf)|*.pdf|All files (*.*)|*.*</translation>
+    </message>
+    <message>
+        <source>印刷エラー</source>
+        <translation>Print error</translation>
+    </message>
+    <message>
+        <source>PDFファイルを保存しました。<byte value="xd"/>
+<byte value="xd"/>
+保存先：</source>
+        <translation>The PDF file was saved.<byte value="xd"/>
+<byte value="xd"/>
+Saved to: </translation>
+    </message>
+    <message>
+        <source><byte value="xd"/>
+<byte value="xd"/>
+PDFファイル：</source>
+        <translation><byte value="xd"/>
+<byte value="xd"/>
+PDF file: </translation>
+    </message>
+    <message>
+        <source>プリンターへ送りました。</source>
+        <translation>Sent to the printer.</translation>
+    </message>
+    <message>
+        <source>印刷キュー (lp) が見つかりません。</source>
+        <translation>No print queue (lp) was found.</translation>
+    </message>
+    <message>
+        <source>印刷キューがPDFを受け付けませんでした。</source>
+        <translation>The print queue did not accept the PDF.</translation>
+    </message>
+</context>
+<context>
     <name>ProfileEdits</name>
     <message>
         <source>プロファイル名称</source>
@@ -406,6 +501,96 @@
     <message>
         <source>キャンセル</source>
         <translation>Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>ReportTabPage</name>
+    <message>
+        <source>テンプレート読込...</source>
+        <translation>Load template...</translation>
+    </message>
+    <message>
+        <source>パラメータ</source>
+        <translation>Parameter</translation>
+    </message>
+    <message>
+        <source>値</source>
+        <translation>Value</translation>
+    </message>
+    <message>
+        <source>位置を反転して出力する</source>
+        <translation>Write positions reversed</translation>
+    </message>
+    <message>
+        <source>エクセル出力</source>
+        <translation>Write workbook</translation>
+    </message>
+    <message>
+        <source>帳票出力</source>
+        <translation>Reports</translation>
+    </message>
+    <message>
+        <source>出力対象のエクセルファイルが指定されていません。</source>
+        <translation>No workbook to write is given.</translation>
+    </message>
+    <message>
+        <source>警告</source>
+        <translation>Warning</translation>
+    </message>
+    <message>
+        <source>エクセル出力先フォルダ</source>
+        <translation>Folder for the workbook</translation>
+    </message>
+</context>
+<context>
+    <name>StatisticsTabPage</name>
+    <message>
+        <source>実行</source>
+        <translation>Go</translation>
+    </message>
+    <message>
+        <source>保存</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>統計値</source>
+        <translation>Statistics</translation>
+    </message>
+    <message>
+        <source>表示指定</source>
+        <translation>Show</translation>
+    </message>
+    <message>
+        <source>平均</source>
+        <translation>Mean</translation>
+    </message>
+    <message>
+        <source>分散(σ)</source>
+        <translation>Deviation (σ)</translation>
+    </message>
+    <message>
+        <source>最大</source>
+        <translation>Maximum</translation>
+    </message>
+    <message>
+        <source>最小</source>
+        <translation>Minimum</translation>
+    </message>
+    <message>
+        <source>IRI</source>
+        <translation>IRI</translation>
+    </message>
+    <message>
+        <source>リストでプロファイルを選択してください。</source>
+        <translation>Choose profiles in the list.</translation>
+    </message>
+    <message>
+        <source>全区間または区間集計のページ（プロファイル）を選ぶと図が出ます。</source>
+        <translation>Choose a whole-length or section page (profile) to see its chart.</translation>
+    </message>
+    <message>
+        <source>結果がありません。実行を押してください。</source>
+        <translation>No results yet: press Go.</translation>
     </message>
 </context>
 <context>
