@@ -18,7 +18,9 @@ double PowerTerm(double v, int power) {
   return std::pow(std::fabs(v), static_cast<double>(power));
 }
 
+// The ARS root pow(x, 1) is x itself, bit for bit, and a million windows need not ask pow() for it.
 double Root(double meanOfPowers, int power) {
+  if (power == 1) return meanOfPowers;
   return std::pow(meanOfPowers, 1.0 / static_cast<double>(power));
 }
 

@@ -2,6 +2,7 @@
 // Text inside the program is UTF-8. Files in the "system code page" are Shift-JIS (CP932) with CR LF;
 // these functions are the only place where the two meet.
 #include <cstdio>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -49,6 +50,7 @@ class SystemTextWriter {
 
  private:
   void Flush();
+  void StartWriteback();
 
   std::filesystem::path path_;
   std::string temp_;
@@ -57,6 +59,8 @@ class SystemTextWriter {
   std::string buffer_;
   bool failed_ = false;
   int error_ = 0;
+  std::uint64_t written_ = 0;  // bytes handed to the file
+  std::uint64_t queued_ = 0;   // of which the disk has been asked to write
 };
 
 // Appends one line + CR LF (log files: opened and closed for every line).
