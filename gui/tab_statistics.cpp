@@ -153,29 +153,29 @@ QWidget* StatisticsTabPage::MakeChoices() {
   StatisticsSelection& s = bench_.Evaluation.Statistics.Selection;
   auto* choices = new QWidget;
   auto* layout = new QVBoxLayout(choices);
-  auto* profile = new QGroupBox("プロファイル");
+  auto* profile = new QGroupBox(tr("プロファイル"));
   auto* profileLayout = new QVBoxLayout(profile);
-  profileLayout->addWidget(CheckGroup("帯域", kStatisticsBands, s.ProfileBands, &s.ProfileBandsHeader, "chk帯域_pro", 3));
-  profileLayout->addWidget(CheckGroup("統計値", kStatisticsMeasures, s.ProfileMeasures, nullptr, "chk統計値_pro", 3));
-  profileLayout->addWidget(OrderList("並び順", bench_.StatisticsSortProfile, "lst並順_pro"));
+  profileLayout->addWidget(CheckGroup(tr("帯域"), kStatisticsBands, s.ProfileBands, &s.ProfileBandsHeader, "chk帯域_pro", 3));
+  profileLayout->addWidget(CheckGroup(tr("統計値"), kStatisticsMeasures, s.ProfileMeasures, nullptr, "chk統計値_pro", 3));
+  profileLayout->addWidget(OrderList(tr("並び順"), bench_.StatisticsSortProfile, "lst並順_pro"));
   layout->addWidget(profile);
 
   auto* iri = new QGroupBox("IRI");
   auto* iriLayout = new QVBoxLayout(iri);
-  iriLayout->addWidget(CheckGroup("帯域", kStatisticsBands, s.IriBands, &s.IriBandsHeader, "chk帯域_IRI", 3));
-  iriLayout->addWidget(CheckGroup("統計値", kStatisticsMeasures, s.IriMeasures, nullptr, "chk統計値_IRI", 3));
-  iriLayout->addWidget(CheckGroup("IRI算出基準長", kIriEvaluationLengths, s.IriLengths, nullptr, "chk評価帳_IRI", 2));
-  iriLayout->addWidget(OrderList("並び順", bench_.StatisticsSortIri, "lst並順_IRI"));
+  iriLayout->addWidget(CheckGroup(tr("帯域"), kStatisticsBands, s.IriBands, &s.IriBandsHeader, "chk帯域_IRI", 3));
+  iriLayout->addWidget(CheckGroup(tr("統計値"), kStatisticsMeasures, s.IriMeasures, nullptr, "chk統計値_IRI", 3));
+  iriLayout->addWidget(CheckGroup(tr("IRI算出基準長"), kIriEvaluationLengths, s.IriLengths, nullptr, "chk評価帳_IRI", 2));
+  iriLayout->addWidget(OrderList(tr("並び順"), bench_.StatisticsSortIri, "lst並順_IRI"));
   layout->addWidget(iri);
 
   // chk統計値: what the profile chart annotates, kept across runs; the chart follows at once.
   auto* marks = new QGroupBox(tr("表示指定"));
-  auto* marksLayout = new QHBoxLayout(marks);
+  auto* marksLayout = new QGridLayout(marks);  // three to a row, as the check groups above: fits in either language
   const QString markNames[] = {tr("平均"), tr("分散(σ)"), tr("最大"), tr("最小"), tr("IRI")};
   for (std::size_t i = 0; i < bench_.StatisticsMarks.size(); ++i) {
     QCheckBox* mark = Bound(bench_.StatisticsMarks[i], markNames[i], "chk統計値" + QString::number(i));
     connect(mark, &QCheckBox::toggled, this, [this] { chart_->Refresh(); });
-    marksLayout->addWidget(mark);
+    marksLayout->addWidget(mark, static_cast<int>(i / 3), static_cast<int>(i % 3));
   }
   layout->addWidget(marks);
   layout->addStretch();

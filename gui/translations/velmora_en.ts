@@ -592,6 +592,22 @@ PDF file: </translation>
         <source>結果がありません。実行を押してください。</source>
         <translation>No results yet: press Go.</translation>
     </message>
+    <message>
+        <source>プロファイル</source>
+        <translation>Profile</translation>
+    </message>
+    <message>
+        <source>帯域</source>
+        <translation>Bands</translation>
+    </message>
+    <message>
+        <source>並び順</source>
+        <translation>Order</translation>
+    </message>
+    <message>
+        <source>IRI算出基準長</source>
+        <translation>IRI base lengths</translation>
+    </message>
 </context>
 <context>
     <name>TabInputs</name>
