@@ -218,7 +218,7 @@ SplitWaveIri IriOfDerivedWave(const AnalysisBlock& block, const Array1<double>& 
   // as it is.
   const std::int32_t windowEnd = ProfileWindowEnd(dx, params.IriBaseLength) + 1;
   StoreWave(result.Window, FirstElements(SlidingWindowIri(result.Response.span(), responseCount, windowEnd,
-                                                          PowerOf(params)),
+                                                          PowerOf(params), block.Iri.IriWindowCount),
                                          block.Iri.IriWindowCount));
   return result;
 }

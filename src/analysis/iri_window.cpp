@@ -71,7 +71,7 @@ double IriPowerMean(std::span<const double> r, std::int32_t count, int power) {
 }
 
 std::vector<double> SlidingWindowIri(std::span<const double> r, std::int32_t count,
-                                     std::int32_t firstEnd, int power) {
+                                     std::int32_t firstEnd, int power, std::int32_t atLeast) {
   const std::int32_t needed = std::max(count, firstEnd);
   if (firstEnd < 1 || static_cast<std::size_t>(needed) > r.size())
     RaiseSubscriptOutOfRange("IRI window of " + std::to_string(firstEnd) + " samples over a series of " +
@@ -85,7 +85,7 @@ std::vector<double> SlidingWindowIri(std::span<const double> r, std::int32_t cou
   // A fresh sum every so often bounds what the running sum can drift; spacing it by at least the
   // window keeps the whole pass O(count).
   const std::int32_t refreshEvery = std::max<std::int32_t>(4096, width);
-  std::vector<double> out(static_cast<std::size_t>(windows));
+  std::vector<double> out(static_cast<std::size_t>(std::max(windows, atLeast)));
   WindowTotal first = WindowFromScratch(r, firstEnd, width, power);
   RunningSum sum;
   sum.Reset(first.Sum);

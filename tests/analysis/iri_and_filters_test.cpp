@@ -257,6 +257,9 @@ TEST(SlidingWindowTest, CountsAndFirstValuesByHand) {
   const std::vector<double> r{3, -4, 0, 5, -12};
   // Window of 2 over 5 elements: 4 windows; ARS |3|,|4| → 3.5; RMS sqrt((9+16)/2).
   testing::ExpectValues(SlidingWindowIri(r, 5, 2, 1), {3.5, 2.0, 2.5, 8.5}, 1e-15);
+  // Room asked for beyond the windows is zeros; less than the windows changes nothing.
+  testing::ExpectValues(SlidingWindowIri(r, 5, 2, 1, 6), {3.5, 2.0, 2.5, 8.5, 0, 0}, 1e-15);
+  testing::ExpectValues(SlidingWindowIri(r, 5, 2, 1, 2), {3.5, 2.0, 2.5, 8.5}, 1e-15);
   const auto rms = SlidingWindowIri(r, 5, 2, 2);
   EXPECT_DOUBLE_EQ(rms[0], std::sqrt(12.5));
   EXPECT_DOUBLE_EQ(rms[3], std::sqrt(84.5));
