@@ -13,7 +13,8 @@ namespace velmora {
 // size by the same formula as the loop would use and then reused, so results do not depend on which
 // lengths were transformed before. The stages run two at a time on vectors of complex values, yet each
 // value goes through the very operations of the radix-2 loop, so the results keep its bits (only the
-// sign of a zero may differ). Safe to call from several threads at once: the tables are per thread.
+// sign of a zero may differ). Safe to call from several threads at once: they share one table, which
+// is never changed once built.
 void Fft(std::int32_t n, Array1<Complex>& x, std::int32_t sign);
 
 // The transform length that holds `count` samples: start at 2, double once, go on doubling while

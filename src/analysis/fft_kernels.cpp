@@ -44,13 +44,21 @@ Table Grown(const Table& old, std::size_t needed) {
   return table;
 }
 
+struct TwiddleCache {
+  std::mutex Mutex;
+  Table Kept;
+};
+TwiddleCache& Twiddles() {
+  static TwiddleCache cache;
+  return cache;
+}
+
 Table TwiddlesFor(std::int32_t n) {
-  static std::mutex mutex;
-  static Table table;
-  const std::lock_guard<std::mutex> lock(mutex);
+  TwiddleCache& cache = Twiddles();
+  const std::lock_guard<std::mutex> lock(cache.Mutex);
   const auto needed = static_cast<std::size_t>(n);
-  if (!table || table->size() < needed) table = Grown(table, needed);
-  return table;
+  if (!cache.Kept || cache.Kept->size() < needed) cache.Kept = Grown(cache.Kept, needed);
+  return cache.Kept;
 }
 
 // ---- Bit reversal -----------------------------------------------------------------------------
@@ -308,6 +316,12 @@ void Butterflies(Complex* a, int bits, const Complex* twiddles, bool conjugate, 
     AllStagesAvx2(a, bits, twiddles, conjugate);
   else
     AllStagesSse2(a, bits, twiddles, conjugate);
+}
+
+void ReleaseTwiddles() {
+  TwiddleCache& cache = Twiddles();
+  const std::lock_guard<std::mutex> lock(cache.Mutex);
+  cache.Kept.reset();
 }
 
 void Transform(Complex* a, int bits, std::int32_t sign, Vectors vectors) {

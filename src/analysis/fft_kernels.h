@@ -25,4 +25,7 @@ void Butterflies(Complex* a, int bits, const Complex* twiddles, bool conjugate, 
 // length and kept).
 void Transform(Complex* a, int bits, std::int32_t sign, Vectors vectors = Vectors::Best);
 
+// Lets go of the shared table: transforms running keep theirs, the next one builds it again.
+void ReleaseTwiddles();
+
 }  // namespace velmora::detail

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "analysis/fft.h"
+#include "analysis/fft_kernels.h"
 #include "base/legacy_error.h"
 
 namespace velmora {
@@ -24,11 +25,19 @@ using JoinTable = std::shared_ptr<const std::vector<Complex>>;
 // w(k) = exp(−2πi·k/n), k = 0 .. n/4: the twiddles that join the even and the odd samples (bins k
 // and n/2 − k are made together, so a quarter of the circle is enough). Built once per length and
 // shared by all threads; a table is never changed once built.
+struct JoinCache {
+  std::mutex Mutex;
+  std::map<std::int32_t, JoinTable> Tables;
+};
+JoinCache& Joins() {
+  static JoinCache cache;
+  return cache;
+}
+
 JoinTable JoinTwiddles(std::int32_t n) {
-  static std::mutex mutex;
-  static std::map<std::int32_t, JoinTable> tables;
-  const std::lock_guard<std::mutex> lock(mutex);
-  JoinTable& table = tables[n];
+  JoinCache& cache = Joins();
+  const std::lock_guard<std::mutex> lock(cache.Mutex);
+  JoinTable& table = cache.Tables[n];
   if (!table) {
     auto built = std::make_shared<std::vector<Complex>>(static_cast<std::size_t>(n / 4 + 1));
     for (std::int32_t k = 0; k <= n / 4; ++k) {
@@ -52,6 +61,13 @@ void CheckLength(const char* what, std::int32_t n, std::ptrdiff_t size, std::ptr
 }
 
 }  // namespace
+
+void ReleaseTransformTables() {
+  detail::ReleaseTwiddles();
+  JoinCache& cache = Joins();
+  const std::lock_guard<std::mutex> lock(cache.Mutex);
+  cache.Tables.clear();
+}
 
 void RealForwardFft(std::int32_t n, const Array1<double>& x, Array1<Complex>& half) {
   CheckLength("RealForwardFft", n, x.size(), n);

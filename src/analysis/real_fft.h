@@ -21,6 +21,11 @@ void RealForwardFft(std::int32_t n, const Array1<double>& x, Array1<Complex>& ha
 // sample 2m − 1 in half(m).Re and sample 2m in half(m).Im. Read it with `UnpackReal`.
 void RealInverseFft(std::int32_t n, Array1<Complex>& half);
 
+// The transforms keep their twiddle tables from one call to the next (33 MB for a 10^6-sample profile's
+// octave split). Once the analyses are over, this lets them go; a later transform builds them again,
+// to the same bits.
+void ReleaseTransformTables();
+
 // Samples first + 1 .. first + count of a packed real sequence into out[0 .. count).
 void UnpackReal(const Array1<Complex>& packed, std::int32_t first, std::int32_t count, double* out);
 

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "analysis/real_fft.h"
 #include "base/error_log.h"
 #include "base/legacy_error.h"
 #include "base/settings_io.h"
@@ -47,6 +48,9 @@ bool Checked(Session& session, const ExportRequest& request) {
 }  // namespace
 
 ExportOutcome MakeResultFiles(Workbench& bench, const ExportRequest& request, const std::tm& now) {
+  // The files are made from results: the transforms' tables need not stay beside them, and a long
+  // profile's files then have that much more room.
+  ReleaseTransformTables();
   ExportOutcome outcome;
   Guarded(bench.Session(), "frmTop", "cmdMakeErd_Click", [&] {
     if (!Checked(bench.Session(), request)) return;

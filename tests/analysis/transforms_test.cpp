@@ -194,6 +194,27 @@ TEST(RealFftTest, BothDirectionsGiveTheBinsOfTheFullComplexTransform) {
   EXPECT_THROW(UnpackReal(packed, 4, 3, out), LegacyError);
 }
 
+TEST(RealFftTest, TablesLetGoAreBuiltAgainToTheSameBits) {
+  constexpr std::int32_t n = 1 << 12;
+  const Array1<Complex> signal = RandomSignal(n, 7);
+  Array1<double> x(static_cast<std::size_t>(n));
+  for (std::int32_t j = 1; j <= n; ++j) x[j] = signal[j].Re;
+  const auto both = [&] {  // forward, then back again
+    Array1<Complex> half;
+    RealForwardFft(n, x, half);
+    Array1<Complex> forward = half;
+    RealInverseFft(n, half);
+    return std::pair{forward, half};
+  };
+  const auto before = both();
+  ReleaseTransformTables();
+  const auto after = both();
+  for (const auto& [a, b] : {std::pair{&before.first, &after.first}, std::pair{&before.second, &after.second}}) {
+    ASSERT_EQ(a->size(), b->size());
+    EXPECT_EQ(std::memcmp(a->data(), b->data(), static_cast<std::size_t>(a->size()) * sizeof(Complex)), 0);
+  }
+}
+
 TEST(FftTest, RefusesLengthsDirectionsAndArraysItCannotTransform) {
   Array1<Complex> x(8);
   EXPECT_THROW(Fft(6, x, -1), LegacyError);
