@@ -88,7 +88,7 @@ bool RunRepairStudy(CommandSession& session) {
 bool RunVerification(CommandSession& session, const PlotOptions& o, std::vector<graph::CorrelationCurve>& curves) {
   workbench::Workbench& bench = session.Bench;
   CorrelationOptions& options = bench.Evaluation.Verification.Options;
-  if (!o.MaxShift.empty()) options.MaxShiftText = o.MaxShift;
+  if (!o.MaxShift.empty()) ApplyMaxShift(options, o.MaxShift);
   {
     CliUi::FlagCheck check(session.Ui, {{"--max-shift", "最大ずらし量", ""}});
     if (!bench.Go(workbench::tab::Verification)) return false;
@@ -230,7 +230,7 @@ VELMORA_COMMAND("plot",
                   cmd.add_flag("--bands", o->Bands, "iri: also the nine octave bands' 10 m IRI (mm/m) of the first file");
                   cmd.add_option("--smooth", o->Smooth, "psd: also the spectrum smoothed to N points per octave")
                       ->check(WholeNumberFrom(1));
-                  cmd.add_option("--max-shift", o->MaxShift, "xcorr: largest shift, samples (default as the tab)");
+                  cmd.add_option("--max-shift", o->MaxShift, "xcorr: largest shift, in samples (whole number), or half (half the length); default as the tab");
                   return [&common, o] { return RunPlotCommand(common, *o); };
                 });
 

@@ -38,8 +38,7 @@ int RunXcorrCommand(const CommonOptions& common, const XcorrOptions& o) {
   workbench::Workbench& bench = session->Bench;
   CorrelationOptions& options = bench.Evaluation.Verification.Options;
   options.Alignment = IndexOf({"head", "center", "kp"}, o.Align);
-  options.MaxShiftMode = o.MaxShift == "half" ? 0 : 1;
-  if (options.MaxShiftMode == 1) options.MaxShiftText = o.MaxShift;
+  ApplyMaxShift(options, o.MaxShift);
   options.Measure = IndexOf(kMeasureWords, o.Measure);
   options.FilterMode = o.Filter == "iri" ? 1 : 0;
   options.TableLayout = o.Layout == "single" ? 1 : 0;

@@ -166,4 +166,9 @@ void AddFilesArgument(CLI::App& command, std::vector<std::string>& files) {
                      "ERD profile files (elevations in mm), folders of them, or - for a list on stdin; or --project");
 }
 
+void ApplyMaxShift(CorrelationOptions& options, const std::string& text) {
+  options.MaxShiftMode = text == "half" ? 0 : 1;
+  if (options.MaxShiftMode == 1) options.MaxShiftText = text;
+}
+
 }  // namespace velmora::cli

@@ -9,6 +9,7 @@
 
 #include "base/session.h"
 #include "base/startup.h"
+#include "evaluation/cross_correlation.h"
 #include "cli_ui.h"
 #include "command_registry.h"
 #include "workbench/make_result_files.h"
@@ -72,5 +73,9 @@ std::optional<std::array<std::string, 10>> NineLimits(RunContext& run, const std
 // Adds the FILE... positional argument (ERD files, folders of them, or - for a list on stdin), which
 // --project may stand in for.
 void AddFilesArgument(CLI::App& command, std::vector<std::string>& files);
+
+// --max-shift of the verification: "half" (half the length), else a whole number of samples, the
+// tab's two choices.
+void ApplyMaxShift(CorrelationOptions& options, const std::string& text);
 
 }  // namespace velmora::cli

@@ -67,6 +67,15 @@ TEST_F(PlotCommand, CorrelationChartMarksThePeakTheVerificationReports) {
       << Stderr();
   const std::string value = std::string(label.node().child_value()).substr(0, 6);  // "0.dddd"
   EXPECT_NE(Stdout().find(value.substr(0, 5)), std::string::npos) << value << "\n" << Stdout();
+
+  // "half" as the verification takes it: ±1,500 of the 3,000 samples, ticks every 500.
+  EXPECT_TRUE(svg.select_node("//text[text()='-1000']").node().empty());
+  ASSERT_EQ(Run("--no-timestamp plot xcorr --format svg --max-shift half " + Example("road_a_kp.erd") + " " +
+                Example("road_c_rough.erd"), "half"),
+            0)
+      << Stderr();
+  ASSERT_TRUE(svg.load_file((temp / "half" / "xcorr.svg").c_str()));
+  EXPECT_FALSE(svg.select_node("//text[text()='-1000']").node().empty());
 }
 
 TEST_F(PlotCommand, SvgAndPdfOfOneProfileAndTheDpiOfAPng) {
