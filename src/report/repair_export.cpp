@@ -14,6 +14,7 @@
 #include "base/session.h"
 #include "profile/profile_list.h"
 #include "repair/ideal_shape.h"
+#include "report/column_spill.h"
 #include "report/result_csv.h"
 #include "report/result_export.h"
 
@@ -28,8 +29,16 @@ OctaveBands BandsOf(Session& session, const ProfileRecord& record, const Array1<
   return bands;
 }
 
-void AddBandColumns(std::vector<PointColumn>& columns, const OctaveBands& bands, const char* mark) {
-  for (std::size_t k = 1; k <= 9; ++k) columns.push_back({fmt::format("{}-OCT({})", k, mark), bands[k].Values.span()});
+// The nine bands of a wave parked in `spill` (after what it holds) and their columns, headed by `mark`.
+// Only one wave's bands are in memory at a time: the ideal-shape file has three waves' bands, more
+// than fits beside the study on a long road.
+void AddSpilledBandColumns(std::vector<PointColumn>& columns, ColumnSpill& spill, Session& session,
+                           const ProfileRecord& record, const Array1<double>& wave, const char* mark) {
+  const OctaveBands bands = BandsOf(session, record, wave);
+  for (std::size_t k = 1; k <= 9; ++k) {
+    columns.push_back({fmt::format("{}-OCT({})", k, mark), {}, &spill, spill.Columns()});
+    spill.Append(bands[k].Values.span());
+  }
 }
 
 void ThreeWaveProfileLines(const LineOut& out, const ProfileRecord& record, const PositionAxis& axis) {
@@ -145,15 +154,13 @@ void IdealShapeLines(const LineOut& out, Session& session, const ProfileRecord& 
   std::vector<double> thickness;  // M - M', as the column is headed: a fill shows negative
   thickness.reserve(static_cast<std::size_t>(std::min(m.size(), mPrime.size())));
   for (std::ptrdiff_t i = 1; i <= m.size() && i <= mPrime.size(); ++i) thickness.push_back(m[i] - mPrime[i]);
-  const OctaveBands bandsM = BandsOf(session, record, m);
-  const OctaveBands bandsMPrime = BandsOf(session, record, mPrime);
-  const OctaveBands bandsMSecond = BandsOf(session, record, outcome.CorrectedMiddle.Values);
+  ColumnSpill spill(session.Paths.TempPath);
   std::vector<PointColumn> columns{{"Profile", record.WorkProfile.span()}, {"M波Profile", m.span()}};
-  AddBandColumns(columns, bandsM, "M");
+  AddSpilledBandColumns(columns, spill, session, record, m, "M");
   columns.push_back({"M'波(直線化)Profile", mPrime.span()});
-  AddBandColumns(columns, bandsMPrime, "M'");
+  AddSpilledBandColumns(columns, spill, session, record, mPrime, "M'");
   columns.push_back({"M''波Profile", outcome.CorrectedMiddle.Values.span()});
-  AddBandColumns(columns, bandsMSecond, "M''");
+  AddSpilledBandColumns(columns, spill, session, record, outcome.CorrectedMiddle.Values, "M''");
   columns.push_back({"L+M'+S", outcome.Corrected.Wave.Values.span()});
   // The ideal shape itself, which this file is named after.
   columns.push_back({"L+M'+S'", study.IdealShape.Wave.Values.span()});

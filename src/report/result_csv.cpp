@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <limits>
 #include <thread>
 
 #include "base/common.h"
@@ -31,6 +32,8 @@ constexpr int kDistanceDecimals = 5, kValueDecimals = 8;
 void AppendFirstField(std::string& line, double position) {
   if (!IsNoValue(position)) AppendFixedDecimals(line, position, kDistanceDecimals);
 }
+
+constexpr std::size_t kBlockRows = 16384;
 
 // Formats rows first..last-1 of a table; made anew for every block, so state it keeps between rows
 // (a row buffer) belongs to one thread.
@@ -62,7 +65,6 @@ struct LineBlock {
 // The rows of a long table formatted in blocks on two threads and handed to `out` in their order:
 // formatting the numbers is most of the time a long result file takes, and the lines are the same.
 void WriteRows(const LineOut& out, std::size_t count, const std::function<RowFormatter()>& makeFormatter) {
-  constexpr std::size_t kBlockRows = 16384;
   LineBlock own, other;
   for (std::size_t first = 0; first < count; first += 2 * kBlockRows) {
     const std::size_t middle = std::min(first + kBlockRows, count), last = std::min(middle + kBlockRows, count);
@@ -88,6 +90,42 @@ void WriteRows(const LineOut& out, std::size_t count, const std::function<RowFor
     if (middle < last) other.Emit(out);
   }
 }
+
+std::size_t RowsOf(const PointColumn& column) {
+  return column.Spill ? column.Spill->Rows(column.SpillColumn) : column.Values.size();
+}
+
+// The values of a point table's columns as one block formatter goes down its rows: spilled columns
+// are read from their file a block of rows at a time, the others are used as they lie.
+class PointRows {
+ public:
+  explicit PointRows(const std::vector<PointColumn>& columns) : columns_(columns), held_(columns.size()) {}
+
+  // The value of column c at row r (zero-based), r within the column.
+  double At(std::size_t c, std::size_t r) {
+    const PointColumn& column = columns_[c];
+    if (!column.Spill) return column.Values[r];
+    if (r < first_ || r - first_ >= kBlockRows) Hold(r);
+    return held_[c][r - first_];
+  }
+
+ private:
+  void Hold(std::size_t first) {
+    first_ = first;
+    for (std::size_t c = 0; c < columns_.size(); ++c) {
+      const PointColumn& column = columns_[c];
+      if (!column.Spill) continue;
+      const std::size_t rows = RowsOf(column);
+      if (first >= rows) continue;  // a shorter column: its rows here are empty fields
+      held_[c].resize(std::min(kBlockRows, rows - first));
+      column.Spill->Read(column.SpillColumn, first, held_[c]);
+    }
+  }
+
+  const std::vector<PointColumn>& columns_;
+  std::vector<std::vector<double>> held_;
+  std::size_t first_ = std::numeric_limits<std::size_t>::max();  // of the rows held_ keeps; none yet
+};
 
 }  // namespace
 
@@ -129,16 +167,16 @@ void WritePointCsv(const LineOut& out, const PositionAxis& axis, const ProfileGe
   std::vector<std::string> heads;
   for (const auto& column : columns) {
     heads.push_back(column.Head);
-    rows = std::max(rows, column.Values.size());
+    rows = std::max(rows, RowsOf(column));
   }
   head += JoinFields(heads);
   out(head);
   WriteRows(out, rows, [&]() -> RowFormatter {
-    return [&](std::size_t r, std::string& line) {
+    return [&, values = PointRows(columns)](std::size_t r, std::string& line) mutable {
       AppendFirstField(line, SamplePosition(axis, static_cast<std::int64_t>(r) + 1, geometry.StepSize,
                                             geometry.KpStart, geometry.KpSign));
-      for (const PointColumn& column : columns) {
-        if (r < column.Values.size()) AppendField(line, column.Values[r], kValueDecimals);
+      for (std::size_t c = 0; c < columns.size(); ++c) {
+        if (r < RowsOf(columns[c])) AppendField(line, values.At(c, r), kValueDecimals);
         else line += ", ";
       }
     };

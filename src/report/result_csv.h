@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "report/column_spill.h"
 #include "report/position_axis.h"
 
 namespace velmora {
@@ -36,6 +37,10 @@ void WriteSectionHeader(std::string& line, const PositionAxis& axis);
 struct PointColumn {
   std::string Head;
   std::span<const double> Values;  // element 0 is sample 1
+  // Set instead of Values for a column parked in a scratch file: its column `SpillColumn` there,
+  // read a block of rows at a time.
+  const ColumnSpill* Spill = nullptr;
+  std::size_t SpillColumn = 0;
 };
 
 // Where the lines of a table go, one at a time: a file being written, or a list.
