@@ -57,6 +57,10 @@ ImportWizard::ImportWizard(workbench::Workbench& bench, std::string file, ListCh
   auto* buttons = new QDialogButtonBox;
   QPushButton* initialise = buttons->addButton(tr("初期化"), QDialogButtonBox::ResetRole);
   initialise->setObjectName("cmd登録設定");
+  // The wizard has one page, so 戻る has nowhere to go back to: shown, as wizards show it, but off.
+  QPushButton* before = buttons->addButton(tr("戻る"), QDialogButtonBox::ActionRole);
+  before->setObjectName("cmdBefore");
+  before->setEnabled(false);
   QPushButton* cancel = buttons->addButton(tr("キャンセル"), QDialogButtonBox::RejectRole);
   cancel->setObjectName("cmdCancel");
   QPushButton* finish = buttons->addButton(tr("完了"), QDialogButtonBox::AcceptRole);

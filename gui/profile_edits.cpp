@@ -79,11 +79,17 @@ QWidget* ProfileEdits::ListButtons() {
     layout->addWidget(b);
     return b;
   };
+  QPushButton* pms = button(tr("PMS追加"), "cmdProfileEdit1");
+  export_ = button(tr("ﾌｧｲﾙ出力"), "cmdProfileEdit2");
+  exportAs_ = OptionButtons({"ERD", "CSV"}, "optExport", this, layout);
+  exportAs_->button(0)->setChecked(true);
   rename_ = button(tr("リネーム"), "cmdProfileEdit3");
   remove_ = button(tr("登録解除"), "cmdProfileEdit4");
   move_[0] = button("▲", "cmd上下移動0");
   move_[1] = button("▼", "cmd上下移動1");
   layout->addStretch();
+  connect(pms, &QPushButton::clicked, this, [this] { bench_.AddPmsProfiles(); });
+  connect(export_, &QPushButton::clicked, this, &ProfileEdits::Export);
   connect(rename_, &QPushButton::clicked, this, &ProfileEdits::Rename);
   connect(remove_, &QPushButton::clicked, this, &ProfileEdits::Remove);
   connect(move_[0], &QPushButton::clicked, this, [this] { Move(0); });
@@ -177,6 +183,7 @@ void ProfileEdits::UpdateButtons() {
   const std::vector<int> rows = SelectedRows();
   const bool one = rows.size() == 1;
   const int count = bench_.ProfileCount();
+  export_->setEnabled(!rows.empty());
   rename_->setEnabled(one);
   remove_->setEnabled(!rows.empty());
   move_[0]->setEnabled(one && count >= 2 && rows.front() > 1);
@@ -217,6 +224,12 @@ void ProfileEdits::Rename() {
   const std::vector<int> rows = SelectedRows();
   if (rows.size() != 1) return;
   changeList_([this, row = rows.front()] { return bench_.RenameProfile(row); });
+}
+
+void ProfileEdits::Export() {
+  const std::vector<int> rows = SelectedRows();
+  if (rows.empty()) return;
+  bench_.ExportProfiles(rows, exportAs_->checkedId() == 1 ? ProfileExportFormat::Csv : ProfileExportFormat::Erd);
 }
 
 void ProfileEdits::Remove() {

@@ -38,6 +38,7 @@ class ProfileEdits final : public QWidget {
   void Rename();
   void Remove();
   void Move(int button);  // 0 ▲, 1 ▼
+  void Export();           // ﾌｧｲﾙ出力 of the selected rows
   // Box edits (Enter, leaving a box, a choice): the boxes into the record, as leaving the profile does.
   void Commit();
   // cmd位置情報クリア: the KP, the range and the lane emptied.
@@ -65,6 +66,8 @@ class ProfileEdits final : public QWidget {
   QButtonGroup* lane_ = nullptr;        // opt上下
   QLabel* length_ = nullptr;            // lbl緒元単位(1)
   QPushButton* clear_ = nullptr;
+  QPushButton* export_ = nullptr;
+  QButtonGroup* exportAs_ = nullptr;    // optExport: ERD files or one CSV
   QPushButton* rename_ = nullptr;
   QPushButton* remove_ = nullptr;
   std::array<QPushButton*, 2> move_{};

@@ -152,6 +152,10 @@
         <source>省略時：1</source>
         <translation>Default: 1</translation>
     </message>
+    <message>
+        <source>戻る</source>
+        <translation>Back</translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>
@@ -396,6 +400,14 @@ PDF file: </translation>
     <message>
         <source>クリア</source>
         <translation>Clear</translation>
+    </message>
+    <message>
+        <source>PMS追加</source>
+        <translation>Add PMS</translation>
+    </message>
+    <message>
+        <source>ﾌｧｲﾙ出力</source>
+        <translation>Export</translation>
     </message>
 </context>
 <context>

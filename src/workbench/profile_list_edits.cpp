@@ -53,4 +53,13 @@ bool Workbench::MoveProfile(int row, int button) {
   return true;
 }
 
+void Workbench::ExportProfiles(const std::vector<int>& rows, ProfileExportFormat format) {
+  for (int row : rows) (void)list_.Items.at(row);
+  list_.SelectedRows.assign(rows.begin(), rows.end());
+  std::sort(list_.SelectedRows.begin(), list_.SelectedRows.end());
+  cmdProfileEdit(session_, list_, 2, format);
+}
+
+void Workbench::AddPmsProfiles() { cmdProfileEdit(session_, list_, 1); }
+
 }  // namespace velmora::workbench

@@ -10,6 +10,7 @@
 
 #include "base/session.h"
 #include "base/settings.h"
+#include "profile/profile_edit.h"
 #include "profile/profile_list.h"
 #include "profile/profile_record.h"
 #include "profile/profile_tools.h"
@@ -134,6 +135,11 @@ class Workbench {
   bool RenameProfile(int row);
   bool RemoveProfiles(const std::vector<int>& rows);
   bool MoveProfile(int row, int button);
+  // ﾌｧｲﾙ出力 of the rows: each as an ERD file in a folder, or all side by side in one CSV, through the
+  // list's own dialogs. The list itself does not change.
+  void ExportProfiles(const std::vector<int>& rows, ProfileExportFormat format);
+  // PMS追加: answered with the program's standing refusal.
+  void AddPmsProfiles();
   // Registers a profile already read (tools, the repair study's results); all tabs become dirty.
   void AddProfile(ProfileRecord record);
   // Replaces the working project by one that was read whole (a project file opened): its profiles

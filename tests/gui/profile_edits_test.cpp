@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "base/common.h"
+#include "base/text_encoding.h"
 #include "profile/profile_tab.h"
 #include "qt_colour.h"
 #include "window_fixture.h"
@@ -114,6 +115,34 @@ INSTANTIATE_TEST_SUITE_P(
         ListButtonCase{"down", {1}, "cmd上下移動1", {}, {"road_b", "road_a_kp", "road_c_rough"}, {1, 2, 3}, {}},
         ListButtonCase{"up", {3}, "cmd上下移動0", {}, {"road_a_kp", "road_c_rough", "road_b"}, {1, 2, 3}, {}}),
     [](const ::testing::TestParamInfo<ListButtonCase>& info) { return std::string(info.param.Name); });
+
+TEST_F(ProfileEditsTest, FileOutputWritesTheSelectedProfilesAsChosenAndPmsIsRefused) {
+  const auto out = scratch / "exported";
+  std::filesystem::create_directories(out);
+  SelectOnTab1({1, 3});
+  // ERD, the first choice: the save dialog's name only gives the folder.
+  ui.Files = {{(out / "ignored.Dummy").string()}};
+  Click("cmdProfileEdit2");
+  EXPECT_TRUE(std::filesystem::exists(out / "road_a_kp.ERD"));
+  EXPECT_TRUE(std::filesystem::exists(out / "road_c_rough.ERD"));
+  EXPECT_FALSE(std::filesystem::exists(out / "road_b.ERD"));
+  EXPECT_EQ(ui.OnlyMessageText(), "ERDファイルを保存しました。 \r\n保存先：" + out.string());
+  // CSV: one file, the two profiles side by side after the eleven header rows (3000 samples each).
+  window->findChild<QRadioButton*>("optExport1")->click();
+  ui.Files = {{(out / "both.CSV").string()}};
+  ui.Log.clear();
+  Click("cmdProfileEdit2");
+  const std::vector<std::string> lines = ReadSystemTextLines(out / "both.CSV");
+  EXPECT_EQ(lines.size(), 11u + 3000u);
+  EXPECT_EQ(ui.OnlyMessageText(), "CSVファイルを保存しました。 \r\n保存先：" + (out / "both.CSV").string());
+  // PMS追加 is the program's standing refusal; neither button changes the list.
+  ui.Log.clear();
+  Click("cmdProfileEdit1");
+  EXPECT_EQ(ui.OnlyMessageText(), "この機能は現在対応していません。");
+  EXPECT_EQ(Names(), (QStringList{"road_a_kp", "road_b", "road_c_rough"}));
+  SelectOnTab1({});
+  EXPECT_FALSE(window->findChild<QPushButton*>("cmdProfileEdit2")->isEnabled());
+}
 
 TEST_F(ProfileEditsTest, ARefusedOrCancelledButtonChangesNothing) {
   SelectOnTab1({1});
