@@ -11,6 +11,7 @@
 #include <new>
 
 #include "base/folders.h"
+#include "base/legacy_error.h"
 #include "base/legacy_format.h"
 #include "base/memory_tunables.h"
 #include "base/progress.h"
@@ -187,7 +188,7 @@ int main(int argc, char** argv) {
       status = kExitInterrupted;
     } catch (const std::bad_alloc&) {
       // The inputs named: the user learns which profiles were too long for this machine's memory.
-      PrintProblem(run, fmt::format("{}", fmt::join(run.Inputs, ", ")), velmora::TrEngine("メモリが不足しています。"));
+      PrintProblem(run, fmt::format("{}", fmt::join(run.Inputs, ", ")), velmora::TrEngine(velmora::kOutOfMemoryText));
       status = kExitFailed;
     } catch (const std::exception& error) {
       PrintProblem(run, "", velmora::TrEngine(error.what()));

@@ -24,6 +24,9 @@ enum class ErrorNumber : int {
   InvalidData = 1000,  // our own: malformed content of a file
 };
 
+// What the program says when memory runs out, after the names of the profiles it happened on.
+inline constexpr const char* kOutOfMemoryText = "メモリが不足しています。";
+
 class LegacyError : public std::runtime_error {
  public:
   LegacyError(ErrorNumber number, const std::string& description)

@@ -252,7 +252,7 @@ void Workbench::RestoreWorkState(WorkState&& state) {
 LegacyError Workbench::OutOfMemoryFor(const std::vector<int>& rows) const {
   std::string names;
   for (int row : rows) names += (names.empty() ? "" : ", ") + list_.Items[row].FileName;
-  return LegacyError(ErrorNumber::OutOfMemory, fmt::format("{}: {}", names, "メモリが不足しています。"));
+  return LegacyError(ErrorNumber::OutOfMemory, fmt::format("{}: {}", names, kOutOfMemoryText));
 }
 
 GoOutcome Workbench::RedrawOutcome(int tab, bool alwaysShowProgress) {
