@@ -595,7 +595,7 @@ TEST_F(RunIriTest, ComputesSelectedProfilesAndRecomputesOnlyWhenTheLengthChanges
   EXPECT_EQ(last, 20.0);
 }
 
-TEST_F(RunIriTest, MissingBandSplitIsMadeFirst) {
+TEST_F(RunIriTest, MissingBandSplitIsMadeFirstAndABandWindowAloneIsTheRunsOwn) {
   // A profile as read, not yet prepared: the run prepares and splits it, then takes the band IRI.
   ProfileRecord p = testing::MakeProfile("road", 0.25, testing::Road(800));
   std::vector<ProfileRecord*> list{&p};
@@ -606,16 +606,9 @@ TEST_F(RunIriTest, MissingBandSplitIsMadeFirst) {
   EXPECT_TRUE(p.Analysis.Iri.IriWindowRss.Calculated);
   EXPECT_GT(p.Analysis.Iri.IriWindowRss.Stats.Maximum, 0.0);
   EXPECT_EQ(p.Analysis.Iri.IriWindowCount, 799 - 40);
-}
 
-// The window of one band alone, for a file that keeps no responses, is the window the run with bands
-// keeps: the same response, and a window that starts one sample later than the profile's.
-TEST_F(RunIriTest, DerivedWindowIsTheBandWindowOfTheRunWithBands) {
-  ProfileRecord p = testing::MakeProfile("road", 0.25, testing::Road(800));
-  std::vector<ProfileRecord*> list{&p};
-  IriRunRequest request{"10", IriParams{}, false, false, FilterConvergence{}};
-  double last = kNoValue;
-  ASSERT_TRUE(RunIri(session, list, list, request, last));
+  // The window of one band alone, for a file that keeps no responses, is the window the run with bands
+  // keeps: the same response, and a window that starts one sample later than the profile's.
   IriParams params = request.Params;
   params.IriBaseLength = 10;
   for (const std::size_t k : {1u, 5u, 9u}) {
